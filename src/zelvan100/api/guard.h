@@ -1,0 +1,81 @@
+#pragma once
+// Handles, and the frame of every C function: check the handle, run, turn exceptions into codes.
+//
+// A handle is the address of a ticket, a two-word cell that outlives its object, so that a handle of a
+// freed object is recognised instead of followed. Freed tickets are reused only after many others.
+
+#include <new>
+
+#include "core/error.h"
+#include "core/model.h"
+
+struct ZVNenv {
+    zelvan::Env* object;
+};
+struct ZVNmodel {
+    zelvan::Model* object;
+    ZVNenv env;  // the handle that ZVNgetenv returns
+};
+
+namespace zelvan {
+
+ZVNenv* new_env_ticket(Env* env);
+void retire(ZVNenv* ticket);
+ZVNmodel* new_model_ticket(Model* model);
+void retire(ZVNmodel* ticket);
+
+// Text of the latest refusal of an invalid handle on this thread.
+std::string& handle_error();
+
+inline Env* env_of(ZVNenv* handle) { return handle ? handle->object : nullptr; }
+inline Model* model_of(ZVNmodel* handle) { return handle ? handle->object : nullptr; }
+inline std::string& error_text(Env& env) { return env.error; }
+inline std::string& error_text(Model& model) { return model.env.error; }
+int refuse_handle(const char* what, bool null);
+
+// Runs body(object); the code is 0 or that of the exception, whose text is left on the object.
+template <class Object, class Body>
+int run(Object& object, Body&& body) noexcept {
+    try {
+        body(object);
+        return 0;
+    } catch (const Error& e) {
+        error_text(object) = e.text();
+        return e.code();
+    } catch (const std::bad_alloc&) {
+        error_text(object) = "Out of memory";
+        return ZVN_ERROR_OUT_OF_MEMORY;
+    } catch (const std::exception& e) {
+        error_text(object) = std::string("Internal error: ") + e.what();
+        return ZVN_ERROR_INTERNAL;
+    }
+}
+
+template <class Body>
+int with_env(ZVNenv* handle, Body&& body) noexcept {
+    Env* env = env_of(handle);
+    return env ? run(*env, body) : refuse_handle("environment", handle == nullptr);
+}
+
+template <class Body>
+int with_model(ZVNmodel* handle, Body&& body) noexcept {
+    Model* model = model_of(handle);
+    return model ? run(*model, body) : refuse_handle("model", handle == nullptr);
+}
+
+// For calls that change the model, which a running solve forbids.
+template <class Body>
+int change_model(ZVNmodel* handle, Body&& body) noexcept {
+    return with_model(handle, [&](Model& model) {
+        if (model.solving)
+            throw Error(ZVN_ERROR_OPTIMIZATION_IN_PROGRESS, "The model can't be changed while it is being solved");
+        body(model);
+    });
+}
+
+// Throws when a pointer argument is NULL.
+inline void require(const void* pointer, const char* argument) {
+    if (!pointer) throw Error(ZVN_ERROR_NULL_ARGUMENT, std::string("Argument '") + argument + "' is NULL");
+}
+
+}  // namespace zelvan

@@ -1,0 +1,50 @@
+#pragma once
+
+#include <cstdio>
+#include <memory>
+#include <mutex>
+#include <string>
+#include <string_view>
+
+#include "param/param.h"
+#include "zelvan100.h"
+
+namespace zelvan {
+
+// An open log file, shared by an environment and the models made on it.
+class LogFile {
+public:
+    // Throws Error when the file can't be opened for appending.
+    explicit LogFile(const std::string& path);
+    ~LogFile();
+    LogFile(const LogFile&) = delete;
+    LogFile& operator=(const LogFile&) = delete;
+    void write(std::string_view text);
+
+private:
+    std::FILE* file_;
+    std::mutex mutex_;
+};
+
+// Parameters, log and error text of one environment; each model has one of its own, copied from the
+// environment that it was made on.
+struct Env {
+    ParamValues params;
+    bool started = false;
+    std::string error;
+    ZVNlogcallback callback = nullptr;
+    void* callback_data = nullptr;
+    std::shared_ptr<LogFile> log_file;
+
+    // Writes text to the log: callback or standard output (OutputFlag, LogToConsole), and LogFile.
+    // May be called on any thread.
+    void log(std::string_view text);
+    // The three setters behind ZVNset...param; they take care of LogFile and of fixed limits.
+    void set_int(int param, int value);
+    void set_dbl(int param, double value);
+    void set_str(int param, std::string value);
+    void reset_params();
+    void start();
+};
+
+}  // namespace zelvan

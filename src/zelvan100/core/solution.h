@@ -1,0 +1,38 @@
+#pragma once
+
+#include <string>
+#include <vector>
+
+#include "core/model_data.h"
+#include "zelvan100.h"
+
+namespace zelvan {
+
+// What the latest solve left. Vectors are empty when the solve gave no such values. All values are in
+// the terms of the model (its own sense and columns), never of a bridged or presolved one.
+struct Solution {
+    int status = ZVN_LOADED;
+    double runtime = 0.0;  // seconds
+    double work = 0.0;     // deterministic work units
+    double iterations = 0.0;
+    int barrier_iterations = 0;
+    double nodes = 0.0;
+    bool is_mip = false;
+    int concurrent_winner = -1;
+
+    std::vector<double> x, slack;          // primal: slack[i] = rhs[i] - row activity
+    std::vector<double> rc, pi;            // dual, of an LP
+    std::vector<int> vbasis, cbasis;       // 0 basic, -1 at lower, -2 at upper, -3 superbasic
+    std::vector<double> ray, farkas;       // certificates, when InfUnbdInfo asked for them
+    double farkas_proof = kUndefined;
+    double obj_val = kUndefined;
+    double obj_bound = kUndefined;
+    double mip_gap = kUndefined;           // kInfinity without an incumbent
+    std::vector<std::vector<double>> pool; // solutions found, best first; pool[0] equals x
+    std::vector<double> pool_obj;
+    std::vector<double> multi_obj;         // value of each objective of a multi-objective model
+
+    int count() const { return x.empty() ? 0 : (pool.empty() ? 1 : static_cast<int>(pool.size())); }
+};
+
+}  // namespace zelvan

@@ -1,0 +1,22 @@
+#pragma once
+
+#include "pybase.h"
+
+namespace zelvanpy {
+
+extern PyObject* ZelvanError;  // the exception class
+
+// Raises ZelvanError(code, text), or ZelvanError(code, object) whose text comes from the library.
+[[noreturn]] void raise_zelvan(int code, const char* text);
+[[noreturn]] void raise_zelvan(int code, py::handle text_or_object);
+// Raises ZelvanError(code, object) unless code is 0.
+inline void check(int code, py::handle object) {
+    if (code) raise_zelvan(code, object);
+}
+// Raises the Python exception `type` with a text.
+[[noreturn]] void raise(PyObject* type, const char* text);
+[[noreturn]] void raise(PyObject* type, py::handle text);
+
+void init_exception(py::module_& module);
+
+}  // namespace zelvanpy

@@ -1,0 +1,50 @@
+#pragma once
+// Strings and library handles on their way to and from zelvan100.
+
+#include <string>
+
+#include "pybase.h"
+
+namespace zelvanpy {
+
+// `bytes` as they are, anything else by its `encode('UTF-8')`.
+py::object string_to_bytes(py::handle text);
+// `bytes` by their `decode()`, anything else as it is.
+py::object bytes_to_string(py::handle bytes);
+// UTF-8 text of the library as str; null gives "".
+py::object to_str(const char* text);
+
+// A string argument for one library call: str without a copy, anything else through string_to_bytes.
+class CString {
+public:
+    explicit CString(py::handle text);
+    const char* get() const { return text_; }
+    operator const char*() const { return text_; }
+
+private:
+    py::object keep_;
+    const char* text_;
+};
+
+// A capsule without name and destructor, None for null.
+py::object wrap_pointer(void* pointer);
+// The pointer in a capsule; null for None, for the capsule of a disposed model, and for anything that is no
+// capsule, which is reported as unraisable.
+void* unwrap_pointer(py::handle capsule);
+// Makes unwrap_pointer answer null for this capsule from now on.
+void invalidate_capsule(py::handle capsule);
+
+inline ZVNmodel* model_pointer(py::handle capsule) { return static_cast<ZVNmodel*>(unwrap_pointer(capsule)); }
+inline ZVNenv* env_pointer(py::handle capsule) { return static_cast<ZVNenv*>(unwrap_pointer(capsule)); }
+
+// Whether the value converts to double by its __float__ protocol (no str). Leaves no exception set.
+bool is_scalar(py::handle value);
+// is_scalar with the value; false and no exception where it doesn't convert.
+bool scalar_value(py::handle value, double& result);
+
+// The library's latest message for an object with _cmodel or _cenv, otherwise "".
+py::object error_message(py::handle object);
+
+void init_extern(py::module_& module);
+
+}  // namespace zelvanpy

@@ -1,0 +1,37 @@
+#pragma once
+// Heap types from a PyType_Spec, and free lists for their instances. The differences between CPython 3.7
+// and 3.13 that concern types are settled here and nowhere else.
+
+#include <cstddef>
+
+#include "pybase.h"
+
+namespace zelvanpy {
+
+// Creates a type, names its module "zelvanpy" and adds it to the module under the last part of its name.
+// `bases` is null, a type or a tuple of types. Returns a reference that lives as long as the process.
+PyTypeObject* make_type(py::module_& module, PyType_Spec& spec, PyObject* bases = nullptr);
+
+// tp_dealloc of type `own` ends here, after the memory was given back; `type` is the type of the instance.
+// Before 3.8 the deallocator of a Python subclass gave the reference to the subclass back by itself.
+inline void release_type(PyTypeObject* type, [[maybe_unused]] PyTypeObject* own) {
+#if PY_VERSION_HEX < 0x03080000
+    if (type != own) return;
+#endif
+    Py_DECREF(type);
+}
+// An instance made by PyObject_New or PyObject_GC_New owns its type from 3.8 on; before, it is taken here.
+inline void own_type([[maybe_unused]] PyTypeObject* type) {
+#if PY_VERSION_HEX < 0x03080000
+    Py_INCREF(type);
+#endif
+}
+// tp_traverse of a heap type visits the type from 3.9 on.
+inline int visit_type([[maybe_unused]] PyObject* self, [[maybe_unused]] visitproc visit, [[maybe_unused]] void* arg) {
+#if PY_VERSION_HEX >= 0x03090000
+    Py_VISIT(Py_TYPE(self));
+#endif
+    return 0;
+}
+
+}  // namespace zelvanpy
