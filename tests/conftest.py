@@ -1,0 +1,55 @@
+"""Fixtures that several test files share."""
+
+import csv
+import pathlib
+
+import pytest
+
+ROOT = pathlib.Path(__file__).resolve().parent.parent
+
+
+def find_shared_data():
+    for folder in (ROOT, *ROOT.parents):
+        if (folder / "shared" / "data" / "reference.csv").is_file():
+            return folder / "shared" / "data"
+    return None
+
+
+SHARED_DATA = find_shared_data()
+
+
+@pytest.fixture(scope="session")
+def shared_data():
+    """Folder of the collected real instances with reference.csv, beside or above the source tree."""
+    if SHARED_DATA is None:
+        pytest.skip("no folder shared/data above the source tree")
+    return SHARED_DATA
+
+
+@pytest.fixture(scope="session")
+def reference(shared_data):
+    """Rows of reference.csv by file name, each a dict of the columns' texts."""
+    with open(shared_data / "reference.csv", newline="") as stream:
+        return {row["file"]: row for row in csv.DictReader(stream)}
+
+
+@pytest.fixture
+def env_silent():
+    """A started environment that prints nothing, closed after the test."""
+    import zelvanpy
+
+    env = zelvanpy.Env(empty=True)
+    env.setParam("OutputFlag", 0)
+    env.start()
+    yield env
+    env.close()
+
+
+@pytest.fixture
+def model(env_silent):
+    """An empty model on a silent environment, disposed of after the test."""
+    import zelvanpy
+
+    m = zelvanpy.Model("", env_silent)
+    yield m
+    m.dispose()
