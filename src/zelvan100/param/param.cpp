@@ -1,0 +1,70 @@
+#include "param/param.h"
+
+#include <charconv>
+#include <cmath>
+
+#include "core/error.h"
+
+namespace zelvan {
+
+namespace {
+
+constexpr double kInf = 1e100;
+constexpr const char* kTypeNames[] = {"", "an integer", "a double", "a string"};
+
+std::string number_text(double value) {
+    if (value >= kInf) return "infinity";
+    if (value <= -kInf) return "-infinity";
+    char buffer[32];
+    return {buffer, std::to_chars(buffer, buffer + sizeof buffer, value).ptr};
+}
+
+void check_type(const ParamSpec& spec, int type) {
+    if (spec.type != type)
+        throw Error(ZVN_ERROR_INVALID_ARGUMENT, std::string("Parameter '") + spec.name + "' takes " +
+                                                    kTypeNames[spec.type] + ", not " + kTypeNames[type]);
+}
+
+// Also refuses NaN.
+void check_range(const ParamSpec& spec, double value) {
+    if (value >= spec.minimum && value <= spec.maximum) return;
+    throw Error(ZVN_ERROR_VALUE_OUT_OF_RANGE, "Value " + number_text(value) + " of parameter '" + spec.name +
+                                                  "' is out of range [" + number_text(spec.minimum) + ", " +
+                                                  number_text(spec.maximum) + "]");
+}
+
+}  // namespace
+
+ParamValues::ParamValues() : numbers_(num_params()), texts_(num_params()) { reset(); }
+
+void ParamValues::set_int(int i, int value) {
+    check_type(param_spec(i), 1);
+    check_range(param_spec(i), value);
+    numbers_[i] = value;
+}
+
+void ParamValues::set_dbl(int i, double value) {
+    check_type(param_spec(i), 2);
+    if (std::fabs(value) > kInf) value = std::copysign(kInf, value);
+    check_range(param_spec(i), value);
+    numbers_[i] = value;
+}
+
+void ParamValues::set_str(int i, std::string value) {
+    check_type(param_spec(i), 3);
+    texts_[i] = std::move(value);
+}
+
+bool ParamValues::is_default(int i) const {
+    const ParamSpec& spec = param_spec(i);
+    return spec.type == 3 ? texts_[i] == spec.deflt_text : numbers_[i] == spec.deflt;
+}
+
+void ParamValues::reset() {
+    for (int i = 0; i < num_params(); ++i) {
+        numbers_[i] = param_spec(i).deflt;
+        texts_[i] = param_spec(i).deflt_text;
+    }
+}
+
+}  // namespace zelvan
