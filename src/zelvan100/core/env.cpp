@@ -20,6 +20,14 @@ void LogFile::write(std::string_view text) {
     std::fflush(file_);
 }
 
+namespace {
+
+std::shared_ptr<LogFile> open_log(const std::string& path) {
+    return path.empty() ? nullptr : std::make_shared<LogFile>(path);
+}
+
+}  // namespace
+
 void Env::log(std::string_view text) {
     if (!params.get_int(Param::OutputFlag)) return;
     if (log_file) log_file->write(text);
@@ -37,20 +45,19 @@ void Env::set_int(int param, int value) { params.set_int(param, value); }
 void Env::set_dbl(int param, double value) { params.set_dbl(param, value); }
 
 void Env::set_str(int param, std::string value) {
-    if (param == static_cast<int>(Param::LogFile) && started)
-        log_file = value.empty() ? nullptr : std::make_shared<LogFile>(value);
+    if (param == static_cast<int>(Param::LogFile) && started) log_file = open_log(value);
     params.set_str(param, std::move(value));
 }
 
-void Env::reset_params() {
-    params.reset();
-    log_file.reset();
+void Env::set_params(ParamValues values) {
+    const std::string& path = values.get_str(Param::LogFile);
+    if (started && path != params.get_str(Param::LogFile)) log_file = open_log(path);
+    params = std::move(values);
 }
 
 void Env::start() {
     if (started) return;
-    const std::string& path = params.get_str(Param::LogFile);
-    if (!path.empty()) log_file = std::make_shared<LogFile>(path);
+    log_file = open_log(params.get_str(Param::LogFile));
     started = true;
 }
 

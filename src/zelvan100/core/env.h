@@ -43,7 +43,9 @@ struct Env {
     void set_int(int param, int value);
     void set_dbl(int param, double value);
     void set_str(int param, std::string value);
-    void reset_params();
+    // All values at once, or none when the log file can't be opened.
+    void set_params(ParamValues values);
+    void reset_params() { set_params(ParamValues()); }
     void start();
 };
 

@@ -179,11 +179,11 @@ ZVN_API int ZVNgetlongstrparam(ZVNenv *env, const char *name, char *value, int s
 ZVN_API int ZVNsetintparam(ZVNenv *env, const char *name, int value);
 ZVN_API int ZVNsetdblparam(ZVNenv *env, const char *name, double value);
 ZVN_API int ZVNsetstrparam(ZVNenv *env, const char *name, const char *value);
-/* Keep the current value of a parameter out of tuning. */
+/* Keep the current value of a parameter out of tuning. There is no tuning yet: the name is checked. */
 ZVN_API int ZVNfixtuneparam(ZVNenv *env, const char *name);
 ZVN_API int ZVNresetparams(ZVNenv *env);
 /* Read or write a .prm file: lines of name and value, comments from '#'. A file with a fault sets
- * nothing. Only values that differ from their default are written. */
+ * nothing. Only values that differ from their default are written, passwords and keys not at all. */
 ZVN_API int ZVNreadparams(ZVNenv *env, const char *filename);
 ZVN_API int ZVNwriteparams(ZVNenv *env, const char *filename);
 

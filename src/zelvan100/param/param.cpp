@@ -19,12 +19,6 @@ std::string number_text(double value) {
     return {buffer, std::to_chars(buffer, buffer + sizeof buffer, value).ptr};
 }
 
-void check_type(const ParamSpec& spec, int type) {
-    if (spec.type != type)
-        throw Error(ZVN_ERROR_INVALID_ARGUMENT, std::string("Parameter '") + spec.name + "' takes " +
-                                                    kTypeNames[spec.type] + ", not " + kTypeNames[type]);
-}
-
 // Also refuses NaN.
 void check_range(const ParamSpec& spec, double value) {
     if (value >= spec.minimum && value <= spec.maximum) return;
@@ -35,23 +29,30 @@ void check_range(const ParamSpec& spec, double value) {
 
 }  // namespace
 
+void check_param_type(int i, int type) {
+    const ParamSpec& spec = param_spec(i);
+    if (spec.type != type)
+        throw Error(ZVN_ERROR_INVALID_ARGUMENT, std::string("Parameter '") + spec.name + "' takes " +
+                                                    kTypeNames[spec.type] + ", not " + kTypeNames[type]);
+}
+
 ParamValues::ParamValues() : numbers_(num_params()), texts_(num_params()) { reset(); }
 
 void ParamValues::set_int(int i, int value) {
-    check_type(param_spec(i), 1);
+    check_param_type(i, 1);
     check_range(param_spec(i), value);
     numbers_[i] = value;
 }
 
 void ParamValues::set_dbl(int i, double value) {
-    check_type(param_spec(i), 2);
+    check_param_type(i, 2);
     if (std::fabs(value) > kInf) value = std::copysign(kInf, value);
     check_range(param_spec(i), value);
     numbers_[i] = value;
 }
 
 void ParamValues::set_str(int i, std::string value) {
-    check_type(param_spec(i), 3);
+    check_param_type(i, 3);
     texts_[i] = std::move(value);
 }
 

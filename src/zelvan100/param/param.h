@@ -31,6 +31,8 @@ int num_params();
 const ParamSpec& param_spec(int i);
 // Number of the parameter of that name in any letter case, -1 when there is none.
 int find_param(std::string_view name);
+// Throws Error when parameter i is not of the type.
+void check_param_type(int i, int type);
 
 // Values of all parameters. The setters throw Error: value out of range, wrong type.
 class ParamValues {
