@@ -10,10 +10,11 @@
 #include "core/model.h"
 
 struct ZVNenv {
-    zelvan::Env* object;
+    zelvan::Env* object = nullptr;
+    bool owner = true;  // false for the handle of a model's own environment
 };
 struct ZVNmodel {
-    zelvan::Model* object;
+    zelvan::Model* object = nullptr;
     ZVNenv env;  // the handle that ZVNgetenv returns
 };
 

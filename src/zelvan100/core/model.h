@@ -18,15 +18,15 @@ namespace zelvan {
 
 class HighsSession;  // the kept HiGHS instance, solve/highs.h
 
-// One queued write to a column or row that exists in ModelData, or to the model itself; the update
-// applies them in their order. Writes to queued columns and rows go into the queued arrays at once.
+// One queued change of a value. The update first appends the queued columns and rows, then applies the
+// writes in their order, then the deletions; so a write may name a queued object.
 struct Write {
-    int attr;      // attribute number, or one of the kinds below with `index` into the queue's payloads
-    int number;    // objective number of the ObjN... attributes, otherwise 0
-    int index;     // column or row; -1 for a model attribute
+    int attr;    // attribute number, or one of the kinds below with `index` into the queue's payloads
+    int number;  // objective number of the ObjN... attributes, otherwise 0
+    int index;   // column or row; -1 for a model attribute
     double value;
 
-    static constexpr int kText = -1, kObjective = -2, kObjectiveN = -3, kPwl = -4;
+    static constexpr int kText = -1, kObjective = -2, kPwl = -3;
 };
 struct TextWrite {
     int attr;
@@ -34,11 +34,13 @@ struct TextWrite {
     int index;
     std::string value;
 };
-// A whole objective: all coefficients 0, then these terms added. Number 0 is the main objective.
+// A whole objective: all coefficients 0, then these terms added. Number 0 is the main objective, number -1
+// the main objective without the fields that only several objectives have.
 struct ObjectiveWrite {
     int sense;  // 0 leaves the sense
     int number;
-    Objective fields;  // constant; for number > 0 also the other fields. coeff stays empty
+    int num_cols;      // columns known when it was queued; later ones keep their own coefficient
+    Objective fields;  // constant, and for number >= 0 the other fields. coeff stays empty
     std::vector<int> col;
     std::vector<double> val;
 };
@@ -54,17 +56,17 @@ struct Queue {
         int row, col;
         double val;
     };
-    std::vector<Entry> entries;       // of new columns in rows old or queued
+    std::vector<Entry> entries;  // of new columns, in rows old or queued
+    struct Helper {
+        int row;  // numbered as the queued rows are
+        double lb, ub;
+    };
+    std::vector<Helper> helpers;  // rows that get a helper column, behind all other new columns
     std::vector<Write> writes;
     std::vector<TextWrite> texts;
     std::vector<ObjectiveWrite> objectives;
     std::vector<PwlWrite> pwl;
     std::vector<int> deleted_cols, deleted_rows;
-    struct Helper {
-        int row;  // index among the queued rows
-        double width;
-    };
-    std::vector<Helper> helpers;  // range rows that get a helper column at the update
 
     bool empty() const;
 };
@@ -81,7 +83,7 @@ public:
     std::atomic<bool> solving{false};
     std::atomic<bool> stop{false};          // set by ZVNterminate and SIGINT
     bool watch_signal = false;              // ZVNsetsignal was called for the next solve
-    std::unique_ptr<HighsSession> session;  // made by the first solve
+    std::shared_ptr<HighsSession> session;  // made by the first solve
 
     int num_cols() const { return data.cols.size(); }
     int num_rows() const { return data.rows.size(); }
@@ -89,16 +91,24 @@ public:
     int col_limit() const;
     int row_limit() const;
 
-    // --- changes, queued; each throws Error before anything is queued
+    // Changes are queued. Each of these throws Error, with nothing queued, when an argument is refused.
+    // Arrays as in zelvan100.h.
     void add_cols(int num, const double* obj, const double* lb, const double* ub, const char* vtype,
                   const char* const* names);
-    void add_col_entries(int col, int num, const int* row, const double* val);
-    void add_row(int num, const int* col, const double* val, char sense, double rhs, std::string_view name);
-    void add_range_row(int num, const int* col, const double* val, double lower, double upper, std::string_view name);
+    // One column with entries in rows.
+    void add_col(int num, const int* row, const double* val, double obj, double lb, double ub, char vtype,
+                 const char* name);
+    void add_cols_with_entries(int num, int num_entries, const int* beg, const int* row, const double* val,
+                               const double* obj, const double* lb, const double* ub, const char* vtype,
+                               const char* const* names);
+    void add_row(int num, const int* col, const double* val, char sense, double rhs, const char* name);
+    void add_rows(int num, int num_entries, const int* beg, const int* col, const double* val, const char* sense,
+                  const double* rhs, const char* const* names);
+    void add_range_row(int num, const int* col, const double* val, double lower, double upper, const char* name);
     void delete_cols(int num, const int* col);
     void delete_rows(int num, const int* row);
-    void set_objective(int sense, double constant, int num, const int* col, const double* val);
-    void set_objective_n(int number, Objective fields, int num, const int* col, const double* val);
+    // number: see ObjectiveWrite.
+    void set_objective(int number, int sense, Objective fields, int num, const int* col, const double* val);
     void set_pwl_obj(int col, PwlPoints points);
     // Attributes of columns (LB, UB, Obj, VType, an optional one, ...), rows (Sense, RHS, ...) or the model
     // (index -1: ModelSense, ObjCon, ...). The caller has checked index and value. `number` selects the
@@ -115,8 +125,26 @@ public:
     void discard_solution();
 
 private:
+    void check_entries(const char* row_or_col, const char* name, int num, const int* ind, const double* val, int limit);
+    void append_entries(int num, const int* col, const double* val);
+    bool changes_problem() const;
+    void splice_columns();
+    void splice_rows();
+    void splice_helpers();
+    void apply_writes();
+    void apply_number(const Write& write);
+    void apply_text(const TextWrite& write);
+    void apply_objective(const ObjectiveWrite& write);
+    void remove_deleted_cols();
+    void remove_deleted_rows();
+
+    std::vector<int> mark_;  // of the call that saw an index last, to find duplicates
+    int call_ = 0;
     std::unordered_map<std::string_view, int> col_index_, row_index_;  // views into data.*.names
     bool col_index_valid_ = false, row_index_valid_ = false;
 };
+
+// The value that an optional attribute of a column or row has where it was never set.
+double unset_value(int attr);
 
 }  // namespace zelvan

@@ -28,8 +28,8 @@ public:
 
 private:
     int size_ = 0;
-    std::vector<char> text_;        // byte 0 is unused, so that position 0 means "no name"
-    std::vector<std::size_t> at_;   // empty while nothing is named, otherwise size_ entries
+    std::vector<char> text_;       // byte 0 is unused, so that position 0 means "no name"
+    std::vector<std::size_t> at_;  // empty while nothing is named, otherwise size_ entries
 };
 
 }  // namespace zelvan

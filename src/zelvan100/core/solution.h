@@ -20,17 +20,17 @@ struct Solution {
     bool is_mip = false;
     int concurrent_winner = -1;
 
-    std::vector<double> x, slack;          // primal: slack[i] = rhs[i] - row activity
-    std::vector<double> rc, pi;            // dual, of an LP
-    std::vector<int> vbasis, cbasis;       // 0 basic, -1 at lower, -2 at upper, -3 superbasic
-    std::vector<double> ray, farkas;       // certificates, when InfUnbdInfo asked for them
+    std::vector<double> x, slack;     // primal: slack[i] = rhs[i] - row activity
+    std::vector<double> rc, pi;       // dual, of an LP
+    std::vector<int> vbasis, cbasis;  // 0 basic, -1 at lower, -2 at upper, -3 superbasic
+    std::vector<double> ray, farkas;  // certificates, when InfUnbdInfo asked for them
     double farkas_proof = kUndefined;
     double obj_val = kUndefined;
     double obj_bound = kUndefined;
-    double mip_gap = kUndefined;           // kInfinity without an incumbent
-    std::vector<std::vector<double>> pool; // solutions found, best first; pool[0] equals x
+    double mip_gap = kUndefined;            // kInfinity without an incumbent
+    std::vector<std::vector<double>> pool;  // solutions found, best first; pool[0] equals x
     std::vector<double> pool_obj;
-    std::vector<double> multi_obj;         // value of each objective of a multi-objective model
+    std::vector<double> multi_obj;  // value of each objective of a multi-objective model
 
     int count() const { return x.empty() ? 0 : (pool.empty() ? 1 : static_cast<int>(pool.size())); }
 };

@@ -1,0 +1,234 @@
+// Adding, removing and finding columns and rows; objectives.
+
+#include <algorithm>
+
+#include "api/guard.h"
+#include "core/clean.h"
+
+using namespace zelvan;
+
+int ZVNaddvar(ZVNmodel* model, int numnz, const int* ind, const double* val, double obj, double lb, double ub,
+              char vtype, const char* name) {
+    return change_model(model, [&](Model& m) {
+        if (numnz == 0) return m.add_cols(1, &obj, &lb, &ub, &vtype, &name);
+        require(ind, "ind");
+        require(val, "val");
+        m.add_col(numnz, ind, val, obj, lb, ub, vtype, name);
+    });
+}
+
+int ZVNaddvars(ZVNmodel* model, int numvars, int numnz, const int* beg, const int* ind, const double* val,
+               const double* obj, const double* lb, const double* ub, const char* vtype, char* const* names) {
+    return change_model(model, [&](Model& m) {
+        if (numnz == 0) return m.add_cols(numvars, obj, lb, ub, vtype, names);
+        require(beg, "beg");
+        require(ind, "ind");
+        require(val, "val");
+        m.add_cols_with_entries(numvars, numnz, beg, ind, val, obj, lb, ub, vtype, names);
+    });
+}
+
+int ZVNaddconstr(ZVNmodel* model, int numnz, const int* ind, const double* val, char sense, double rhs,
+                 const char* name) {
+    return change_model(model, [&](Model& m) {
+        if (numnz > 0) {
+            require(ind, "ind");
+            require(val, "val");
+        }
+        m.add_row(numnz, ind, val, sense, rhs, name);
+    });
+}
+
+int ZVNaddconstrs(ZVNmodel* model, int numconstrs, int numnz, const int* rbeg, const int* ind, const double* val,
+                  const char* sense, const double* rhs, char* const* names) {
+    return change_model(model, [&](Model& m) {
+        if (numnz > 0) {
+            require(rbeg, "rbeg");
+            require(ind, "ind");
+            require(val, "val");
+        }
+        if (numconstrs > 0) {
+            require(sense, "sense");
+            require(rhs, "rhs");
+        }
+        m.add_rows(numconstrs, numnz, rbeg, ind, val, sense, rhs, names);
+    });
+}
+
+int ZVNaddrangeconstr(ZVNmodel* model, int numnz, const int* ind, const double* val, double lower, double upper,
+                      const char* name) {
+    return change_model(model, [&](Model& m) {
+        if (numnz > 0) {
+            require(ind, "ind");
+            require(val, "val");
+        }
+        m.add_range_row(numnz, ind, val, lower, upper, name);
+    });
+}
+
+int ZVNclean2(int* numnz, int* ind, double* val) {
+    if (!numnz || *numnz < 0 || (*numnz > 0 && (!ind || !val))) return ZVN_ERROR_NULL_ARGUMENT;
+    try {
+        *numnz = merge_terms(*numnz, ind, val);
+    } catch (const std::bad_alloc&) {
+        return ZVN_ERROR_OUT_OF_MEMORY;
+    }
+    return 0;
+}
+
+int ZVNclean3(int* numqnz, int* qrow, int* qcol, double* qval) {
+    if (!numqnz || *numqnz < 0 || (*numqnz > 0 && (!qrow || !qcol || !qval))) return ZVN_ERROR_NULL_ARGUMENT;
+    try {
+        *numqnz = merge_quadratic_terms(*numqnz, qrow, qcol, qval);
+    } catch (const std::bad_alloc&) {
+        return ZVN_ERROR_OUT_OF_MEMORY;
+    }
+    return 0;
+}
+
+namespace {
+
+template <class Delete>
+int delete_some(ZVNmodel* model, int num, const int* ind, Delete&& act) {
+    return change_model(model, [&](Model& m) {
+        if (num < 0) throw Error(ZVN_ERROR_INVALID_ARGUMENT, "Number of deletions is negative");
+        if (num > 0) require(ind, "ind");
+        act(m);
+    });
+}
+
+int delete_none(ZVNmodel* model, int num, const int* ind, const char* kind) {
+    return delete_some(model, num, ind, [&](Model&) {
+        if (num > 0)
+            throw Error(ZVN_ERROR_INDEX_OUT_OF_RANGE, std::string(kind) + " " + std::to_string(ind[0]) +
+                                                          " can't be deleted: the model has none of this kind");
+    });
+}
+
+}  // namespace
+
+int ZVNdelvars(ZVNmodel* model, int num, const int* ind) {
+    return delete_some(model, num, ind, [&](Model& m) { m.delete_cols(num, ind); });
+}
+
+int ZVNdelconstrs(ZVNmodel* model, int num, const int* ind) {
+    return delete_some(model, num, ind, [&](Model& m) { m.delete_rows(num, ind); });
+}
+
+int ZVNdelsos(ZVNmodel* model, int num, const int* ind) { return delete_none(model, num, ind, "SOS constraint"); }
+
+int ZVNdelqconstrs(ZVNmodel* model, int num, const int* ind) {
+    return delete_none(model, num, ind, "Quadratic constraint");
+}
+
+int ZVNdelgenconstrs(ZVNmodel* model, int num, const int* ind) {
+    return delete_none(model, num, ind, "General constraint");
+}
+
+int ZVNgetvarbyname(ZVNmodel* model, const char* name, int* index) {
+    return with_model(model, [&](Model& m) {
+        require(name, "name");
+        require(index, "index");
+        *index = m.find_col(name);
+    });
+}
+
+int ZVNgetconstrbyname(ZVNmodel* model, const char* name, int* index) {
+    return with_model(model, [&](Model& m) {
+        require(name, "name");
+        require(index, "index");
+        *index = m.find_row(name);
+    });
+}
+
+int ZVNgetconstrs(ZVNmodel* model, int* numnz, int* beg, int* ind, double* val, int start, int num) {
+    return with_model(model, [&](Model& m) {
+        require(numnz, "numnz");
+        if (start < 0 || num < 0 || start > m.num_rows() - num)
+            throw Error(ZVN_ERROR_INDEX_OUT_OF_RANGE, "Constraints " + std::to_string(start) + " to " +
+                                                          std::to_string(static_cast<long long>(start) + num - 1) +
+                                                          " are not all in the model");
+        const Rows& rows = m.data.rows;
+        const std::int64_t first = rows.start[start], count = rows.start[start + num] - first;
+        if (count > ZVN_MAXINT)
+            throw Error(ZVN_ERROR_EXCEED_2B_NONZEROS, "The rows have more than 2 billion entries; ask for fewer rows");
+        *numnz = static_cast<int>(count);
+        if (beg)
+            for (int i = 0; i < num; ++i) beg[i] = static_cast<int>(rows.start[start + i] - first);
+        if (!ind || !val) return;
+        std::copy_n(rows.col.begin() + first, count, ind);
+        std::copy_n(rows.val.begin() + first, count, val);
+    });
+}
+
+int ZVNsetobjective(ZVNmodel* model, int sense, double constant, int lnz, const int* lind, const double* lval, int qnz,
+                    const int*, const int*, const double*) {
+    return change_model(model, [&](Model& m) {
+        if (qnz != 0)
+            throw Error(ZVN_ERROR_NOT_SUPPORTED, "Quadratic objective terms are not supported by this version");
+        if (lnz > 0) {
+            require(lind, "lind");
+            require(lval, "lval");
+        }
+        Objective fields;
+        fields.constant = constant;
+        m.set_objective(-1, sense, std::move(fields), lnz, lind, lval);
+    });
+}
+
+int ZVNsetobjectiven(ZVNmodel* model, int index, int priority, double weight, double abstol, double reltol,
+                     const char* name, double constant, int lnz, const int* lind, const double* lval) {
+    return change_model(model, [&](Model& m) {
+        constexpr int kMaxObjectives = 1000;
+        if (index < 0 || index >= kMaxObjectives)
+            throw Error(ZVN_ERROR_INDEX_OUT_OF_RANGE, "Objective number " + std::to_string(index) +
+                                                          " is not between 0 and " +
+                                                          std::to_string(kMaxObjectives - 1));
+        if (lnz > 0) {
+            require(lind, "lind");
+            require(lval, "lval");
+        }
+        Objective fields;
+        fields.priority = priority;
+        fields.weight = weight;
+        fields.abs_tol = abstol;
+        fields.rel_tol = reltol;
+        fields.constant = constant;
+        if (name) fields.name = name;
+        m.set_objective(index, 0, std::move(fields), lnz, lind, lval);
+    });
+}
+
+int ZVNgetq(ZVNmodel* model, int* qnz, int*, int*, double*) {
+    return with_model(model, [&](Model&) {
+        require(qnz, "qnz");
+        *qnz = 0;
+    });
+}
+
+int ZVNsetpwlobj(ZVNmodel* model, int var, int count, const double* x, const double* y) {
+    return change_model(model, [&](Model& m) {
+        if (count < 0) throw Error(ZVN_ERROR_INVALID_ARGUMENT, "Number of points is negative");
+        if (count > 0) {
+            require(x, "x");
+            require(y, "y");
+        }
+        PwlPoints points(count);
+        for (int k = 0; k < count; ++k) points[k] = {x[k], y[k]};
+        m.set_pwl_obj(var, std::move(points));
+    });
+}
+
+int ZVNgetpwlobj(ZVNmodel* model, int var, int* npoints, double* x, double* y) {
+    return with_model(model, [&](Model& m) {
+        require(npoints, "npoints");
+        if (var < 0 || var >= m.num_cols())
+            throw Error(ZVN_ERROR_INDEX_OUT_OF_RANGE, "Variable " + std::to_string(var) + " is not in the model");
+        const auto found = m.data.pwl_obj.find(var);
+        *npoints = found == m.data.pwl_obj.end() ? 0 : static_cast<int>(found->second.size());
+        for (int k = 0; k < *npoints; ++k) {
+            if (x) x[k] = found->second[k].first;
+            if (y) y[k] = found->second[k].second;
+        }
+    });
+}
