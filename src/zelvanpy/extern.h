@@ -3,7 +3,7 @@
 
 #include <string>
 
-#include "pybase.h"
+#include "pynames.h"
 
 namespace zelvanpy {
 
@@ -13,6 +13,9 @@ py::object string_to_bytes(py::handle text);
 py::object bytes_to_string(py::handle bytes);
 // UTF-8 text of the library as str; null gives "".
 py::object to_str(const char* text);
+
+// Message of the library as str; bytes that are no UTF-8, as files may hold them, are replaced.
+py::object message_to_str(const char* text);
 
 // A string argument for one library call: str without a copy, anything else through string_to_bytes.
 class CString {
@@ -41,6 +44,14 @@ inline ZVNenv* env_pointer(py::handle capsule) { return static_cast<ZVNenv*>(unw
 bool is_scalar(py::handle value);
 // is_scalar with the value; false and no exception where it doesn't convert.
 bool scalar_value(py::handle value, double& result);
+
+// The double by __float__, or the int by __int__ (which truncates a float). Raise TypeError for an object
+// without the protocol and OverflowError beyond 32 bits; `what` is named in the text.
+double to_double(py::handle value, const char* what);
+int to_int(py::handle value, const char* what);
+
+// The attribute, or an empty object where there is none (AttributeError).
+py::object find_attribute(py::handle object, const Name& name);
 
 // The library's latest message for an object with _cmodel or _cenv, otherwise "".
 py::object error_message(py::handle object);

@@ -1,0 +1,180 @@
+#include "extern.h"
+
+#include <climits>
+#include <cstring>
+
+namespace zelvanpy {
+
+namespace {
+
+// Capsules of freed objects point here: a capsule can't hold null.
+char freed_sentinel;
+
+const Name kEncode("encode"), kDecode("decode"), kItem("item"), kCmodel("_cmodel"), kCenv("_cenv");
+
+// Strings of numpy have the slots too.
+bool has_number_slot(py::handle value, unaryfunc PyNumberMethods::* slot) {
+    PyNumberMethods* number = Py_TYPE(value.ptr())->tp_as_number;
+    return number && number->*slot && !PyUnicode_Check(value.ptr()) && !PyBytes_Check(value.ptr());
+}
+
+// The object to convert by the slot; empty where there is none. Arrays of one element are replaced by it,
+// as their own __float__ and __int__ warn.
+py::object convertible(py::handle value, unaryfunc PyNumberMethods::* slot) {
+    if (!has_number_slot(value, slot)) return {};
+    PyMappingMethods* mapping = Py_TYPE(value.ptr())->tp_as_mapping;
+    if (!mapping || !mapping->mp_length) return borrow(value);
+    PyObject* element = PyObject_CallMethodObjArgs(value.ptr(), kItem.get(), nullptr);
+    if (!element) {
+        PyErr_Clear();
+        return borrow(value);
+    }
+    py::object result = py::reinterpret_steal<py::object>(element);
+    return has_number_slot(result, slot) ? result : py::object();
+}
+
+[[noreturn]] void raise_not_number(py::handle value, const char* what, const char* wanted) {
+    PyErr_Format(PyExc_TypeError, "%s must be %s, not %.200s", what, wanted, Py_TYPE(value.ptr())->tp_name);
+    throw PythonError{};
+}
+
+}  // namespace
+
+py::object string_to_bytes(py::handle text) {
+    if (PyBytes_Check(text.ptr())) return borrow(text);
+    if (PyUnicode_CheckExact(text.ptr())) return steal(PyUnicode_AsUTF8String(text.ptr()));
+    py::object encode = steal(PyObject_GetAttr(text.ptr(), kEncode.get()));
+    return steal(PyObject_CallFunction(encode.ptr(), "s", "UTF-8"));
+}
+
+py::object bytes_to_string(py::handle bytes) {
+    if (!PyBytes_Check(bytes.ptr())) return borrow(bytes);
+    return steal(PyObject_CallMethodObjArgs(bytes.ptr(), kDecode.get(), nullptr));
+}
+
+py::object to_str(const char* text) { return steal(PyUnicode_FromString(text ? text : "")); }
+
+py::object message_to_str(const char* text) {
+    return steal(PyUnicode_DecodeUTF8(text, static_cast<Py_ssize_t>(std::strlen(text)), "replace"));
+}
+
+CString::CString(py::handle text) {
+    Py_ssize_t length = 0;
+    if (PyUnicode_CheckExact(text.ptr())) {
+        text_ = PyUnicode_AsUTF8AndSize(text.ptr(), &length);
+        if (!text_) throw PythonError{};
+        keep_ = borrow(text);
+    } else {
+        keep_ = string_to_bytes(text);
+        char* chars;
+        if (PyBytes_AsStringAndSize(keep_.ptr(), &chars, &length)) throw PythonError{};
+        text_ = chars;
+    }
+    if (std::memchr(text_, 0, static_cast<std::size_t>(length))) {
+        PyErr_SetString(PyExc_ValueError, "embedded null character");
+        throw PythonError{};
+    }
+}
+
+py::object wrap_pointer(void* pointer) { return pointer ? steal(PyCapsule_New(pointer, nullptr, nullptr)) : none(); }
+
+void* unwrap_pointer(py::handle capsule) {
+    if (capsule.is_none()) return nullptr;
+    void* pointer = PyCapsule_GetPointer(capsule.ptr(), nullptr);
+    if (!pointer) PyErr_WriteUnraisable(to_str("zelvanpy.__ptr").ptr());
+    return pointer == &freed_sentinel ? nullptr : pointer;
+}
+
+void invalidate_capsule(py::handle capsule) {
+    if (PyCapsule_CheckExact(capsule.ptr())) checked(PyCapsule_SetPointer(capsule.ptr(), &freed_sentinel));
+}
+
+bool scalar_value(py::handle value, double& result) {
+    if (PyFloat_CheckExact(value.ptr())) {
+        result = PyFloat_AS_DOUBLE(value.ptr());
+        return true;
+    }
+    const py::object number = convertible(value, &PyNumberMethods::nb_float);
+    if (!number) return false;
+    result = PyFloat_AsDouble(number.ptr());
+    if (result != -1.0 || !PyErr_Occurred()) return true;
+    PyErr_Clear();
+    return false;
+}
+
+bool is_scalar(py::handle value) {
+    double ignored;
+    return scalar_value(value, ignored);
+}
+
+double to_double(py::handle value, const char* what) {
+    const py::object number = convertible(value, &PyNumberMethods::nb_float);
+    if (!number) raise_not_number(value, what, "a number");
+    return checked_double(PyFloat_AsDouble(number.ptr()));
+}
+
+int to_int(py::handle value, const char* what) {
+    const py::object number = convertible(value, &PyNumberMethods::nb_int);
+    if (!number) raise_not_number(value, what, "an integer");
+    const py::object integer = steal(PyNumber_Long(number.ptr()));
+    int overflow = 0;
+    const long long wide = PyLong_AsLongLongAndOverflow(integer.ptr(), &overflow);
+    if (overflow || wide < INT_MIN || wide > INT_MAX) {
+        PyErr_Format(PyExc_OverflowError, "%s does not fit a 32-bit integer", what);
+        throw PythonError{};
+    }
+    return static_cast<int>(wide);
+}
+
+py::object error_message(py::handle object) {
+    if (py::object cmodel = find_attribute(object, kCmodel))
+        return message_to_str(ZVNgetmerrormsg(model_pointer(cmodel)));
+    if (py::object cenv = find_attribute(object, kCenv)) return message_to_str(ZVNgeterrormsg(env_pointer(cenv)));
+    return to_str("");
+}
+
+py::object find_attribute(py::handle object, const Name& name) {
+    PyObject* value = PyObject_GetAttr(object.ptr(), name.get());
+    if (!value) {
+        if (!PyErr_ExceptionMatches(PyExc_AttributeError)) throw PythonError{};
+        PyErr_Clear();
+    }
+    return py::reinterpret_steal<py::object>(value);
+}
+
+namespace {
+
+py::object wrapptr(py::handle, py::handle address) {
+    void* pointer = PyLong_AsVoidPtr(address.ptr());
+    if (!pointer && PyErr_Occurred()) throw PythonError{};
+    return wrap_pointer(pointer);
+}
+
+py::object ptr(py::handle, py::handle capsule) { return steal(PyLong_FromVoidPtr(unwrap_pointer(capsule))); }
+
+py::object stringtobytes(py::handle, py::handle string_in) { return string_to_bytes(string_in); }
+py::object bytestostring(py::handle, py::handle bytes_in) { return bytes_to_string(bytes_in); }
+py::object isscalar(py::handle, py::handle value) { return boolean(is_scalar(value)); }
+py::object geterrormsg(py::handle, py::handle object) { return error_message(object); }
+
+PyMethodDef functions[] = {
+    {"__stringtobytes", method<stringtobytes>, METH_O,
+     "__stringtobytes(string_in, /)\n--\n\n`bytes` as they are, anything else by its `encode('UTF-8')`."},
+    {"__bytestostring", method<bytestostring>, METH_O,
+     "__bytestostring(bytes_in, /)\n--\n\n`bytes` by their `decode()`, anything else as it is."},
+    {"__wrapptr", method<wrapptr>, METH_O,
+     "__wrapptr(p, /)\n--\n\nA capsule without name and destructor round the address `p` (int), None for 0."},
+    {"__ptr", method<ptr>, METH_O,
+     "__ptr(obj, /)\n--\n\nThe address in a capsule as int; 0 for None and for anything that is no capsule."},
+    {"__isscalar", method<isscalar>, METH_O,
+     "__isscalar(value, /)\n--\n\nWhether `value` converts to a double by its `__float__` protocol."},
+    {"__geterrormsg", method<geterrormsg>, METH_O,
+     "__geterrormsg(obj, /)\n--\n\nThe library's latest message for an object with a handle, otherwise \"\"."},
+    {},
+};
+
+}  // namespace
+
+void init_extern(py::module_& module) { checked(PyModule_AddFunctions(module.ptr(), functions)); }
+
+}  // namespace zelvanpy
