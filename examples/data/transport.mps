@@ -116,10 +116,10 @@ COLUMNS
     graz_ulm      cost            19.8
     graz_ulm      cap_graz           1   dem_ulm            1
 RHS
-    rhs           cap_lyon         420
-    rhs           cap_porto        380
-    rhs           cap_turin        510
-    rhs           cap_graz         300
+    rhs           cap_lyon         330
+    rhs           cap_porto        350
+    rhs           cap_turin        340
+    rhs           cap_graz         240
     rhs           dem_bern         110
     rhs           dem_bonn          80
     rhs           dem_brno         120

@@ -1,0 +1,57 @@
+"""The library driven by C programs, without Python in the process."""
+
+import os
+import pathlib
+import shlex
+import subprocess
+import sysconfig
+
+import pytest
+
+import zelvanpy
+
+SOURCES = pathlib.Path(__file__).resolve().parent / "c_api"
+PACKAGE = pathlib.Path(zelvanpy._zelvanpy.__file__).resolve().parent
+HEADERS = SOURCES.parent.parent / "src" / "zelvan100" / "include"
+SANITIZED = "ZELVAN_SANITIZED" in os.environ
+
+
+def clean_environment():
+    """This process's environment without the preloaded runtime of the sanitizers; leaks of the program count."""
+    env = {name: value for name, value in os.environ.items() if name not in ("LD_PRELOAD", "PYTHONMALLOC")}
+    env["ASAN_OPTIONS"] = "detect_leaks=1"
+    return env
+
+
+def run(command):
+    result = subprocess.run(
+        command, stdout=subprocess.PIPE, stderr=subprocess.STDOUT, universal_newlines=True, env=clean_environment()
+    )
+    assert result.returncode == 0, result.stdout
+    return result.stdout
+
+
+@pytest.mark.parametrize("program", ["solve", "refuse"])
+def test_program(program, tmp_path):
+    binary = tmp_path / program
+    sanitize = ["-fsanitize=address,undefined", "-fno-sanitize-recover=undefined"] if SANITIZED else []
+    compiler = shlex.split(os.environ.get("CC") or "cc")
+    run(
+        [*compiler, "-std=c11", "-Wall", "-Wextra", "-Wpedantic", "-Werror", "-g", *sanitize, "-I", str(HEADERS)]
+        + [str(SOURCES / (program + ".c")), "-o", str(binary), "-L", str(PACKAGE), "-lzelvan100", "-lm"]
+        + ["-Wl,-rpath," + str(PACKAGE), "-Wl,-rpath-link," + library_path()]
+    )
+    assert run([str(binary), str(tmp_path)]) == ""
+
+
+def library_path():
+    """Where the linker finds what libzelvan100.so itself needs: beside it, or in the build's own environment."""
+    beside = PACKAGE / "libhighs.so"
+    return str(PACKAGE if beside.exists() else pathlib.Path(sysconfig.get_path("platlib"), "highsbox/highs_dist/lib"))
+
+
+def test_header_compiles_as_cxx(tmp_path):
+    source = tmp_path / "header.cpp"
+    source.write_text('#include "zelvan100.h"\nint main() { return ZVN_VERSION_MAJOR == 10 ? 0 : 1; }\n')
+    compiler = shlex.split(os.environ.get("CXX") or "c++")
+    run([*compiler, "-Wall", "-Wextra", "-Wpedantic", "-Werror", "-fsyntax-only", "-I", str(HEADERS), str(source)])
