@@ -1,9 +1,16 @@
 """Fixtures that several test files share."""
 
 import csv
+import os
 import pathlib
 
+import hypothesis
 import pytest
+
+# A shared machine stalls at times, and the sanitizers slow everything: no deadline, fewer examples there.
+hypothesis.settings.register_profile("project", deadline=None)
+hypothesis.settings.register_profile("sanitized", deadline=None, max_examples=25)
+hypothesis.settings.load_profile("sanitized" if "ZELVAN_SANITIZED" in os.environ else "project")
 
 ROOT = pathlib.Path(__file__).resolve().parent.parent
 
