@@ -42,6 +42,15 @@ inline double checked_double(double value) {
 // Sets the Python exception that belongs to the C++ exception in flight.
 void translate_exception() noexcept;
 
+// Whether Python code can still run: a thread that asks for the interpreter lock later is ended.
+inline bool python_alive() {
+#if PY_VERSION_HEX >= 0x030d0000
+    return Py_IsInitialized() && !Py_IsFinalizing();
+#else
+    return Py_IsInitialized() && !_Py_IsFinalizing();
+#endif
+}
+
 // Arguments of a METH_FASTCALL | METH_KEYWORDS call.
 struct Args {
     PyObject* const* values;  // positional ones, then those of the keywords

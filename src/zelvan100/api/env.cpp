@@ -66,7 +66,7 @@ const char* ZVNgetmerrormsg(ZVNmodel* model) {
 
 void ZVNfreeenv(ZVNenv* env) {
     Env* object = env_of(env);
-    if (!object || object->of_model) return;
+    if (!object || !env->owner) return;
     retire(env);
     delete object;
 }

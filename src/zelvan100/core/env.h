@@ -31,7 +31,6 @@ private:
 struct Env {
     ParamValues params;
     bool started = false;
-    bool of_model = false;  // lies in a Model, which frees it
     std::string error;
     ZVNlogcallback callback = nullptr;
     void* callback_data = nullptr;
