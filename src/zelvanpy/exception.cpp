@@ -105,7 +105,7 @@ PyType_Slot slots[] = {
     {},
 };
 
-PyType_Spec spec = {"zelvanpy.ZelvanError", 0, 0, Py_TPFLAGS_DEFAULT | Py_TPFLAGS_BASETYPE | Py_TPFLAGS_HAVE_GC, slots};
+PyType_Spec spec = {"zelvanpy.ZelvanError", 0, 0, Py_TPFLAGS_DEFAULT | Py_TPFLAGS_BASETYPE, slots};
 
 }  // namespace
 

@@ -336,11 +336,16 @@ PyObject* value_of(Params& self, PyObject* name) {
     return value.release().ptr();
 }
 
-// No name of the class lacks the underscore, so other names are parameters, unless a user put them into
-// the instance dictionary by hand.
+// All names of the class begin with an underscore, so other names are parameters, unless a user put them
+// into the instance dictionary by hand.
 PyObject* ParamClass_getattro(Params& self, PyObject* name) {
     auto* object = reinterpret_cast<PyObject*>(&self);
-    if (Py_TYPE(object) == ParamClass_Type && !self.dict && !is_private(name)) return value_of(self, name);
+    if (Py_TYPE(object) == ParamClass_Type && !is_private(name)) {
+        if (!self.dict) return value_of(self, name);
+        if (PyObject* found = PyDict_GetItemWithError(self.dict, name)) return borrow(found).release().ptr();
+        if (PyErr_Occurred()) throw PythonError{};
+        return value_of(self, name);
+    }
     if (PyObject* found = PyObject_GenericGetAttr(object, name)) return found;
     if (!PyErr_ExceptionMatches(PyExc_AttributeError)) throw PythonError{};
     PyErr_Clear();
