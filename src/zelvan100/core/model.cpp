@@ -95,6 +95,10 @@ double unset_value(int attr) {
         case Attr::IISUBForce:
         case Attr::IISConstrForce:
             return -1.0;
+        case Attr::VBasis:
+            return ZVN_NONBASIC_LOWER;
+        case Attr::CBasis:
+            return ZVN_BASIC;
         default:
             return kUndefined;
     }
@@ -124,6 +128,8 @@ bool Model::changes_problem() const {
             case static_cast<int>(Attr::Sense):
             case static_cast<int>(Attr::RHS):
                 return true;
+            case static_cast<int>(Attr::NumStart):
+                return false;
             default:
                 return !is_one_of(write.attr, Attr::LB, Attr::CTag) || is_one_of(write.attr, Attr::LB, Attr::VType);
         }
@@ -279,6 +285,12 @@ void Model::apply_number(const Write& write) {
             return;
         case Attr::ObjCon:
             data.obj_constant = write.value;
+            return;
+        case Attr::NumStart:
+            if (write.value == 0)
+                cols.optional.erase(static_cast<int>(Attr::Start));
+            else if (cols.size() > 0)
+                optional_value(cols.optional, static_cast<int>(Attr::Start), 0, cols.size());
             return;
         case Attr::NumObj: {
             const std::size_t before = data.objectives.size();

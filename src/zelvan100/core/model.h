@@ -67,6 +67,7 @@ struct Queue {
     std::vector<ObjectiveWrite> objectives;
     std::vector<PwlWrite> pwl;
     std::vector<int> deleted_cols, deleted_rows;
+    int num_objectives = -1;  // after the writes so far; -1 where they leave the number
 
     bool empty() const;
 };
@@ -82,11 +83,14 @@ public:
     Solution solution;
     std::atomic<bool> solving{false};
     std::atomic<bool> stop{false};          // set by ZVNterminate and SIGINT
+    std::vector<char> handed_out;           // default names that were handed out as C strings, until the next call
     bool watch_signal = false;              // ZVNsetsignal was called for the next solve
     std::shared_ptr<HighsSession> session;  // made by the first solve
 
     int num_cols() const { return data.cols.size(); }
     int num_rows() const { return data.rows.size(); }
+    // Objectives that a change may name: with the queued ones, 0 while there is only the main one.
+    int objective_limit() const;
     // One past the last index that a change may name: under UpdateMode 1 queued objects count.
     int col_limit() const;
     int row_limit() const;

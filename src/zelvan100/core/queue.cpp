@@ -62,6 +62,10 @@ int Model::row_limit() const {
     return env.params.get_int(Param::UpdateMode) == 1 ? num_rows() + queue.rows.size() : num_rows();
 }
 
+int Model::objective_limit() const {
+    return queue.num_objectives >= 0 ? queue.num_objectives : static_cast<int>(data.objectives.size());
+}
+
 void Model::add_cols(int num, const double* obj, const double* lb, const double* ub, const char* vtype,
                      const char* const* names) {
     if (num < 0) throw Error(ZVN_ERROR_INVALID_ARGUMENT, "Number of variables is negative");
@@ -262,6 +266,7 @@ void Model::set_objective(int number, int sense, Objective fields, int num, cons
     ObjectiveWrite write{sense, number, num_cols() + queue.cols.size(), std::move(fields), {}, {}};
     write.col.assign(col, col + num);
     write.val.assign(val, val + num);
+    if (number >= objective_limit()) queue.num_objectives = number + 1;
     queue.writes.push_back({Write::kObjective, 0, static_cast<int>(queue.objectives.size()), 0.0});
     queue.objectives.push_back(std::move(write));
 }
@@ -287,6 +292,7 @@ void Model::set_pwl_obj(int col, PwlPoints points) {
 
 void Model::write_number(int attr, int index, double value, int number) {
     queue.writes.push_back({attr, number, index, value});
+    if (attr == static_cast<int>(Attr::NumObj)) queue.num_objectives = static_cast<int>(value);
 }
 
 void Model::write_text(int attr, int index, std::string_view value, int number) {

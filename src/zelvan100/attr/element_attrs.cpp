@@ -1,0 +1,50 @@
+#include "attr/readers.h"
+
+namespace zelvan {
+
+namespace {
+
+Values optional_values(const std::map<int, OptionalValues>& optional, int attr) {
+    const auto found = optional.find(attr);
+    return found == optional.end() ? Values::all(unset_value(attr)) : Values::of(found->second.values);
+}
+
+// Slopes never fall. A jump makes a function that is not convex.
+bool convex(const PwlPoints& points) {
+    double slope = -kInfinity;
+    for (std::size_t k = 1; k < points.size(); ++k) {
+        const double dx = points[k].first - points[k - 1].first, dy = points[k].second - points[k - 1].second;
+        if (dx == 0.0 && dy == 0.0) continue;
+        if (dx == 0.0 || dy / dx < slope) return false;
+        slope = dy / dx;
+    }
+    return true;
+}
+
+}  // namespace
+
+Values lower_bounds(const Model& m) { return Values::of(m.data.cols.lb); }
+Values upper_bounds(const Model& m) { return Values::of(m.data.cols.ub); }
+Values objective_coeffs(const Model& m) { return Values::of(m.data.cols.obj); }
+Values types(const Model& m) { return Values::of(m.data.cols.type); }
+Values senses(const Model& m) { return Values::of(m.data.rows.sense); }
+Values right_sides(const Model& m) { return Values::of(m.data.rows.rhs); }
+Texts column_names(const Model& m) { return {&m.data.cols.names, 'C'}; }
+Texts column_tags(const Model& m) { return {&m.data.cols.tags, 0}; }
+Texts row_names(const Model& m) { return {&m.data.rows.names, 'R'}; }
+Texts row_tags(const Model& m) { return {&m.data.rows.tags, 0}; }
+
+double pwl_convex(const Model& m, int col) {
+    const auto found = m.data.pwl_obj.find(col);
+    return found == m.data.pwl_obj.end() || convex(found->second);
+}
+
+Values optional_column_values(const Model& m, Attr attr) {
+    return optional_values(m.data.cols.optional, static_cast<int>(attr));
+}
+
+Values optional_row_values(const Model& m, Attr attr) {
+    return optional_values(m.data.rows.optional, static_cast<int>(attr));
+}
+
+}  // namespace zelvan

@@ -1,0 +1,72 @@
+#include <bit>
+#include <cstdint>
+
+#include "attr/readers.h"
+
+namespace zelvan {
+
+namespace {
+
+// Finalizer of splitmix64 (Steele, Lea, Flood 2014).
+std::uint64_t mix(std::uint64_t h) {
+    h = (h ^ (h >> 30)) * 0xbf58476d1ce4e5b9u;
+    h = (h ^ (h >> 27)) * 0x94d049bb133111ebu;
+    return h ^ (h >> 31);
+}
+
+struct Hash {
+    std::uint64_t value = 0x9e3779b97f4a7c15u;
+
+    void add(std::uint64_t word) { value = mix(value ^ word) + 0x9e3779b97f4a7c15u; }
+    void add(double number) { add(std::bit_cast<std::uint64_t>(number + 0.0)); }  // -0.0 counts as 0.0
+    void add(const std::vector<double>& numbers) {
+        for (double number : numbers) add(number);
+    }
+};
+
+// The order of the entries within a row doesn't matter.
+std::uint64_t row_hash(const Rows& rows, int i) {
+    std::uint64_t sum = 0;
+    for (std::int64_t k = rows.start[i]; k < rows.start[i + 1]; ++k) {
+        Hash entry;
+        entry.add(static_cast<std::uint64_t>(rows.col[k]));
+        entry.add(rows.val[k]);
+        sum += entry.value;
+    }
+    return sum;
+}
+
+}  // namespace
+
+// Depends on what the model says, not on names, parameters, starts or hints.
+double fingerprint(const Model& m) {
+    const ModelData& data = m.data;
+    Hash hash;
+    hash.add(static_cast<std::uint64_t>(data.sense + 1));
+    hash.add(data.obj_constant);
+    hash.add(static_cast<std::uint64_t>(data.cols.size()));
+    hash.add(static_cast<std::uint64_t>(data.rows.size()));
+    hash.add(data.cols.lb);
+    hash.add(data.cols.ub);
+    hash.add(data.cols.obj);
+    for (char type : data.cols.type) hash.add(static_cast<std::uint64_t>(type));
+    for (int i = 0; i < data.rows.size(); ++i) {
+        const auto [lower, upper] = data.rows.sides(i);
+        hash.add(lower);
+        hash.add(upper);
+        hash.add(row_hash(data.rows, i));
+    }
+    for (std::size_t k = 0; k < data.objectives.size(); ++k) {
+        const Objective& objective = data.objectives[k];
+        hash.add(static_cast<std::uint64_t>(static_cast<std::int64_t>(objective.priority)));
+        hash.add({objective.weight, objective.abs_tol, objective.rel_tol, k ? objective.constant : 0.0});
+        hash.add(objective.coeff);
+    }
+    for (const auto& [col, points] : data.pwl_obj) {
+        hash.add(static_cast<std::uint64_t>(col));
+        for (const auto& [x, y] : points) hash.add({x, y});
+    }
+    return static_cast<std::int32_t>(hash.value ^ (hash.value >> 32));
+}
+
+}  // namespace zelvan

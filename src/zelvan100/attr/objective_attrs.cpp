@@ -1,0 +1,59 @@
+#include "attr/readers.h"
+
+namespace zelvan {
+
+namespace {
+
+// The objective that parameter ObjNumber selects, as a model with one objective has it too.
+const Objective& selected(const Model& m) {
+    static const Objective only;
+    const int number = m.env.params.get_int(Param::ObjNumber);
+    if (number >= num_objectives(m))
+        throw missing("parameter ObjNumber is " + std::to_string(number) + ", but the model has " +
+                      std::to_string(static_cast<int>(num_objectives(m))) + " objectives");
+    return m.data.objectives.empty() ? only : m.data.objectives[number];
+}
+
+bool first_selected(const Model& m) { return m.env.params.get_int(Param::ObjNumber) == 0; }
+
+}  // namespace
+
+bool is_multi_objective(const Model& m) { return !m.data.objectives.empty(); }
+
+double is_multi_objective_number(const Model& m) { return is_multi_objective(m); }
+
+double num_objectives(const Model& m) {
+    return m.data.objectives.empty() ? 1.0 : static_cast<double>(m.data.objectives.size());
+}
+
+Values objective_n(const Model& m) {
+    const Objective& objective = selected(m);
+    return Values::of(first_selected(m) ? m.data.cols.obj : objective.coeff);
+}
+
+double objective_n_constant(const Model& m) {
+    const Objective& objective = selected(m);
+    return first_selected(m) ? m.data.obj_constant : objective.constant;
+}
+
+double objective_n_priority(const Model& m) { return selected(m).priority; }
+double objective_n_weight(const Model& m) { return selected(m).weight; }
+double objective_n_rel_tol(const Model& m) { return selected(m).rel_tol; }
+double objective_n_abs_tol(const Model& m) { return selected(m).abs_tol; }
+const char* objective_n_name(const Model& m) { return selected(m).name.c_str(); }
+
+double objective_n_value(const Model& m) {
+    const Objective& objective = selected(m);
+    const int number = m.env.params.get_int(Param::SolutionNumber);
+    if (!is_multi_objective(m)) return pool_objective_value(m);
+    if (number == 0 && !m.solution.multi_obj.empty())
+        return m.solution.multi_obj[&objective - m.data.objectives.data()];
+    if (first_selected(m) && !m.data.pwl_obj.empty())
+        throw missing("the value of a piecewise-linear objective is kept for solution 0 only");
+    const Values x = pool_values(m), coeff = objective_n(m);
+    double value = objective_n_constant(m);
+    for (int j = 0; j < m.num_cols(); ++j) value += coeff.doubles[j] * x.doubles[j];
+    return value;
+}
+
+}  // namespace zelvan

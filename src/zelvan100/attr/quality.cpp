@@ -1,0 +1,164 @@
+// Violations and residuals of the solution.
+//
+// Scaled figures belong to the model whose rows are divided by their largest coefficient, and whose columns
+// then are by theirs: row i is multiplied by r[i], the unit of column j divided by c[j].
+// In the dual, index i < NumConstrs means row i and NumConstrs + j column j; complementarity counts columns
+// first: j < NumVars means column j and NumVars + i row i.
+
+#include <algorithm>
+#include <cmath>
+
+#include "attr/readers.h"
+
+namespace zelvan {
+
+namespace {
+
+struct Scale {
+    std::vector<double> row, col;
+};
+
+Scale scale_of(const ModelData& data, bool scaled) {
+    const Rows& rows = data.rows;
+    Scale scale{std::vector<double>(rows.size(), 1.0), std::vector<double>(data.cols.size(), 1.0)};
+    if (!scaled) return scale;
+    std::vector<double> largest(data.cols.size(), 0.0);
+    for (int i = 0; i < rows.size(); ++i) {
+        double biggest = 0.0;
+        for (std::int64_t k = rows.start[i]; k < rows.start[i + 1]; ++k)
+            biggest = std::max(biggest, std::fabs(rows.val[k]));
+        if (biggest > 0.0) scale.row[i] = 1.0 / biggest;
+        for (std::int64_t k = rows.start[i]; k < rows.start[i + 1]; ++k)
+            largest[rows.col[k]] = std::max(largest[rows.col[k]], std::fabs(rows.val[k]) * scale.row[i]);
+    }
+    for (std::size_t j = 0; j < largest.size(); ++j)
+        if (largest[j] > 0.0) scale.col[j] = 1.0 / largest[j];
+    return scale;
+}
+
+double activity(const Rows& rows, int i, const double* x) {
+    double sum = 0.0;
+    for (std::int64_t k = rows.start[i]; k < rows.start[i + 1]; ++k) sum += rows.val[k] * x[rows.col[k]];
+    return sum;
+}
+
+double outside(double value, double lower, double upper) { return std::max({0.0, lower - value, value - upper}); }
+
+// What a dual value (of a minimization) is off the signs that the sides allow: positive ones need a lower
+// side, negative ones an upper side.
+double wrong_sign(double dual, double lower, double upper) {
+    if (dual > 0.0) return lower > -kInfinity ? 0.0 : dual;
+    return upper < kInfinity ? 0.0 : -dual;
+}
+
+// Product of a dual value and the distance to the side that its sign speaks for.
+double complementarity(double dual, double value, double lower, double upper) {
+    const double gap = dual > 0.0 ? value - lower : upper - value;
+    return std::fabs(gap) < kInfinityThreshold ? std::fabs(dual * gap) : 0.0;
+}
+
+bool is_integer_type(char type) { return type == 'B' || type == 'I' || type == 'N'; }
+
+}  // namespace
+
+void Amounts::add(double amount, int where) {
+    if (!(amount > 0.0)) return;
+    sum += amount;
+    if (amount <= worst) return;
+    worst = amount;
+    index = where;
+}
+
+Amounts bound_violation(const Model& m, bool scaled) {
+    const double* x = primal_values(m).doubles;
+    const Scale scale = scale_of(m.data, scaled);
+    const Columns& cols = m.data.cols;
+    Amounts amounts;
+    for (int j = 0; j < cols.size(); ++j) {
+        double off = outside(x[j], cols.lb[j], cols.ub[j]);
+        if (cols.type[j] == 'S' || cols.type[j] == 'N') off = std::min(off, std::fabs(x[j]));  // 0 is allowed too
+        amounts.add(off / scale.col[j], j);
+    }
+    return amounts;
+}
+
+Amounts constr_violation(const Model& m, bool scaled) {
+    const double* x = primal_values(m).doubles;
+    const Scale scale = scale_of(m.data, scaled);
+    Amounts amounts;
+    for (int i = 0; i < m.num_rows(); ++i) {
+        const auto [lower, upper] = m.data.rows.sides(i);
+        amounts.add(outside(activity(m.data.rows, i, x), lower, upper) * scale.row[i], i);
+    }
+    return amounts;
+}
+
+Amounts constr_residual(const Model& m, bool scaled) {
+    const double *x = primal_values(m).doubles, *slack = slacks(m).doubles;
+    const Scale scale = scale_of(m.data, scaled);
+    Amounts amounts;
+    for (int i = 0; i < m.num_rows(); ++i) {
+        const double right = m.data.rows.rhs[i];
+        if (std::fabs(right) >= kInfinityThreshold) continue;
+        amounts.add(std::fabs(activity(m.data.rows, i, x) + slack[i] - right) * scale.row[i], i);
+    }
+    return amounts;
+}
+
+Amounts dual_violation(const Model& m, bool scaled) {
+    const double *rc = reduced_costs(m).doubles, *pi = duals(m).doubles;
+    const Scale scale = scale_of(m.data, scaled);
+    const Columns& cols = m.data.cols;
+    Amounts amounts;
+    for (int i = 0; i < m.num_rows(); ++i) {
+        const auto [lower, upper] = m.data.rows.sides(i);
+        amounts.add(wrong_sign(m.data.sense * pi[i], lower, upper) / scale.row[i], i);
+    }
+    for (int j = 0; j < cols.size(); ++j)
+        amounts.add(wrong_sign(m.data.sense * rc[j], cols.lb[j], cols.ub[j]) * scale.col[j], m.num_rows() + j);
+    return amounts;
+}
+
+Amounts dual_residual(const Model& m, bool scaled) {
+    const double *rc = reduced_costs(m).doubles, *pi = duals(m).doubles;
+    const Scale scale = scale_of(m.data, scaled);
+    const Rows& rows = m.data.rows;
+    if (!m.data.pwl_obj.empty()) throw missing("the objective is piecewise linear");
+    std::vector<double> rest = m.data.cols.obj;
+    for (int i = 0; i < rows.size(); ++i)
+        for (std::int64_t k = rows.start[i]; k < rows.start[i + 1]; ++k) rest[rows.col[k]] -= pi[i] * rows.val[k];
+    Amounts amounts;
+    for (int j = 0; j < m.num_cols(); ++j) amounts.add(std::fabs(rest[j] - rc[j]) * scale.col[j], j);
+    return amounts;
+}
+
+Amounts complementarity_violation(const Model& m, bool) {
+    const double *x = primal_values(m).doubles, *rc = reduced_costs(m).doubles, *pi = duals(m).doubles;
+    const Columns& cols = m.data.cols;
+    Amounts amounts;
+    for (int j = 0; j < cols.size(); ++j)
+        amounts.add(complementarity(m.data.sense * rc[j], x[j], cols.lb[j], cols.ub[j]), j);
+    for (int i = 0; i < m.num_rows(); ++i) {
+        const auto [lower, upper] = m.data.rows.sides(i);
+        amounts.add(complementarity(m.data.sense * pi[i], activity(m.data.rows, i, x), lower, upper), m.num_cols() + i);
+    }
+    return amounts;
+}
+
+Amounts integrality_violation(const Model& m, bool) {
+    const double* x = primal_values(m).doubles;
+    Amounts amounts;
+    for (int j = 0; j < m.num_cols(); ++j)
+        if (is_integer_type(m.data.cols.type[j])) amounts.add(std::fabs(x[j] - std::round(x[j])), j);
+    return amounts;
+}
+
+double max_violation(const Model& m) {
+    double most = 0.0;
+    for (Measure measure : {bound_violation, constr_violation, integrality_violation})
+        most = std::max(most, measure(m, false).worst);
+    if (!m.solution.rc.empty() && !m.solution.pi.empty()) most = std::max(most, dual_violation(m, false).worst);
+    return most;
+}
+
+}  // namespace zelvan

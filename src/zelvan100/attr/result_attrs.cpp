@@ -1,0 +1,93 @@
+#include "attr/readers.h"
+
+namespace zelvan {
+
+namespace {
+
+constexpr const char* kNoSolution = "no solution is available";
+constexpr const char* kNoDuals = "no dual solution is available";
+
+double defined(double value, const char* why) {
+    if (value == kUndefined) throw missing(why);
+    return value;
+}
+
+// Of a solved model without columns or rows the arrays are empty and complete.
+Values present(const std::vector<double>& values, int size, const Model& m, const char* why) {
+    if (static_cast<int>(values.size()) != size || (size == 0 && m.solution.status == ZVN_LOADED)) throw missing(why);
+    return Values::of(values);
+}
+
+int selected_solution(const Model& m) {
+    const int number = m.env.params.get_int(Param::SolutionNumber), count = m.solution.count();
+    if (count == 0) throw missing(kNoSolution);
+    if (number >= count)
+        throw missing("parameter SolutionNumber is " + std::to_string(number) + ", but there are " +
+                      std::to_string(count) + " solutions");
+    return number;
+}
+
+// The basis of the latest solve, otherwise the one that was set.
+Values basis(const std::vector<int>& solved, const Values& set) {
+    if (!solved.empty()) return Values::of(solved);
+    if (!set.doubles) throw missing("no basis is available");
+    return set;
+}
+
+}  // namespace
+
+double objective_value(const Model& m) { return defined(m.solution.obj_val, kNoSolution); }
+
+double objective_bound(const Model& m) {
+    return defined(m.solution.obj_bound, "no bound on the objective is available");
+}
+
+double pool_objective_value(const Model& m) {
+    const int number = selected_solution(m);
+    return m.solution.pool_obj.empty() ? m.solution.obj_val : m.solution.pool_obj[number];
+}
+
+double mip_gap(const Model& m) {
+    return defined(m.solution.mip_gap, "it belongs to a model with integers that has been solved");
+}
+
+double runtime(const Model& m) { return m.solution.runtime; }
+double work(const Model& m) { return m.solution.work; }
+double status(const Model& m) { return m.solution.status; }
+double solution_count(const Model& m) { return m.solution.count(); }
+double iteration_count(const Model& m) { return m.solution.iterations; }
+double node_count(const Model& m) { return m.solution.nodes; }
+double barrier_iteration_count(const Model& m) { return m.solution.barrier_iterations; }
+double concurrent_winner(const Model& m) { return m.solution.concurrent_winner; }
+
+double farkas_proof(const Model& m) {
+    return defined(m.solution.farkas_proof,
+                   "it takes an infeasible LP that was solved with parameter InfUnbdInfo at 1");
+}
+
+Values primal_values(const Model& m) { return present(m.solution.x, m.num_cols(), m, kNoSolution); }
+
+Values pool_values(const Model& m) {
+    const int number = selected_solution(m);
+    return Values::of(m.solution.pool.empty() ? m.solution.x : m.solution.pool[number]);
+}
+
+Values reduced_costs(const Model& m) { return present(m.solution.rc, m.num_cols(), m, kNoDuals); }
+Values duals(const Model& m) { return present(m.solution.pi, m.num_rows(), m, kNoDuals); }
+Values slacks(const Model& m) { return present(m.solution.slack, m.num_rows(), m, kNoSolution); }
+
+Values column_basis(const Model& m) { return basis(m.solution.vbasis, column_option<Attr::VBasis>(m)); }
+
+Values row_basis(const Model& m) { return basis(m.solution.cbasis, row_option<Attr::CBasis>(m)); }
+
+Values unbounded_ray(const Model& m) {
+    return present(m.solution.ray, m.num_cols(), m,
+                   "it takes an unbounded LP that was solved with parameter InfUnbdInfo at 1");
+}
+
+Values farkas_dual(const Model& m) {
+    return present(m.solution.farkas, m.num_rows(), m,
+                   "it takes an infeasible LP that was solved with parameter InfUnbdInfo at 1");
+}
+
+}  // namespace zelvan

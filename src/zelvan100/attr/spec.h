@@ -1,0 +1,73 @@
+#pragma once
+// A row of the attribute table: what an attribute is and where its values come from.
+
+#include "attr/attr.h"
+#include "core/names.h"
+
+namespace zelvan {
+
+// Where the numbers of an attribute of columns or rows lie: in one of the arrays, or all are `same`.
+struct Values {
+    const double* doubles = nullptr;
+    const int* ints = nullptr;
+    const char* chars = nullptr;
+    double same = 0.0;
+
+    static Values of(const std::vector<double>& array) { return {array.data(), nullptr, nullptr, 0.0}; }
+    static Values of(const std::vector<int>& array) { return {nullptr, array.data(), nullptr, 0.0}; }
+    static Values of(const std::vector<char>& array) { return {nullptr, nullptr, array.data(), 0.0}; }
+    static Values all(double value) { return {nullptr, nullptr, nullptr, value}; }
+    double at(int i) const { return doubles ? doubles[i] : ints ? ints[i] : chars ? chars[i] : same; }
+};
+
+// Texts of columns or rows; entry i without one is `letter` and i, or "" when letter is 0.
+struct Texts {
+    const Names* names;
+    char letter;
+};
+
+struct AttrSpec {
+    const char* name;
+    AttrType type;
+    AttrKind kind;
+    bool settable = false;
+    // At most one of the readers is there; each throws Error while there is no value. Without one, `why`
+    // tells why there is none.
+    double (*number)(const Model&) = nullptr;         // of the model
+    const char* (*text)(const Model&) = nullptr;      // of the model
+    Values (*values)(const Model&) = nullptr;         // of columns or rows
+    double (*value_at)(const Model&, int) = nullptr;  // of columns or rows, one by one
+    Texts (*texts)(const Model&) = nullptr;           // of columns or rows
+    const char* why = "";
+    // What may be written: numbers within [minimum, maximum], one of the letters, texts of at most max_length.
+    double minimum = 0.0, maximum = 0.0;
+    const char* letters = nullptr;
+    int max_length = 0;
+
+    constexpr AttrSpec set(double lower, double upper) const {
+        AttrSpec spec = *this;
+        spec.settable = true;
+        spec.minimum = lower;
+        spec.maximum = upper;
+        return spec;
+    }
+    constexpr AttrSpec set(const char* allowed) const {
+        AttrSpec spec = *this;
+        spec.settable = true;
+        spec.letters = allowed;
+        return spec;
+    }
+    constexpr AttrSpec set_text(int longest) const {
+        AttrSpec spec = *this;
+        spec.settable = true;
+        spec.max_length = longest;
+        return spec;
+    }
+};
+
+const AttrSpec& attr_spec(int attr);
+
+// The failure of a reader: there is no value, and why. Who called the reader puts the attribute's name to it.
+inline Error missing(const std::string& why) { return {ZVN_ERROR_DATA_NOT_AVAILABLE, why}; }
+
+}  // namespace zelvan

@@ -1,0 +1,305 @@
+// The table of all attributes, in the order of names.inc.
+
+#include <array>
+
+#include "attr/readers.h"
+#include "core/name_index.h"
+
+namespace zelvan {
+
+namespace {
+
+// All names in one array, each with its NUL, so that a pointer into it tells the attribute.
+constexpr char kNamePool[] =
+#define ZELVAN_ATTR(name) #name "\0"
+#include "attr/names.inc"
+#undef ZELVAN_ATTR
+    ;
+constexpr std::size_t kCount = 0
+#define ZELVAN_ATTR(name) +1
+#include "attr/names.inc"
+#undef ZELVAN_ATTR
+    ;
+
+constexpr std::array<const char*, kCount> kNames = [] {
+    std::array<const char*, kCount> names{};
+    std::size_t at = 0;
+    for (auto& name : names) {
+        name = kNamePool + at;
+        at += std::string_view(name).size() + 1;
+    }
+    return names;
+}();
+
+// Number of the attribute whose name starts at an offset of the pool, -1 within a name.
+constexpr std::array<std::int16_t, sizeof kNamePool> kAtOffset = [] {
+    std::array<std::int16_t, sizeof kNamePool> at{};
+    for (auto& number : at) number = -1;
+    for (std::size_t i = 0; i < kCount; ++i) at[kNames[i] - kNamePool] = static_cast<std::int16_t>(i);
+    return at;
+}();
+
+constexpr NameIndex<kCount> kIndex{kNames};
+
+constexpr double kMaxInt = 2147483647;
+// The largest number that doesn't count as infinite.
+constexpr double kFinite = kInfinityThreshold - 16384;
+static_assert(kFinite < kInfinityThreshold);
+
+using A = Attr;
+using Number = double (*)(const Model&);
+
+constexpr AttrSpec model_int(const char* name, Number read) { return {name, kInt, kModel, false, read}; }
+constexpr AttrSpec model_dbl(const char* name, Number read) { return {name, kDouble, kModel, false, read}; }
+constexpr AttrSpec model_str(const char* name, const char* (*read)(const Model&)) {
+    return {name, kString, kModel, false, nullptr, read};
+}
+constexpr AttrSpec column(const char* name, AttrType type, Values (*read)(const Model&), AttrKind kind = kVar) {
+    return {name, type, kind, false, nullptr, nullptr, read};
+}
+constexpr AttrSpec row(const char* name, AttrType type, Values (*read)(const Model&)) {
+    return column(name, type, read, kConstr);
+}
+constexpr AttrSpec texts(const char* name, AttrKind kind, Texts (*read)(const Model&)) {
+    return {name, kString, kind, false, nullptr, nullptr, nullptr, nullptr, read};
+}
+// Where there is nothing to read (yet), and why.
+constexpr AttrSpec absent(const char* name, AttrType type, AttrKind kind, const char* why, bool settable = false) {
+    AttrSpec spec{name, type, kind, settable};
+    spec.why = why;
+    return spec;
+}
+
+constexpr const char* kNoIis = "no infeasible subsystem has been computed";
+constexpr const char* kNoSensitivity = "no sensitivity information has been computed";
+constexpr const char* kNoScenarios = "the model has no scenarios";
+constexpr const char* kNoBatch = "it belongs to batches, not to models";
+constexpr const char* kNoPresolved = "no presolved model has been kept";
+constexpr const char* kNoObject = "the model has no object of this kind";
+constexpr const char* kNoKappa = "the condition number of the basis has not been computed";
+constexpr const char* kNoBarX = "the barrier iterate before crossover is not kept";
+
+constexpr AttrSpec kAttrs[] = {
+    // Model
+    model_int("NumConstrs", num_constrs),
+    model_int("NumVars", num_vars),
+    model_int("NumSOS", none),
+    model_int("NumQConstrs", none),
+    model_int("NumGenConstrs", none),
+    model_int("NumNZs", num_nonzeros),
+    model_dbl("DNumNZs", num_nonzeros_dbl),
+    model_int("NumQNZs", none),
+    model_int("NumQCNZs", none),
+    model_int("NumIntVars", num_integer_vars),
+    model_int("NumBinVars", num_binary_vars),
+    model_int("NumPWLObjVars", num_pwl_vars),
+    model_str("ModelName", model_name).set_text(ZVN_MAX_NAMELEN),
+    model_int("ModelSense", model_sense).set(-1, 1),
+    model_dbl("ObjCon", objective_constant).set(-kFinite, kFinite),
+    model_int("IsMIP", is_mip),
+    model_int("IsQP", none),
+    model_int("IsQCP", none),
+    model_int("IsMultiObj", is_multi_objective_number),
+    absent("IISMinimal", kInt, kModel, kNoIis),
+    absent("Kappa", kDouble, kModel, kNoKappa),
+    absent("KappaExact", kDouble, kModel, kNoKappa),
+    model_dbl("MaxCoeff", max_coeff),
+    model_dbl("MinCoeff", min_coeff),
+    model_dbl("MaxBound", max_bound),
+    model_dbl("MinBound", min_bound),
+    model_dbl("MaxObjCoeff", max_obj_coeff),
+    model_dbl("MinObjCoeff", min_obj_coeff),
+    model_dbl("MaxRHS", max_rhs),
+    model_dbl("MinRHS", min_rhs),
+    model_dbl("MaxQCRHS", none),
+    model_dbl("MinQCRHS", none),
+    model_dbl("MaxQCCoeff", none),
+    model_dbl("MinQCCoeff", none),
+    model_dbl("MaxQCLCoeff", none),
+    model_dbl("MinQCLCoeff", none),
+    model_dbl("MaxQObjCoeff", none),
+    model_dbl("MinQObjCoeff", none),
+    model_dbl("ObjVal", objective_value),
+    model_dbl("ObjBound", objective_bound),
+    model_dbl("ObjBoundC", objective_bound),
+    model_dbl("PoolObjBound", objective_bound),
+    model_dbl("PoolObjVal", pool_objective_value),
+    model_dbl("MIPGap", mip_gap),
+    model_dbl("Runtime", runtime),
+    model_dbl("Work", work),
+    model_int("Status", status),
+    model_int("SolCount", solution_count),
+    model_dbl("IterCount", iteration_count),
+    model_dbl("NodeCount", node_count),
+    model_int("BarIterCount", barrier_iteration_count),
+    model_dbl("FarkasProof", farkas_proof),
+    model_int("NumStart", num_starts).set(0, 1),
+    model_int("TuneResultCount", none),
+    model_int("Fingerprint", fingerprint),
+    model_int("ConcurrentWinMethod", concurrent_winner),
+
+    // Variables
+    column("LB", kDouble, lower_bounds).set(-kInfinity, kFinite),
+    column("UB", kDouble, upper_bounds).set(-kFinite, kInfinity),
+    column("Obj", kDouble, objective_coeffs).set(-kFinite, kFinite),
+    column("VType", kChar, types).set("CBISN"),
+    texts("VarName", kVar, column_names).set_text(ZVN_MAX_NAMELEN),
+    column("X", kDouble, primal_values),
+    column("RC", kDouble, reduced_costs),
+    column("Xn", kDouble, pool_values),
+    absent("BarX", kDouble, kVar, kNoBarX),
+    column("Start", kDouble, column_option<A::Start>).set(-kUndefined, kUndefined),
+    column("VarHintVal", kDouble, column_option<A::VarHintVal>).set(-kUndefined, kUndefined),
+    column("VarHintPri", kInt, column_option<A::VarHintPri>).set(-kMaxInt, kMaxInt),
+    column("BranchPriority", kInt, column_option<A::BranchPriority>).set(-kMaxInt, kMaxInt),
+    column("Partition", kInt, column_option<A::Partition>).set(-1, kMaxInt),
+    column("VBasis", kInt, column_basis).set(ZVN_SUPERBASIC, ZVN_BASIC),
+    {"PWLObjCvx", kInt, kVar, false, nullptr, nullptr, nullptr, pwl_convex},
+    column("PoolIgnore", kInt, column_option<A::PoolIgnore>).set(0, 1),
+    absent("IISLB", kInt, kVar, kNoIis),
+    absent("IISUB", kInt, kVar, kNoIis),
+    column("IISLBForce", kInt, column_option<A::IISLBForce>).set(-1, 1),
+    column("IISUBForce", kInt, column_option<A::IISUBForce>).set(-1, 1),
+    absent("SAObjLow", kDouble, kVar, kNoSensitivity),
+    absent("SAObjUp", kDouble, kVar, kNoSensitivity),
+    absent("SALBLow", kDouble, kVar, kNoSensitivity),
+    absent("SALBUp", kDouble, kVar, kNoSensitivity),
+    absent("SAUBLow", kDouble, kVar, kNoSensitivity),
+    absent("SAUBUp", kDouble, kVar, kNoSensitivity),
+    column("UnbdRay", kDouble, unbounded_ray),
+    column("PStart", kDouble, column_option<A::PStart>).set(-kUndefined, kUndefined),
+    absent("PreFixVal", kDouble, kVar, kNoPresolved),
+    absent("VarPreStat", kInt, kVar, kNoPresolved),
+    texts("VTag", kVar, column_tags).set_text(ZVN_MAX_TAGLEN),
+
+    // Linear constraints
+    row("Sense", kChar, senses).set("<>="),
+    row("RHS", kDouble, right_sides).set(-kInfinity, kInfinity),
+    texts("ConstrName", kConstr, row_names).set_text(ZVN_MAX_NAMELEN),
+    row("Pi", kDouble, duals),
+    row("Slack", kDouble, slacks),
+    row("CBasis", kInt, row_basis).set(ZVN_SUPERBASIC, ZVN_BASIC),
+    absent("IISConstr", kInt, kConstr, kNoIis),
+    row("IISConstrForce", kInt, row_option<A::IISConstrForce>).set(-1, 1),
+    absent("SARHSLow", kDouble, kConstr, kNoSensitivity),
+    absent("SARHSUp", kDouble, kConstr, kNoSensitivity),
+    row("FarkasDual", kDouble, farkas_dual),
+    row("DStart", kDouble, row_option<A::DStart>).set(-kUndefined, kUndefined),
+    row("Lazy", kInt, row_option<A::Lazy>).set(-1, 3),
+    texts("CTag", kConstr, row_tags).set_text(ZVN_MAX_TAGLEN),
+
+    // SOS
+    absent("IISSOS", kInt, kSos, kNoObject),
+    absent("IISSOSForce", kInt, kSos, kNoObject, true),
+
+    // Quadratic constraints
+    absent("QCSense", kChar, kQConstr, kNoObject, true),
+    absent("QCRHS", kDouble, kQConstr, kNoObject, true),
+    absent("QCName", kString, kQConstr, kNoObject, true),
+    absent("IISQConstr", kInt, kQConstr, kNoObject),
+    absent("IISQConstrForce", kInt, kQConstr, kNoObject, true),
+    absent("QCPi", kDouble, kQConstr, kNoObject),
+    absent("QCSlack", kDouble, kQConstr, kNoObject),
+    absent("QCTag", kString, kQConstr, kNoObject, true),
+
+    // General constraints
+    absent("GenConstrType", kInt, kGenConstr, kNoObject),
+    absent("GenConstrName", kString, kGenConstr, kNoObject, true),
+    absent("IISGenConstr", kInt, kGenConstr, kNoObject),
+    absent("IISGenConstrForce", kInt, kGenConstr, kNoObject, true),
+    absent("FuncPieceError", kDouble, kGenConstr, kNoObject, true),
+    absent("FuncPieceLength", kDouble, kGenConstr, kNoObject, true),
+    absent("FuncPieceRatio", kDouble, kGenConstr, kNoObject, true),
+    absent("FuncPieces", kInt, kGenConstr, kNoObject, true),
+
+    // Solution quality
+    model_dbl("MaxVio", max_violation),
+    model_dbl("BoundVio", worst<bound_violation, false>),
+    model_dbl("BoundSVio", worst<bound_violation, true>),
+    model_int("BoundVioIndex", where<bound_violation, false>),
+    model_int("BoundSVioIndex", where<bound_violation, true>),
+    model_dbl("BoundVioSum", sum<bound_violation, false>),
+    model_dbl("BoundSVioSum", sum<bound_violation, true>),
+    model_dbl("ConstrVio", worst<constr_violation, false>),
+    model_dbl("ConstrSVio", worst<constr_violation, true>),
+    model_int("ConstrVioIndex", where<constr_violation, false>),
+    model_int("ConstrSVioIndex", where<constr_violation, true>),
+    model_dbl("ConstrVioSum", sum<constr_violation, false>),
+    model_dbl("ConstrSVioSum", sum<constr_violation, true>),
+    model_dbl("ConstrResidual", worst<constr_residual, false>),
+    model_dbl("ConstrSResidual", worst<constr_residual, true>),
+    model_int("ConstrResidualIndex", where<constr_residual, false>),
+    model_int("ConstrSResidualIndex", where<constr_residual, true>),
+    model_dbl("ConstrResidualSum", sum<constr_residual, false>),
+    model_dbl("ConstrSResidualSum", sum<constr_residual, true>),
+    model_dbl("DualVio", worst<dual_violation, false>),
+    model_dbl("DualSVio", worst<dual_violation, true>),
+    model_int("DualVioIndex", where<dual_violation, false>),
+    model_int("DualSVioIndex", where<dual_violation, true>),
+    model_dbl("DualVioSum", sum<dual_violation, false>),
+    model_dbl("DualSVioSum", sum<dual_violation, true>),
+    model_dbl("DualResidual", worst<dual_residual, false>),
+    model_dbl("DualSResidual", worst<dual_residual, true>),
+    model_int("DualResidualIndex", where<dual_residual, false>),
+    model_int("DualSResidualIndex", where<dual_residual, true>),
+    model_dbl("DualResidualSum", sum<dual_residual, false>),
+    model_dbl("DualSResidualSum", sum<dual_residual, true>),
+    model_dbl("ComplVio", worst<complementarity_violation, false>),
+    model_int("ComplVioIndex", where<complementarity_violation, false>),
+    model_dbl("ComplVioSum", sum<complementarity_violation, false>),
+    model_dbl("IntVio", worst<integrality_violation, false>),
+    model_int("IntVioIndex", where<integrality_violation, false>),
+    model_dbl("IntVioSum", sum<integrality_violation, false>),
+
+    // Several objectives
+    column("ObjN", kDouble, objective_n).set(-kFinite, kFinite),
+    model_dbl("ObjNCon", objective_n_constant).set(-kFinite, kFinite),
+    model_int("ObjNPriority", objective_n_priority).set(-kMaxInt, kMaxInt),
+    model_dbl("ObjNWeight", objective_n_weight).set(-kFinite, kFinite),
+    model_dbl("ObjNRelTol", objective_n_rel_tol).set(0, kInfinity),
+    model_dbl("ObjNAbsTol", objective_n_abs_tol).set(0, kInfinity),
+    model_dbl("ObjNVal", objective_n_value),
+    model_str("ObjNName", objective_n_name).set_text(ZVN_MAX_NAMELEN),
+    model_int("NumObj", num_objectives).set(0, 1000000),
+
+    // Several scenarios
+    absent("ScenNLB", kDouble, kVar, kNoScenarios, true),
+    absent("ScenNUB", kDouble, kVar, kNoScenarios, true),
+    absent("ScenNObj", kDouble, kVar, kNoScenarios, true),
+    absent("ScenNRHS", kDouble, kConstr, kNoScenarios, true),
+    absent("ScenNName", kString, kModel, kNoScenarios, true),
+    absent("ScenNX", kDouble, kVar, kNoScenarios),
+    absent("ScenNObjBound", kDouble, kModel, kNoScenarios),
+    absent("ScenNObjVal", kDouble, kModel, kNoScenarios),
+    model_int("NumScenarios", none),
+
+    // Batches
+    absent("BatchErrorCode", kInt, kModel, kNoBatch),
+    absent("BatchErrorMessage", kString, kModel, kNoBatch),
+    absent("BatchID", kString, kModel, kNoBatch),
+    absent("BatchStatus", kInt, kModel, kNoBatch),
+};
+
+constexpr bool in_listed_order() {
+    if (std::size(kAttrs) != kCount) return false;
+    for (std::size_t i = 0; i < kCount; ++i)
+        if (std::string_view(kAttrs[i].name) != kNames[i]) return false;
+    return true;
+}
+static_assert(in_listed_order(), "the table must follow names.inc");
+
+}  // namespace
+
+int num_attrs() { return static_cast<int>(kCount); }
+
+const char* attr_name(int i) { return kNames[i]; }
+
+int find_attr(const char* name) {
+    const std::uintptr_t offset = reinterpret_cast<std::uintptr_t>(name) - reinterpret_cast<std::uintptr_t>(kNamePool);
+    if (offset < sizeof kNamePool && kAtOffset[offset] >= 0) return kAtOffset[offset];
+    return kIndex.find(name);
+}
+
+const AttrSpec& attr_spec(int attr) { return kAttrs[attr]; }
+
+}  // namespace zelvan
