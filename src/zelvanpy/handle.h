@@ -7,11 +7,10 @@
 namespace zelvanpy {
 
 struct Handle {
-    PyObject_HEAD
-    PyObject* cmodel;  // the capsule that all handles of a model share, None after disposal
-    PyObject* dict;    // fields set by the user; null until the first
+    PyObject_HEAD PyObject* cmodel;  // the capsule that all handles of a model share, None after disposal
+    PyObject* dict;                  // fields set by the user; null until the first
     PyObject* weakrefs;
-    int index;         // 0 and up live, -1 pending, -2 removed, -3 - index marked for removal
+    int index;  // 0 and up live, -1 pending, -2 removed, -3 - index marked for removal
 
     // The index to pass to the library: -1 pending, -2 removed.
     int cindex() const { return index >= -2 ? index : -index - 3; }

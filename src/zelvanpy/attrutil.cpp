@@ -1,0 +1,402 @@
+#include "attrutil.h"
+
+#include <strings.h>
+
+#include <array>
+#include <cstdint>
+
+#include "exception.h"
+#include "model.h"
+#include "pyargs.h"
+
+namespace zelvanpy {
+
+namespace {
+
+PyObject* this_module;
+
+// What the library said of a name, found again by the address of the interned str.
+struct Entry {
+    PyObject* name = nullptr;  // owned, so that no other str gets its address
+    AttrInfo info{};
+};
+std::array<Entry, 512> cache;
+
+Entry& cache_entry(PyObject* name) {
+    const auto address = reinterpret_cast<std::uintptr_t>(name) >> 4;
+    return cache[(address ^ (address >> 9)) % cache.size()];
+}
+
+// The library's own spelling of a name that it knows. Its pointer is a constant, and passing it back
+// saves the library the look-up by letters.
+const char* canonical_name(ZVNmodel* model, const char* name) {
+    const int count = ZVNgetnumattributes(model);
+    for (int i = 0; i < count; ++i) {
+        char* known = nullptr;
+        if (ZVNgetattrname(model, i, &known) == 0 && known && strcasecmp(known, name) == 0) return known;
+    }
+    return nullptr;
+}
+
+bool ask_library(ZVNmodel* model, const char* name, AttrInfo& info) {
+    int settable = 0;
+    if (ZVNgetattrinfo(model, name, &info.type, &info.kind, &settable)) return false;
+    info.name = name;
+    info.settable = settable != 0;
+    return true;
+}
+
+// False when the library refuses the name. `name` is a str, which info.name may point into.
+bool find_info(ZVNmodel* model, PyObject* name, AttrInfo& info) {
+    Entry& entry = cache_entry(name);
+    if (entry.name == name && model) {
+        info = entry.info;
+        return true;
+    }
+    const char* text = PyUnicode_AsUTF8(name);
+    if (!text) throw PythonError{};
+    if (!ask_library(model, text, info)) return false;
+    if (!PyUnicode_CHECK_INTERNED(name)) return true;
+    if (const char* known = canonical_name(model, text)) {
+        info.name = known;
+        Py_INCREF(name);
+        Py_XSETREF(entry.name, name);
+        entry.info = info;
+    }
+    return true;
+}
+
+py::object as_text(py::handle name) {
+    return PyUnicode_Check(name.ptr()) ? borrow(name) : bytes_to_string(string_to_bytes(name));
+}
+
+[[noreturn]] void raise_library_message(py::handle object) { raise(PyExc_AttributeError, error_message(object)); }
+
+}  // namespace
+
+ZVNmodel* model_of(py::handle object) {
+    if (is_model(object)) return model_pointer(*reinterpret_cast<Model*>(object.ptr()));
+    if (find_handle_kind(object.ptr())) return model_pointer(as_handle(object)->cmodel);
+    return model_pointer(object.attr("_cmodel"));
+}
+
+void raise_attribute(const char* format, py::handle name) {
+    PyErr_Format(PyExc_AttributeError, format, as_text(name).ptr());
+    throw PythonError{};
+}
+
+void raise_no_attribute(py::handle object, py::handle name) {
+    const py::object type_name = object.attr("_typename");
+    PyErr_Format(PyExc_AttributeError, "'zelvanpy.%S' object has no attribute '%U'", type_name.ptr(),
+                 as_text(name).ptr());
+    throw PythonError{};
+}
+
+Attribute::Attribute(py::handle object, py::handle name) : text_(as_text(name)) {
+    if (!find_info(model_of(object), text_.ptr(), info_)) raise_no_attribute(object, text_);
+}
+
+double python_double(double value) {
+    if (value == ZVN_UNDEFINED) return value;
+    if (value >= ZVN_INFINITY) return Py_HUGE_VAL;
+    if (value <= -ZVN_INFINITY) return -Py_HUGE_VAL;
+    return value;
+}
+
+namespace {
+
+// --- single values
+
+// The index of a handle that an attribute of this kind can be read from or written to.
+int accessible_index(py::handle object, const Handle& handle, const HandleKind& kind, const AttrInfo& attribute,
+                     py::handle name) {
+    const int index = handle.cindex();
+    if (index < 0) {
+        const char* state = index == -1 ? " has not yet been added to the model" : " was removed from the model";
+        raise_zelvan(0, py::str(std::string(kind.name) + state));
+    }
+    if (attribute.kind != static_cast<int>(kind.kind)) raise_no_attribute(object, name);
+    return index;
+}
+
+PyObject* read_element(py::handle object, ZVNmodel* model, const AttrInfo& attribute, int index) {
+    switch (attribute.type) {
+        case kDoubleAttr: {
+            double value;
+            if (ZVNgetdblattrelement(model, attribute.name, index, &value)) raise_library_message(object);
+            return PyFloat_FromDouble(python_double(value));
+        }
+        case kIntAttr: {
+            int value;
+            if (ZVNgetintattrelement(model, attribute.name, index, &value)) raise_library_message(object);
+            return PyLong_FromLong(value);
+        }
+        case kCharAttr: {
+            char value;
+            if (ZVNgetcharattrelement(model, attribute.name, index, &value)) raise_library_message(object);
+            return PyUnicode_FromOrdinal(static_cast<unsigned char>(value));
+        }
+        default: {
+            char* value = nullptr;
+            if (ZVNgetstrattrelement(model, attribute.name, index, &value)) raise_library_message(object);
+            return to_str(value).release().ptr();
+        }
+    }
+}
+
+PyObject* read_model_value(py::handle object, ZVNmodel* model, const Attribute& attribute) {
+    switch (attribute->type) {
+        case kDoubleAttr: {
+            double value;
+            if (ZVNgetdblattr(model, attribute->name, &value)) raise_library_message(object);
+            return PyFloat_FromDouble(python_double(value));
+        }
+        case kIntAttr: {
+            int value;
+            if (ZVNgetintattr(model, attribute->name, &value)) raise_library_message(object);
+            return PyLong_FromLong(value);
+        }
+        case kStringAttr: {
+            char* value = nullptr;
+            if (ZVNgetstrattr(model, attribute->name, &value)) raise_library_message(object);
+            return to_str(value).release().ptr();
+        }
+        default:
+            raise_no_attribute(object, attribute.text());
+    }
+}
+
+char char_value(py::handle value, py::handle name) {
+    if (!PyUnicode_Check(value.ptr())) raise_attribute("Attribute '%U' takes character value", name);
+    if (PyUnicode_GET_LENGTH(value.ptr()) == 0) raise(PyExc_IndexError, "string index out of range");
+    const Py_UCS4 character = PyUnicode_READ_CHAR(value.ptr(), 0);
+    if (character > 0xff) {
+        PyErr_Format(PyExc_OverflowError, "Character '%c' for attribute '%U' is larger than a byte", character,
+                     name.ptr());
+        throw PythonError{};
+    }
+    return static_cast<char>(character);
+}
+
+int exact_int_value(py::handle value, py::handle name) {
+    if (!PyLong_Check(value.ptr())) raise_attribute("Attribute '%U' takes integer value", name);
+    return to_int(value, "The value");
+}
+
+double double_value(py::handle value, py::handle name) {
+    double result;
+    if (!scalar_value(value, result)) raise_attribute("Attribute '%U' takes double value", name);
+    if (result == Py_HUGE_VAL) return ZVN_INFINITY;
+    if (result == -Py_HUGE_VAL) return -ZVN_INFINITY;
+    return result;
+}
+
+void require_str(py::handle value, py::handle name) {
+    if (!PyUnicode_Check(value.ptr())) raise_attribute("Attribute '%U' takes string value", name);
+}
+
+int write_element(ZVNmodel* model, const Attribute& attribute, int index, py::handle value) {
+    const char* name = attribute->name;
+    switch (attribute->type) {
+        case kCharAttr:
+            return ZVNsetcharattrelement(model, name, index, char_value(value, attribute.text()));
+        case kIntAttr:
+            return ZVNsetintattrelement(model, name, index, exact_int_value(value, attribute.text()));
+        case kDoubleAttr:
+            return ZVNsetdblattrelement(model, name, index, double_value(value, attribute.text()));
+        default:
+            require_str(value, attribute.text());
+            return ZVNsetstrattrelement(model, name, index, CString(value));
+    }
+}
+
+int write_model_value(py::handle object, ZVNmodel* model, const Attribute& attribute, py::handle value) {
+    switch (attribute->type) {
+        case kIntAttr:
+            return ZVNsetintattr(model, attribute->name, exact_int_value(value, attribute.text()));
+        case kDoubleAttr:
+            return ZVNsetdblattr(model, attribute->name, double_value(value, attribute.text()));
+        case kStringAttr:
+            require_str(value, attribute.text());
+            return ZVNsetstrattr(model, attribute->name, CString(value));
+        default:
+            raise_no_attribute(object, attribute.text());
+    }
+}
+
+// The handle that a read or write of a single value goes to; throws for what is neither handle nor Model.
+Handle& require_handle(py::handle object, const HandleKind* kind) {
+    if (!kind) {
+        PyErr_Format(PyExc_TypeError, "a Model, Var, Constr, SOS, QConstr or GenConstr is required, not %.200s",
+                     Py_TYPE(object.ptr())->tp_name);
+        throw PythonError{};
+    }
+    return *as_handle(object);
+}
+
+}  // namespace
+
+PyObject* get_handle_attribute(Handle& handle, const HandleKind& kind, PyObject* name) {
+    const py::handle object(reinterpret_cast<PyObject*>(&handle));
+    ZVNmodel* model = model_pointer(handle.cmodel);
+    AttrInfo info;
+    if (!find_info(model, name, info)) raise_no_attribute(object, name);
+    return read_element(object, model, info, accessible_index(object, handle, kind, info, name));
+}
+
+py::object get_attribute(py::handle object, py::handle name) {
+    if (is_model(object)) {
+        const Attribute attribute(object, name);
+        return steal(read_model_value(object, model_of(object), attribute));
+    }
+    const HandleKind* kind = find_handle_kind(object.ptr());
+    return steal(get_handle_attribute(require_handle(object, kind), *kind, as_text(name).ptr()));
+}
+
+void set_attribute(py::handle object, py::handle name, py::handle value) {
+    int error;
+    if (is_model(object)) {
+        const Attribute attribute(object, name);
+        error = write_model_value(object, model_of(object), attribute, value);
+    } else {
+        const HandleKind* kind = find_handle_kind(object.ptr());
+        const Handle& handle = require_handle(object, kind);
+        const Attribute attribute(object, name);
+        const int index = accessible_index(object, handle, *kind, *attribute.operator->(), attribute.text());
+        if (!attribute->settable) raise_attribute("Attribute '%U' cannot be set", attribute.text());
+        error = write_element(model_of(object), attribute, index, value);
+    }
+    if (error) raise_library_message(object);
+}
+
+void prefetch_attribute(py::handle object, py::handle name) {
+    const Attribute attribute(object, name);
+    if (!is_model(object)) {
+        const int kind = object.attr("_typeenum").cast<int>();
+        if (attribute->kind != kind) raise_no_attribute(object, attribute.text());
+    }
+    if (ZVNprefetchattr(model_of(object), attribute->name)) raise_library_message(object);
+}
+
+py::object attribute_names(py::handle cmodel, int kind) {
+    ZVNmodel* model = model_pointer(cmodel);
+    py::list names;
+    const int count = ZVNgetnumattributes(model);
+    for (int i = 0; i < count; ++i) {
+        char* name = nullptr;
+        AttrInfo info;
+        if (ZVNgetattrname(model, i, &name) || !ask_library(model, name, info)) continue;
+        if (info.kind == kind) names.append(to_str(name));
+    }
+    return names;
+}
+
+py::object directory(py::handle object, py::handle fields, py::handle attributes) {
+    py::set names(steal(PyObject_Dir(reinterpret_cast<PyObject*>(Py_TYPE(object.ptr())))));
+    if (fields) names.attr("update")(fields);
+    names.attr("update")(attributes);
+    py::object sorted = steal(PySequence_List(names.ptr()));
+    checked(PyList_Sort(sorted.ptr()));
+    return sorted;
+}
+
+bool is_underscored(PyObject* name) { return PyUnicode_GET_LENGTH(name) > 0 && PyUnicode_READ_CHAR(name, 0) == '_'; }
+
+PyObject* stored_attribute(PyObject* object, PyObject* dict, PyObject* name) {
+    if (!PyUnicode_Check(name) || _PyType_Lookup(Py_TYPE(object), name))
+        return steal(PyObject_GenericGetAttr(object, name)).release().ptr();
+    PyObject* value = dict ? PyDict_GetItemWithError(dict, name) : nullptr;
+    if (!value && PyErr_Occurred()) throw PythonError{};
+    Py_XINCREF(value);
+    return value;
+}
+
+py::object module_member(const char* name) {
+    PyObject* member = PyDict_GetItemString(PyModule_GetDict(this_module), name);
+    return member ? borrow(member) : py::object();
+}
+
+namespace {
+
+// --- the functions of the module
+
+py::object attrinfo_function(py::handle, Args args) {
+    static const Signature<2> signature{"__getattrinfo", 2, {Name("obj"), Name("attrname")}};
+    const auto [object, name] = signature.parse(args);
+    const Attribute attribute(object, name);
+    return py::make_tuple(attribute->type, attribute->kind, static_cast<int>(attribute->settable));
+}
+
+py::object getattr_function(py::handle, Args args) {
+    static const Signature<2> signature{"__getattr", 2, {Name("obj"), Name("attrname")}};
+    const auto [object, name] = signature.parse(args);
+    return get_attribute(object, name);
+}
+
+void setattr_function(py::handle, Args args) {
+    static const Signature<3> signature{"__setattr", 3, {Name("obj"), Name("attrname"), Name("newval")}};
+    const auto [object, name, value] = signature.parse(args);
+    set_attribute(object, name, value);
+}
+
+// For the list functions, whose caller names the type of the values.
+AttrInfo typed_attribute(const CString& name, py::handle type) { return {name, to_int(type, "attrtype"), 0, true}; }
+
+py::object gettypedattrlist_function(py::handle, Args args) {
+    static const Signature<4> signature{
+        "__gettypedattrlist", 4, {Name("obj"), Name("attrname"), Name("attrtype"), Name("inputlist")}};
+    const auto [object, name, type, indices] = signature.parse(args);
+    const CString text(name);
+    return get_attribute_list(object, typed_attribute(text, type), index_vector(indices));
+}
+
+void settypedattrlist_function(py::handle, Args args) {
+    static const Signature<5> signature{
+        "__settypedattrlist", 5, {Name("obj"), Name("attrname"), Name("attrtype"), Name("indlist"), Name("newval")}};
+    const auto [object, name, type, indices, values] = signature.parse(args);
+    const CString text(name);
+    set_attribute_list(object, typed_attribute(text, type), index_vector(indices), values, false);
+}
+
+void prefetchattr_function(py::handle, Args args) {
+    static const Signature<2> signature{"__prefetchattr", 2, {Name("obj"), Name("attrname")}};
+    const auto [object, name] = signature.parse(args);
+    prefetch_attribute(object, name);
+}
+
+py::object attrlist_function(py::handle, Args args) {
+    static const Signature<2> signature{"__attrlist", 2, {Name("cmodel"), Name("type")}};
+    const auto [cmodel, kind] = signature.parse(args);
+    return attribute_names(cmodel, to_int(kind, "type"));
+}
+
+PyMethodDef functions[] = {
+    {"__getattrinfo", method<attrinfo_function>, kKeywords,
+     "__getattrinfo($module, obj, attrname)\n--\n\n"
+     "Tuple (type, kind, settable) of an attribute: type 0 char, 1 int, 2 double, 3 string; kind 0 model, 1 Var, "
+     "2 Constr, 3 SOS, 4 QConstr, 5 GenConstr. Raises AttributeError for an unknown name."},
+    {"__getattr", method<getattr_function>, kKeywords,
+     "__getattr($module, obj, attrname)\n--\n\nValue of one attribute of a Model or a handle."},
+    {"__setattr", method<setattr_function>, kKeywords,
+     "__setattr($module, obj, attrname, newval)\n--\n\nSet one attribute of a Model or a handle."},
+    {"__gettypedattrlist", method<gettypedattrlist_function>, kKeywords,
+     "__gettypedattrlist($module, obj, attrname, attrtype, inputlist)\n--\n\n"
+     "List of the values of an attribute of the given type for a list of indices."},
+    {"__settypedattrlist", method<settypedattrlist_function>, kKeywords,
+     "__settypedattrlist($module, obj, attrname, attrtype, indlist, newval)\n--\n\n"
+     "Set an attribute of the given type for a list of indices to a sequence of values."},
+    {"__prefetchattr", method<prefetchattr_function>, kKeywords,
+     "__prefetchattr($module, obj, attrname)\n--\n\nTell the library that an attribute will be read."},
+    {"__attrlist", method<attrlist_function>, kKeywords,
+     "__attrlist($module, cmodel, type)\n--\n\nNames of all attributes of a kind of object, 0 for the model."},
+    {},
+};
+
+}  // namespace
+
+void init_attrutil(py::module_& module) {
+    this_module = module.ptr();
+    if (PyModule_AddFunctions(module.ptr(), functions)) throw PythonError{};
+}
+
+}  // namespace zelvanpy

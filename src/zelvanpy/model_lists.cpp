@@ -1,0 +1,368 @@
+// `Model`: the five lists of handles, from their building over update and removal to disposal.
+
+#include <algorithm>
+#include <climits>
+#include <iterator>
+
+#include "attrutil.h"
+#include "exception.h"
+#include "model.h"
+#include "pyargs.h"
+
+namespace zelvanpy {
+
+namespace {
+
+struct ListRow {
+    Kind kind;
+    PyObject* Model::* list;
+    int (*remove)(ZVNmodel*, int, const int*);
+    Py_ssize_t Model::* live;  // null for the kinds that keep neither count nor flag
+    bool Model::* deleted;
+    const char* pending_text;
+};
+
+const ListRow list_rows[] = {
+    {Kind::kVar, &Model::vars, ZVNdelvars, &Model::live_vars, &Model::deleted_vars,
+     "Tried to remove a variable that does not exist"},
+    {Kind::kConstr, &Model::constrs, ZVNdelconstrs, &Model::live_constrs, &Model::deleted_constrs,
+     "Tried to remove a constraint that does not exist"},
+    {Kind::kSos, &Model::sos, ZVNdelsos, nullptr, nullptr, "Tried to remove an SOS that does not exist"},
+    {Kind::kQConstr, &Model::qconstrs, ZVNdelqconstrs, nullptr, nullptr,
+     "Tried to remove a quadratic constraint that does not exist"},
+    {Kind::kGenConstr, &Model::genconstrs, ZVNdelgenconstrs, nullptr, nullptr,
+     "Tried to remove a general constraint that does not exist"},
+};
+
+const ListRow& list_row(Kind kind) { return list_rows[static_cast<int>(kind) - 1]; }
+
+Handle* handle_at(PyObject* list, Py_ssize_t i) { return as_handle(PyList_GET_ITEM(list, i)); }
+
+// The collector's first threshold raised to `count` for as long as this lives: nothing that the build of
+// a list makes is garbage.
+class RaisedThreshold {
+public:
+    explicit RaisedThreshold(long long count) : collector_(py::module_::import("gc")) {
+        old_ = collector_.attr("get_threshold")()[py::int_(0)].cast<int>();
+        collector_.attr("set_threshold")(
+            static_cast<int>(std::min<long long>(std::max<long long>(count, old_), INT_MAX)));
+    }
+    RaisedThreshold(const RaisedThreshold&) = delete;
+    void restore() {
+        restored_ = true;
+        collector_.attr("set_threshold")(old_);
+    }
+    ~RaisedThreshold() {
+        if (restored_) return;
+        PyObject *type, *value, *traceback;
+        PyErr_Fetch(&type, &value, &traceback);
+        Py_XDECREF(PyObject_CallMethod(collector_.ptr(), "set_threshold", "i", old_));
+        PyErr_Restore(type, value, traceback);
+    }
+
+private:
+    py::object collector_;
+    int old_ = 0;
+    bool restored_ = false;
+};
+
+int count_of(Model& model, const char* attribute) {
+    int count = 0;
+    check(ZVNgetintattr(model_pointer(model), attribute, &count), as_object(model));
+    return count;
+}
+
+py::object handle_list(Model& model, const ListRow& row, int count) {
+    py::object list = steal(PyList_New(count));
+    for (int i = 0; i < count; ++i)
+        PyList_SET_ITEM(list.ptr(), i, new_handle(*handle_kind(row.kind).type, model.cmodel, row.live ? i : -1));
+    return list;
+}
+
+// --- update
+
+void delete_in_library(Model& model, const ListRow& row, Handle* handle) {
+    const int index = handle->cindex();
+    check(row.remove(model_pointer(model), 1, &index), as_object(model));
+    handle->index = -2;
+}
+
+// A list without the handles that are marked or gone, the others numbered anew. The deletions are queued
+// by the numbers of the last update, which hold until the library's own update.
+void rebuild_list(Model& model, const ListRow& row) {
+    PyObject* old = model.*row.list;
+    py::object kept = steal(PyList_New(0));
+    for (Py_ssize_t i = 0; i < PyList_GET_SIZE(old); ++i) {
+        Handle* handle = handle_at(old, i);
+        if (handle->index < -2) {
+            delete_in_library(model, row, handle);
+        } else if (handle->index >= -1) {
+            handle->index = static_cast<int>(PyList_GET_SIZE(kept.ptr()));
+            checked(PyList_Append(kept.ptr(), PyList_GET_ITEM(old, i)));
+        }
+    }
+    model.*row.list = kept.release().ptr();
+    Py_DECREF(old);
+}
+
+void update_counted_list(Model& model, const ListRow& row) {
+    PyObject* list = model.*row.list;
+    for (Py_ssize_t i = model.*row.live; i < PyList_GET_SIZE(list); ++i) {
+        Handle* handle = handle_at(list, i);
+        if (handle->index >= -2) handle->index = static_cast<int>(i);
+    }
+    if (model.*row.deleted) {
+        rebuild_list(model, row);
+        model.*row.deleted = false;
+    }
+    model.*row.live = PyList_GET_SIZE(model.*row.list);
+}
+
+void update_plain_list(Model& model, const ListRow& row) {
+    PyObject* list = model.*row.list;
+    const Py_ssize_t size = PyList_GET_SIZE(list);
+    bool deleted = false;
+    for (Py_ssize_t i = 0; i < size && !deleted; ++i) deleted = handle_at(list, i)->index <= -2;
+    if (deleted) rebuild_list(model, row);
+    list = model.*row.list;
+    for (Py_ssize_t i = 0; i < PyList_GET_SIZE(list); ++i) handle_at(list, i)->index = static_cast<int>(i);
+}
+
+// Handles for the helper columns that the library made of range rows, which follow all other columns.
+void append_range_helpers(Model& model) {
+    const Py_ssize_t made = count_of(model, "NumVars") - PyList_GET_SIZE(model.vars);
+    for (Py_ssize_t i = 0; i < std::min<Py_ssize_t>(made, model.new_ranges); ++i) {
+        const int index = static_cast<int>(PyList_GET_SIZE(model.vars));
+        checked(PyList_Append(model.vars, steal(new_handle(Var_Type, model.cmodel, index)).ptr()));
+    }
+    model.live_vars = PyList_GET_SIZE(model.vars);
+    model.new_ranges = 0;
+}
+
+}  // namespace
+
+void model_update(Model& model) {
+    require_open(model);
+    for (const ListRow& row : list_rows) {
+        if (!(model.*row.list)) continue;
+        if (row.live)
+            update_counted_list(model, row);
+        else
+            update_plain_list(model, row);
+    }
+    model.update_mode = -1;
+    check(ZVNupdatemodel(model_pointer(model)), as_object(model));
+    if (model.new_ranges && model.vars) append_range_helpers(model);
+}
+
+void model_setup(Model& model, bool empty) {
+    if (model.vars) return;
+    if (!empty) require_open(model);
+    int counts[std::size(list_rows)] = {};
+    long long total = 0;
+    for (std::size_t i = 0; i < std::size(list_rows) && !empty; ++i) {
+        counts[i] = count_of(model, handle_kind(list_rows[i].kind).count_attr);
+        total += counts[i];
+    }
+    RaisedThreshold threshold(total);
+    py::object lists[std::size(list_rows)];
+    for (std::size_t i = 0; i < std::size(list_rows); ++i) lists[i] = handle_list(model, list_rows[i], counts[i]);
+    for (std::size_t i = 0; i < std::size(list_rows); ++i) {
+        const ListRow& row = list_rows[i];
+        model.*row.list = lists[i].release().ptr();
+        if (row.live) model.*row.live = counts[i];
+        if (row.deleted) model.*row.deleted = false;
+    }
+    call_own(model, "update", {});
+    threshold.restore();
+}
+
+int model_update_mode(Model& model) {
+    if (model.update_mode == -1) {
+        ZVNenv* env = ZVNgetenv(model_pointer(model));
+        check(ZVNgetintparaminfo(env, "UpdateMode", &model.update_mode, nullptr, nullptr, nullptr), model.env);
+    }
+    return model.update_mode;
+}
+
+void model_dispose(Model& model) {
+    if (model.cmodel == Py_None) return;
+    if (model.solving)
+        raise_zelvan(ZVN_ERROR_OPTIMIZATION_IN_PROGRESS, "The model can't be disposed of while it is being solved");
+    const py::object capsule = py::reinterpret_steal<py::object>(model.cmodel);
+    model.cmodel = none().release().ptr();
+    ZVNfreemodel(model_pointer(capsule));
+    // Handles that are in no list any more share the capsule, which tells them from now on.
+    invalidate_capsule(capsule);
+    for (const ListRow& row : list_rows) {
+        const py::object list = py::reinterpret_steal<py::object>(model.*row.list);
+        model.*row.list = nullptr;
+        for (Py_ssize_t i = 0; list && i < PyList_GET_SIZE(list.ptr()); ++i) {
+            Handle* handle = handle_at(list.ptr(), i);
+            handle->index = -1;
+            Py_INCREF(Py_None);
+            Py_XSETREF(handle->cmodel, Py_None);
+        }
+    }
+    const py::object uenv = py::reinterpret_steal<py::object>(model.uenv);
+    model.uenv = none().release().ptr();
+}
+
+namespace {
+
+void Model_update(Model& self) { model_update(self); }
+
+void Model_setup(Model& self, Args args) {
+    static const Signature<1> signature{"__setup", 0, {Name("empty")}};
+    const auto [empty] = signature.parse(args);
+    model_setup(self, empty && checked(PyObject_IsTrue(empty)));
+}
+
+PyObject* Model_getupdatemode(Model& self) { return PyLong_FromLong(model_update_mode(self)); }
+
+// --- reading the lists
+
+template <Kind K>
+py::object handle_by_position(Model& self, py::handle position) {
+    model_setup(self);
+    const Py_ssize_t i = PyNumber_AsSsize_t(position.ptr(), PyExc_IndexError);
+    if (i == -1 && PyErr_Occurred()) throw PythonError{};
+    PyObject* list = self.*list_row(K).list;
+    return steal(PySequence_GetItem(list, i < 0 ? i + PyList_GET_SIZE(list) : i));
+}
+
+template <Kind K>
+py::object live_handles(Model& self) {
+    model_setup(self);
+    return steal(PyList_GetSlice(self.*list_row(K).list, 0, self.*list_row(K).live));
+}
+
+template <Kind K>
+py::object numbered_handles(Model& self) {
+    model_setup(self);
+    PyObject* list = self.*list_row(K).list;
+    py::list handles;
+    for (Py_ssize_t i = 0; i < PyList_GET_SIZE(list); ++i)
+        if (handle_at(list, i)->cindex() >= 0) handles.append(py::handle(PyList_GET_ITEM(list, i)));
+    return handles;
+}
+
+template <Kind K, int (*Find)(ZVNmodel*, const char*, int*)>
+py::object handle_by_name(Model& self, const char* function, const Args& args) {
+    static const Signature<1> signature{function, 1, {Name("name")}};
+    const auto [name] = signature.parse(args);
+    model_setup(self);
+    int index = -1;
+    check(Find(model_pointer(self), CString(name), &index), as_object(self));
+    return index < 0 ? none() : steal(PySequence_GetItem(self.*list_row(K).list, index));
+}
+
+py::object Model_getVarByName(Model& self, Args args) {
+    return handle_by_name<Kind::kVar, ZVNgetvarbyname>(self, "getVarByName", args);
+}
+
+py::object Model_getConstrByName(Model& self, Args args) {
+    return handle_by_name<Kind::kConstr, ZVNgetconstrbyname>(self, "getConstrByName", args);
+}
+
+py::object Model_owns(Model& self, py::handle object) {
+    const py::object cmodel = object.attr("_cmodel");
+    return boolean(checked(PyObject_RichCompareBool(cmodel.ptr(), self.cmodel, Py_EQ)));
+}
+
+// --- removal
+
+void Model_removeone(Model& self, py::handle item) {
+    const HandleKind* kind = find_handle_kind(item.ptr());
+    if (!kind) raise_zelvan(-1, "Item to be removed not a Var, Constr, SOS, QConstr, or GenConstr");
+    Handle& handle = *as_handle(item);
+    if (!model_owns(self, &handle)) raise_zelvan(-1, "Item to be removed is not in model");
+    const ListRow& row = list_row(kind->kind);
+    if (handle.index == -1) raise_zelvan(-1, row.pending_text);
+    if (handle.index < -1) return;
+    handle.index = -3 - handle.index;
+    if (row.deleted) self.*row.deleted = true;
+}
+
+void remove_items(Model& self, py::handle items);
+
+void remove_one(Model& self, py::handle item) {
+    if (Py_TYPE(as_object(self)) == Model_Type)
+        remove_items(self, item);
+    else
+        call_own(self, "remove", item);
+}
+
+void remove_items(Model& self, py::handle items) {
+    PyObject* object = items.ptr();
+    if (PyList_Check(object) || PyTuple_Check(object)) {
+        if (Py_EnterRecursiveCall(" while removing a list of items")) throw PythonError{};
+        struct Leave {
+            ~Leave() { Py_LeaveRecursiveCall(); }
+        } leave;
+        for (py::handle item : py::reinterpret_borrow<py::object>(items)) remove_one(self, item);
+    } else if (PyDict_Check(object)) {
+        for (py::handle item : items.attr("values")()) remove_one(self, item);
+    } else {
+        Model_removeone(self, items);
+    }
+}
+
+void Model_remove(Model& self, Args args) {
+    static const Signature<1> signature{"remove", 1, {Name("items")}};
+    const auto [items] = signature.parse(args);
+    remove_items(self, items);
+}
+
+}  // namespace
+
+PyMethodDef model_list_methods[] = {
+    {"update", method<Model_update>, METH_NOARGS,
+     "update($self)\n--\n\n"
+     "Apply the queued changes: number new objects, delete removed ones.\n\n"
+     "Raises ZelvanError for a disposed model and when the library refuses."},
+    {"remove", method<Model_remove>, kKeywords,
+     "remove($self, items)\n--\n\n"
+     "Mark objects for removal at the next update.\n\n"
+     "items  a Var, Constr, SOS, QConstr or GenConstr, or a list, tuple or dict of them; removing one twice is no "
+     "error\n\n"
+     "Raises ZelvanError for anything else, for an object of another model and for one that waits for the update; "
+     "items before it stay marked."},
+    {"_removeone", method<Model_removeone>, METH_O,
+     "_removeone($self, item, /)\n--\n\nMark one object for removal at the next update."},
+    {"getVars", method<live_handles<Kind::kVar>>, METH_NOARGS,
+     "getVars($self)\n--\n\nA new list of the variables of the last update, in the order of their indices."},
+    {"getConstrs", method<live_handles<Kind::kConstr>>, METH_NOARGS,
+     "getConstrs($self)\n--\n\nA new list of the linear constraints of the last update, in the order of their "
+     "indices."},
+    {"getSOSs", method<numbered_handles<Kind::kSos>>, METH_NOARGS,
+     "getSOSs($self)\n--\n\nA new list of the SOS constraints of the last update."},
+    {"getQConstrs", method<numbered_handles<Kind::kQConstr>>, METH_NOARGS,
+     "getQConstrs($self)\n--\n\nA new list of the quadratic constraints of the last update."},
+    {"getGenConstrs", method<numbered_handles<Kind::kGenConstr>>, METH_NOARGS,
+     "getGenConstrs($self)\n--\n\nA new list of the general constraints of the last update."},
+    {"getVarByName", method<Model_getVarByName>, kKeywords,
+     "getVarByName($self, name)\n--\n\nThe variable of that name as of the last update, None when there is none."},
+    {"getConstrByName", method<Model_getConstrByName>, kKeywords,
+     "getConstrByName($self, name)\n--\n\n"
+     "The linear constraint of that name as of the last update, None when there is none."},
+    {"_owns", method<Model_owns>, METH_O,
+     "_owns($self, object, /)\n--\n\nWhether the object belongs to the same library model (bool)."},
+    {"_Model__setup", method<Model_setup>, kKeywords,
+     "__setup($self, empty=False)\n--\n\nBuild the lists of handles unless they are there."},
+    {"_Model__getupdatemode", method<Model_getupdatemode>, METH_NOARGS,
+     "__getupdatemode($self)\n--\n\nParameter UpdateMode (int) as of the last update."},
+    {"_Model__getVar", method<handle_by_position<Kind::kVar>>, METH_O,
+     "__getVar($self, j, /)\n--\n\nThe variable at a list position."},
+    {"_Model__getConstr", method<handle_by_position<Kind::kConstr>>, METH_O,
+     "__getConstr($self, i, /)\n--\n\nThe linear constraint at a list position."},
+    {"_Model__getSOS", method<handle_by_position<Kind::kSos>>, METH_O,
+     "__getSOS($self, s, /)\n--\n\nThe SOS constraint at a list position."},
+    {"_Model__getQConstr", method<handle_by_position<Kind::kQConstr>>, METH_O,
+     "__getQConstr($self, i, /)\n--\n\nThe quadratic constraint at a list position."},
+    {"_Model__getGenConstr", method<handle_by_position<Kind::kGenConstr>>, METH_O,
+     "__getGenConstr($self, i, /)\n--\n\nThe general constraint at a list position."},
+    {},
+};
+
+}  // namespace zelvanpy
