@@ -1,0 +1,138 @@
+// optimize(): from a model to the values of its solution.
+
+#include <algorithm>
+#include <cmath>
+#include <cstdio>
+#include <limits>
+
+#include "attr/attr.h"
+#include "core/error.h"
+#include "solve/run.h"
+#include "solve/solve.h"
+#include "solve/store.h"
+
+namespace zelvan {
+
+namespace {
+
+// Marks the model as being solved, whatever way the solve ends.
+class SolvingMark {
+public:
+    explicit SolvingMark(Model& model) : model_(model) {
+        bool expected = false;
+        if (!model.solving.compare_exchange_strong(expected, true))
+            throw Error(ZVN_ERROR_OPTIMIZATION_IN_PROGRESS, "The model is being solved already");
+        model.stop = false;
+        model.solution = Solution();
+        model.solution.status = ZVN_INPROGRESS;
+    }
+    ~SolvingMark() {
+        if (model_.solution.status == ZVN_INPROGRESS) model_.solution = Solution();
+        model_.solving = false;
+    }
+    SolvingMark(const SolvingMark&) = delete;
+    SolvingMark& operator=(const SolvingMark&) = delete;
+
+private:
+    Model& model_;
+};
+
+template <class... Values>
+std::string text(const char* format, Values... values) {
+    char line[256];
+    std::snprintf(line, sizeof line, format, values...);
+    return line;
+}
+
+void log_begin(Model& model) {
+    const ModelData& data = model.data;
+    const auto count = [&](char type, char other) {
+        return static_cast<int>(std::count(data.cols.type.begin(), data.cols.type.end(), type) +
+                                std::count(data.cols.type.begin(), data.cols.type.end(), other));
+    };
+    model.env.log(text("Zelvan optimizer version %d.%d.%d (%s)\n", ZVN_VERSION_MAJOR, ZVN_VERSION_MINOR,
+                       ZVN_VERSION_TECHNICAL, ZVNplatform()));
+    model.env.log(text("Optimize a model with %d rows, %d columns and %lld nonzeros\n", model.num_rows(),
+                       model.num_cols(), static_cast<long long>(data.rows.num_entries())));
+    if (!data.is_mip()) return;
+    model.env.log(text("Variable types: %d continuous, %d integer, %d semi-continuous or semi-integer\n",
+                       model.num_cols() - count('B', 'I') - count('S', 'N'), count('B', 'I'), count('S', 'N')));
+}
+
+void log_end(Model& model) {
+    constexpr const char* kNames[] = {
+        "",           "LOADED",     "OPTIMAL",     "INFEASIBLE",     "INF_OR_UNBD", "UNBOUNDED",
+        "CUTOFF",     "ITERATION_LIMIT", "NODE_LIMIT", "TIME_LIMIT", "SOLUTION_LIMIT", "INTERRUPTED",
+        "NUMERIC",    "SUBOPTIMAL", "INPROGRESS",  "USER_OBJ_LIMIT", "WORK_LIMIT",  "MEM_LIMIT"};
+    const Solution& solution = model.solution;
+    model.env.log(text("Ended with status %s after %.2f seconds (%.2f work units)\n", kNames[solution.status],
+                       solution.runtime, solution.work));
+    if (solution.obj_val != kUndefined) model.env.log(text("Objective %.10g\n", solution.obj_val));
+}
+
+// The objective may be no worse than Cutoff, as a row of a MIP.
+void add_cutoff(SolverModel& problem, double cutoff) {
+    SolverModel::Terms terms;
+    for (int j = 0; j < problem.num_cols(); ++j)
+        if (problem.cost[j] != 0.0) terms.emplace_back(j, problem.cost[j]);
+    constexpr double kInf = std::numeric_limits<double>::infinity();
+    const double side = cutoff - problem.offset;
+    problem.add_row(terms, problem.sense > 0 ? -kInf : side, problem.sense > 0 ? side : kInf);
+}
+
+// The start of a MIP that the user gave; NaN where a column has no value.
+std::vector<double> user_start(const ModelData& data) {
+    const auto found = data.cols.optional.find(static_cast<int>(Attr::Start));
+    if (found == data.cols.optional.end()) return {};
+    std::vector<double> x = found->second.values;
+    std::replace_if(x.begin(), x.end(), [](double value) { return value >= kInfinity; }, std::nan(""));
+    return x;
+}
+
+// Infeasible rather than cut off a MIP can't be told from its search: both end without a solution.
+int status_with_cutoff(int status, bool is_mip, double worse) {
+    if (is_mip) return status == ZVN_INFEASIBLE ? ZVN_CUTOFF : status;
+    return status == ZVN_OPTIMAL && worse > 0.0 ? ZVN_CUTOFF : status;
+}
+
+void store_counts(const Run& run, Solution& solution) {
+    solution.runtime = run.monitor.elapsed();
+    solution.work = run.work;
+    solution.iterations = run.iterations;
+    solution.barrier_iterations = run.barrier_iterations;
+    solution.nodes = run.nodes;
+}
+
+
+Solution solve_single(Model& model) {
+    const ParamValues& params = model.env.params;
+    const ModelData& data = model.data;
+    SolverModel problem(data);
+    Solution solution;
+    solution.is_mip = problem.is_mip();
+    const double cutoff = params.get_dbl(Param::Cutoff);
+    const bool has_cutoff = std::abs(cutoff) < kInfinityThreshold;
+    if (has_cutoff && solution.is_mip) add_cutoff(problem, cutoff);
+
+    Run run(model);
+    SolverResult result = run.solve(problem, user_start(data));
+    solution.status = run.status_of(result);
+    if (has_cutoff)
+        solution.status =
+            status_with_cutoff(solution.status, solution.is_mip, data.sense * (result.objective - cutoff));
+    store_counts(run, solution);
+    store_result(data, std::move(result), solution);
+    store_pool(data, run.monitor.take_solutions(), params, solution);
+    return solution;
+}
+
+}  // namespace
+
+void optimize(Model& model) {
+    SolvingMark mark(model);
+    log_begin(model);
+    model.solution = solve_single(model);
+    log_end(model);
+}
+
+}  // namespace zelvan

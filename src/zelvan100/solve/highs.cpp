@@ -1,0 +1,394 @@
+#include "solve/highs.h"
+
+#include <interfaces/highs_c_api.h>
+#include <unistd.h>
+
+#include <algorithm>
+#include <bit>
+#include <cmath>
+#include <cstring>
+
+#include "core/error.h"
+
+namespace zelvan {
+
+namespace {
+
+// Numbers of HighsModelStatus that the C interface doesn't name.
+constexpr int kModelStatusMemoryLimit = 18;
+constexpr int kModelStatusHighsInterrupt = 19;
+// Violation up to which an old solution is given to a changed MIP.
+constexpr double kStartTolerance = 1e-6;
+// HighsLogType of error lines.
+constexpr int kLogError = 5;
+
+// HiGHS keeps one scheduler for each thread that calls it, whose size is fixed while it lives.
+struct Scheduler {
+    int threads = -1;  // as asked for; -1 before the first solve on this thread
+    int running = 0;   // solves on this thread, one within a callback of the other
+    pid_t process = 0;
+
+    // Number to pass as the option `threads`. A solve inside another one has to take what is there.
+    int enter(int wanted) {
+        const bool forked = process != getpid();
+        if (running == 0 || forked) {
+            // After a fork the scheduler's threads are gone: joining them would wait for ever.
+            if (threads >= 0 && (forked || threads != wanted)) Highs_resetGlobalScheduler(forked ? 0 : 1);
+            threads = wanted;
+            process = getpid();
+        }
+        ++running;
+        return threads == wanted ? wanted : 0;
+    }
+    void leave() { --running; }
+};
+thread_local Scheduler scheduler;
+
+std::uint64_t mix(std::uint64_t hash, std::uint64_t word) {
+    hash = (hash ^ word) * 0x9e3779b97f4a7c15u;
+    return hash ^ (hash >> 32);
+}
+
+std::uint64_t hash_matrix(const SolverModel& model) {
+    std::uint64_t hash = mix(model.num_cols(), model.num_rows());
+    for (int start : model.start) hash = mix(hash, start);
+    for (int k = 0; k < model.num_entries(); ++k)
+        hash = mix(hash, std::bit_cast<std::uint64_t>(model.val()[k]) + model.col()[k]);
+    return hash;
+}
+
+// First and last position where two arrays of one length differ; first > last when they are equal.
+template <class T>
+std::pair<int, int> differing(const std::vector<T>& a, const std::vector<T>& b) {
+    int first = 0, last = static_cast<int>(a.size()) - 1;
+    while (first <= last && a[first] == b[first]) ++first;
+    while (last >= first && a[last] == b[last]) --last;
+    return {first, last};
+}
+
+std::pair<int, int> joined(std::pair<int, int> a, std::pair<int, int> b) {
+    if (a.first > a.second) return b;
+    if (b.first > b.second) return a;
+    return {std::min(a.first, b.first), std::max(a.second, b.second)};
+}
+
+std::vector<HighsInt> integrality(const std::vector<char>& integer) {
+    return {integer.begin(), integer.end()};
+}
+
+Outcome outcome_of(int status) {
+    switch (status) {
+        case kHighsModelStatusOptimal:
+            return Outcome::kOptimal;
+        case kHighsModelStatusInfeasible:
+            return Outcome::kInfeasible;
+        case kHighsModelStatusUnboundedOrInfeasible:
+            return Outcome::kInfeasibleOrUnbounded;
+        case kHighsModelStatusUnbounded:
+            return Outcome::kUnbounded;
+        case kHighsModelStatusTimeLimit:
+            return Outcome::kTimeLimit;
+        case kHighsModelStatusIterationLimit:
+            return Outcome::kIterationLimit;
+        case kHighsModelStatusSolutionLimit:
+            return Outcome::kSolutionLimit;
+        case kHighsModelStatusInterrupt:
+        case kModelStatusHighsInterrupt:
+            return Outcome::kStopped;
+        case kModelStatusMemoryLimit:
+            return Outcome::kMemory;
+        default:
+            return Outcome::kUnknown;
+    }
+}
+
+double double_info(const void* highs, const char* name) {
+    double value = 0.0;
+    Highs_getDoubleInfoValue(highs, name, &value);
+    return value;
+}
+
+int int_info(const void* highs, const char* name) {
+    HighsInt value = 0;
+    Highs_getIntInfoValue(highs, name, &value);
+    return value;
+}
+
+}  // namespace
+
+struct HighsSession::Callback {
+    static Progress progress_of(int type, const HighsCallbackDataOut& data) {
+        Progress progress;
+        progress.is_mip = type == kHighsCallbackMipInterrupt;
+        progress.iterations =
+            progress.is_mip ? static_cast<double>(data.mip_total_lp_iterations) : data.simplex_iteration_count;
+        progress.barrier_iterations = data.ipm_iteration_count;
+        progress.nodes = static_cast<double>(data.mip_node_count);
+        progress.primal_bound = data.mip_primal_bound;
+        progress.dual_bound = data.mip_dual_bound;
+        return progress;
+    }
+
+    // The answer is whether the solve must end.
+    static bool dispatch(HighsSession& session, int type, const char* message, const HighsCallbackDataOut& data) {
+        switch (type) {
+            case kHighsCallbackLogging:
+                if (data.log_type == kLogError) {
+                    std::lock_guard lock(session.mutex_);
+                    session.fault_ = message;
+                }
+                session.events_->log(message);
+                return false;
+            case kHighsCallbackMipImprovingSolution:
+                session.events_->incumbent(data.objective_function_value, data.mip_solution);
+                return false;
+            default:
+                return session.failed_ || session.events_->stop(progress_of(type, data));
+        }
+    }
+
+    static void call(int type, const char* message, const HighsCallbackDataOut* data, HighsCallbackDataIn* answer,
+                     void* user) {
+        HighsSession& session = *static_cast<HighsSession*>(user);
+        bool stop = false;
+        try {
+            stop = session.events_ && dispatch(session, type, message, *data);
+        } catch (...) {
+            std::lock_guard lock(session.mutex_);
+            if (!session.thrown_) session.thrown_ = std::current_exception();
+            stop = session.failed_ = true;
+        }
+        const bool asks = type == kHighsCallbackSimplexInterrupt || type == kHighsCallbackIpmInterrupt ||
+                          type == kHighsCallbackMipInterrupt;
+        // HiGHS keeps the answer of the last call, so it is given each time.
+        answer->user_interrupt = asks && stop;
+    }
+};
+
+HighsSession::HighsSession() : highs_(Highs_create()) {
+    if (!highs_) throw std::bad_alloc();
+    set_option("log_to_console", false);
+    check(Highs_setCallback(highs_, &Callback::call, this), "set the callback");
+    for (int type : {kHighsCallbackLogging, kHighsCallbackSimplexInterrupt, kHighsCallbackIpmInterrupt,
+                     kHighsCallbackMipInterrupt, kHighsCallbackMipImprovingSolution})
+        check(Highs_startCallback(highs_, type), "start the callback");
+}
+
+HighsSession::~HighsSession() { Highs_destroy(highs_); }
+
+void HighsSession::attach(SolveEvents* events) { events_ = events; }
+
+void HighsSession::check(int status, const char* what) {
+    if (status != kHighsStatusError) return;
+    while (!fault_.empty() && std::isspace(static_cast<unsigned char>(fault_.back()))) fault_.pop_back();
+    throw Error(ZVN_ERROR_INTERNAL, std::string("HiGHS failed to ") + what + (fault_.empty() ? "" : ": ") + fault_);
+}
+
+void HighsSession::set_option(const char* name, bool value) { check(Highs_setBoolOptionValue(highs_, name, value), name); }
+
+void HighsSession::set_option(const char* name, int value) { check(Highs_setIntOptionValue(highs_, name, value), name); }
+
+void HighsSession::set_option(const char* name, double value) {
+    check(Highs_setDoubleOptionValue(highs_, name, value), name);
+}
+
+void HighsSession::set_option(const char* name, const char* value) {
+    check(Highs_setStringOptionValue(highs_, name, value), name);
+}
+
+void HighsSession::load(const SolverModel& model) {
+    const std::uint64_t hash = hash_matrix(model);
+    const bool same_matrix = loaded_ && hash == matrix_hash_ && cost_.size() == model.cost.size() &&
+                             row_lower_.size() == model.row_lower.size();
+    loaded_ = false;  // unless all below succeeds
+    if (same_matrix)
+        pass_changes(model);
+    else
+        pass(model);
+    if (model.is_mip() && incumbent_.size() == model.cost.size() && model.is_feasible(incumbent_, kStartTolerance))
+        set_start(incumbent_);
+    sense_ = model.sense;
+    offset_ = model.offset;
+    cost_ = model.cost;
+    lb_ = model.lb;
+    ub_ = model.ub;
+    row_lower_ = model.row_lower;
+    row_upper_ = model.row_upper;
+    integer_ = model.integer;
+    matrix_hash_ = hash;
+    loaded_ = true;
+}
+
+void HighsSession::pass(const SolverModel& model) {
+    const std::vector<HighsInt> types = model.is_mip() ? integrality(model.integer) : std::vector<HighsInt>();
+    check(Highs_passModel(highs_, model.num_cols(), model.num_rows(), model.num_entries(), 0,
+                          kHighsMatrixFormatRowwise, kHighsHessianFormatTriangular, model.sense, model.offset,
+                          model.cost.data(), model.lb.data(), model.ub.data(), model.row_lower.data(),
+                          model.row_upper.data(), model.start.data(), model.col(), model.val(), nullptr, nullptr,
+                          nullptr, types.empty() ? nullptr : types.data()),
+          "take the model");
+    // A grown model goes on from the old basis, new rows basic and new columns at a bound.
+    const std::size_t num_cols = model.cost.size(), num_rows = model.row_lower.size();
+    Basis basis = std::move(basis_);
+    basis_ = Basis();
+    if (basis.cols.empty() || basis.cols.size() > num_cols || basis.rows.size() > num_rows) return;
+    for (std::size_t j = basis.cols.size(); j < num_cols; ++j)
+        basis.cols.push_back(std::isfinite(model.lb[j])   ? ZVN_NONBASIC_LOWER
+                             : std::isfinite(model.ub[j]) ? ZVN_NONBASIC_UPPER
+                                                          : ZVN_SUPERBASIC);
+    basis.rows.resize(num_rows, ZVN_BASIC);
+    set_basis(basis);
+}
+
+void HighsSession::pass_changes(const SolverModel& model) {
+    if (model.sense != sense_) check(Highs_changeObjectiveSense(highs_, model.sense), "change the sense");
+    if (model.offset != offset_) check(Highs_changeObjectiveOffset(highs_, model.offset), "change the offset");
+    if (const auto [first, last] = differing(cost_, model.cost); first <= last)
+        check(Highs_changeColsCostByRange(highs_, first, last, &model.cost[first]), "change costs");
+    if (const auto [first, last] = joined(differing(lb_, model.lb), differing(ub_, model.ub)); first <= last)
+        check(Highs_changeColsBoundsByRange(highs_, first, last, &model.lb[first], &model.ub[first]), "change bounds");
+    if (const auto [first, last] = joined(differing(row_lower_, model.row_lower),
+                                          differing(row_upper_, model.row_upper));
+        first <= last)
+        check(Highs_changeRowsBoundsByRange(highs_, first, last, &model.row_lower[first], &model.row_upper[first]),
+              "change row sides");
+    if (model.integer == integer_) return;
+    if (!model.is_mip()) {
+        check(Highs_clearIntegrality(highs_), "clear the integrality");
+    } else {
+        const std::vector<HighsInt> types = integrality(model.integer);
+        check(Highs_changeColsIntegralityByRange(highs_, 0, model.num_cols() - 1, types.data()), "change types");
+    }
+}
+
+void HighsSession::change_costs(const std::vector<double>& cost, double offset) {
+    check(Highs_changeObjectiveOffset(highs_, offset), "change the offset");
+    check(Highs_changeColsCostByRange(highs_, 0, static_cast<int>(cost.size()) - 1, cost.data()), "change costs");
+    cost_ = cost;
+    offset_ = offset;
+}
+
+void HighsSession::forget_basis() {
+    check(Highs_clearSolver(highs_), "clear the basis");
+    basis_ = Basis();
+    incumbent_.clear();
+}
+
+bool HighsSession::set_basis(const Basis& basis) {
+    if (basis.rows.empty()) return false;
+    const auto translated = [](const std::vector<int>& statuses) {
+        std::vector<HighsInt> highs;
+        highs.reserve(statuses.size());
+        for (int status : statuses)
+            highs.push_back(status == ZVN_BASIC            ? kHighsBasisStatusBasic
+                            : status == ZVN_NONBASIC_LOWER ? kHighsBasisStatusLower
+                            : status == ZVN_NONBASIC_UPPER ? kHighsBasisStatusUpper
+                                                           : kHighsBasisStatusZero);
+        return highs;
+    };
+    return Highs_setBasis(highs_, translated(basis.cols).data(), translated(basis.rows).data()) != kHighsStatusError;
+}
+
+bool HighsSession::set_start(const std::vector<double>& x) {
+    std::vector<HighsInt> index;
+    std::vector<double> value;
+    for (int j = 0; j < static_cast<int>(x.size()); ++j) {
+        if (std::isnan(x[j])) continue;
+        index.push_back(j);
+        value.push_back(x[j]);
+    }
+    return Highs_setSparseSolution(highs_, static_cast<HighsInt>(index.size()), index.data(), value.data()) !=
+           kHighsStatusError;
+}
+
+SolverResult HighsSession::run(int threads) {
+    thrown_ = nullptr;
+    failed_ = false;
+    fault_.clear();
+    set_option("threads", scheduler.enter(threads));
+    Highs_zeroAllClocks(highs_);  // they run on over several solves, and the time limit with them
+    const int status = Highs_run(highs_);
+    scheduler.leave();
+    if (thrown_) std::rethrow_exception(thrown_);
+    const int model_status = Highs_getModelStatus(highs_);
+    if (status == kHighsStatusError && model_status != kModelStatusMemoryLimit) check(status, "solve the model");
+    return fetch();
+}
+
+std::vector<int> HighsSession::basis_statuses(const std::vector<int>& highs, const double* lower,
+                                              const double* upper) const {
+    std::vector<int> statuses;
+    statuses.reserve(highs.size());
+    for (std::size_t i = 0; i < highs.size(); ++i) {
+        switch (highs[i]) {
+            case kHighsBasisStatusBasic:
+                statuses.push_back(ZVN_BASIC);
+                break;
+            case kHighsBasisStatusLower:
+                statuses.push_back(ZVN_NONBASIC_LOWER);
+                break;
+            case kHighsBasisStatusUpper:
+                statuses.push_back(ZVN_NONBASIC_UPPER);
+                break;
+            case kHighsBasisStatusZero:
+                statuses.push_back(ZVN_SUPERBASIC);
+                break;
+            default:  // nonbasic, HiGHS doesn't say where
+                statuses.push_back(std::isfinite(lower[i])   ? ZVN_NONBASIC_LOWER
+                                   : std::isfinite(upper[i]) ? ZVN_NONBASIC_UPPER
+                                                             : ZVN_SUPERBASIC);
+        }
+    }
+    return statuses;
+}
+
+SolverResult HighsSession::fetch() {
+    const std::size_t num_cols = cost_.size(), num_rows = row_lower_.size();
+    SolverResult result;
+    result.outcome = outcome_of(Highs_getModelStatus(highs_));
+    result.objective = double_info(highs_, "objective_function_value");
+    result.bound = double_info(highs_, "mip_dual_bound");
+    result.iterations = int_info(highs_, "simplex_iteration_count") +
+                        static_cast<double>(std::max(0, int_info(highs_, "crossover_iteration_count")));
+    result.barrier_iterations = std::max(0, int_info(highs_, "ipm_iteration_count"));
+    std::int64_t nodes = 0;
+    Highs_getInt64InfoValue(highs_, "mip_node_count", &nodes);
+    result.nodes = static_cast<double>(std::max<std::int64_t>(0, nodes));
+
+    if (int_info(highs_, "primal_solution_status") == kHighsSolutionStatusFeasible) {
+        result.x.resize(num_cols);
+        result.row_activity.resize(num_rows);
+        if (int_info(highs_, "dual_solution_status") == kHighsSolutionStatusFeasible) {
+            result.rc.resize(num_cols);
+            result.pi.resize(num_rows);
+        }
+        check(Highs_getSolution(highs_, result.x.data(), result.rc.empty() ? nullptr : result.rc.data(),
+                                result.row_activity.data(), result.rc.empty() ? nullptr : result.pi.data()),
+              "give the solution");
+    }
+    if (int_info(highs_, "basis_validity") == kHighsBasisValidityValid) {
+        std::vector<HighsInt> cols(num_cols), rows(num_rows);
+        check(Highs_getBasis(highs_, cols.data(), rows.data()), "give the basis");
+        result.basis.cols = basis_statuses(cols, lb_.data(), ub_.data());
+        result.basis.rows = basis_statuses(rows, row_lower_.data(), row_upper_.data());
+    }
+    basis_ = result.basis;
+    incumbent_ = result.basis.cols.empty() ? result.x : std::vector<double>();
+    return result;
+}
+
+std::vector<double> HighsSession::dual_ray() {
+    HighsInt found = 0;
+    std::vector<double> ray(row_lower_.size());
+    check(Highs_getDualRay(highs_, &found, ray.data()), "compute a dual ray");
+    return found ? ray : std::vector<double>();
+}
+
+std::vector<double> HighsSession::primal_ray() {
+    HighsInt found = 0;
+    std::vector<double> ray(cost_.size());
+    check(Highs_getPrimalRay(highs_, &found, ray.data()), "compute a primal ray");
+    return found ? ray : std::vector<double>();
+}
+
+}  // namespace zelvan

@@ -1,0 +1,124 @@
+#pragma once
+// The kept HiGHS instance of a model. Only highs.cpp calls HiGHS.
+
+#include <atomic>
+#include <cstdint>
+#include <exception>
+#include <mutex>
+#include <string>
+#include <string_view>
+#include <vector>
+
+#include "solve/solver_model.h"
+
+namespace zelvan {
+
+// How far a running solve is. Counts of the kind of solve that isn't running are 0.
+struct Progress {
+    double iterations = 0.0;  // simplex
+    double barrier_iterations = 0.0;
+    double nodes = 0.0;
+    bool is_mip = false;
+    double primal_bound = 0.0, dual_bound = 0.0;  // of a MIP, infinite while there is none
+};
+
+// What a solve tells while it runs, on any thread. An exception ends the solve and leaves run().
+class SolveEvents {
+public:
+    virtual ~SolveEvents() = default;
+    virtual void log(std::string_view text) = 0;
+    // Whether the solve must end. Called often.
+    virtual bool stop(const Progress& progress) = 0;
+    // A MIP solution better than those before; x has all columns of the solver model.
+    virtual void incumbent(double objective, const double* x) = 0;
+};
+
+enum class Outcome {
+    kOptimal,
+    kInfeasible,
+    kInfeasibleOrUnbounded,
+    kUnbounded,
+    kTimeLimit,
+    kIterationLimit,
+    kSolutionLimit,  // of solutions or nodes
+    kStopped,        // by SolveEvents::stop
+    kMemory,
+    kUnknown,
+};
+
+// Statuses as in zelvan100.h; those of a row tell at which of its sides it is.
+struct Basis {
+    std::vector<int> cols, rows;
+};
+
+struct SolverResult {
+    Outcome outcome = Outcome::kUnknown;
+    double objective = 0.0, bound = 0.0;
+    double iterations = 0.0, nodes = 0.0;  // iterations of simplex and crossover
+    int barrier_iterations = 0;
+    std::vector<double> x, row_activity;  // empty without a feasible point
+    std::vector<double> rc, pi;           // empty unless dual feasible
+    Basis basis;                          // empty when there is none
+};
+
+class HighsSession {
+public:
+    HighsSession();
+    ~HighsSession();
+    HighsSession(const HighsSession&) = delete;
+    HighsSession& operator=(const HighsSession&) = delete;
+
+    // Where the calls below report to, until the next call. nullptr silences them.
+    void attach(SolveEvents* events);
+
+    void set_option(const char* name, bool value);
+    void set_option(const char* name, int value);
+    void set_option(const char* name, double value);
+    void set_option(const char* name, const char* value);
+
+    // Hands the model over; after the first call only what differs. The basis stays, and the latest
+    // solution of a MIP where it is still feasible.
+    void load(const SolverModel& model);
+    // Costs of all columns for a further solve of the loaded model.
+    void change_costs(const std::vector<double>& cost, double offset);
+    void forget_basis();
+    // Refused, with the answer false, when it doesn't fit the model.
+    bool set_basis(const Basis& basis);
+    // A point for a MIP to begin with, NaN where a column has no value. Refused as set_basis.
+    bool set_start(const std::vector<double>& x);
+
+    // `threads` 0 leaves their number to HiGHS.
+    SolverResult run(int threads);
+
+    // Certificates after an infeasible or unbounded LP, empty when there is none.
+    std::vector<double> dual_ray();
+    std::vector<double> primal_ray();
+
+private:
+    struct Callback;  // what HiGHS calls
+
+    void check(int status, const char* what);
+    void pass(const SolverModel& model);
+    void pass_changes(const SolverModel& model);
+    SolverResult fetch();
+    std::vector<int> basis_statuses(const std::vector<int>& highs, const double* lower, const double* upper) const;
+
+    void* highs_;
+    SolveEvents* events_ = nullptr;
+    std::atomic<bool> failed_{false};
+    std::mutex mutex_;           // guards the two below: HiGHS calls back on several threads
+    std::exception_ptr thrown_;  // by events_, set when failed_ is
+    std::string fault_;          // the latest error line of the log
+
+    // What HiGHS holds, to find what differs in the next model. The matrix is known by its hash.
+    bool loaded_ = false;
+    int sense_ = 1;
+    double offset_ = 0.0;
+    std::vector<double> cost_, lb_, ub_, row_lower_, row_upper_;
+    std::vector<char> integer_;
+    std::uint64_t matrix_hash_ = 0;
+    Basis basis_;                    // of the latest LP solve
+    std::vector<double> incumbent_;  // of the latest MIP solve
+};
+
+}  // namespace zelvan

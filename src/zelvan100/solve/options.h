@@ -1,0 +1,12 @@
+#pragma once
+
+#include "param/param.h"
+#include "solve/highs.h"
+
+namespace zelvan {
+
+// The parameters that HiGHS has options for. Limits of time and of what is counted across several runs
+// are set by the driver.
+void set_options(HighsSession& session, const ParamValues& params, const SolverModel& model);
+
+}  // namespace zelvan

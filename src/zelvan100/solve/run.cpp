@@ -1,0 +1,111 @@
+#include "solve/run.h"
+
+#include <algorithm>
+#include <limits>
+
+#include "core/error.h"
+#include "solve/options.h"
+
+namespace zelvan {
+
+bool is_trivial(const SolverModel& problem) { return problem.num_cols() == 0 || problem.has_empty_range(); }
+
+SolverResult solve_trivial(const SolverModel& problem, double tolerance) {
+    SolverResult result;
+    result.outcome = Outcome::kInfeasible;
+    if (problem.has_empty_range()) return result;
+    for (int i = 0; i < problem.num_rows(); ++i)
+        if (problem.row_lower[i] > tolerance || problem.row_upper[i] < -tolerance) return result;
+    result.outcome = Outcome::kOptimal;
+    result.objective = result.bound = problem.offset;
+    result.row_activity.assign(problem.num_rows(), 0.0);
+    result.pi.assign(problem.num_rows(), 0.0);
+    result.basis.rows.assign(problem.num_rows(), ZVN_BASIC);
+    return result;
+}
+
+Run::Run(Model& model) : monitor(model), model_(model), params_(model.env.params) {
+    if (!model_.session) model_.session = std::make_shared<HighsSession>();
+    session().attach(&monitor);
+    const bool shown = params_.get_int(Param::OutputFlag) && (params_.get_int(Param::LogToConsole) || model.env.log_file);
+    session().set_option("output_flag", shown);
+}
+
+Run::~Run() { session().attach(nullptr); }
+
+SolverResult Run::solve(const SolverModel& problem, const std::vector<double>& start) {
+    monitor.begin_run(problem);
+    SolverResult result;
+    result.outcome = Outcome::kStopped;
+    if (monitor.stop(Progress())) return result;
+    if (is_trivial(problem)) return solve_trivial(problem, params_.get_dbl(Param::FeasibilityTol));
+    result.outcome = Outcome::kTimeLimit;
+    if (monitor.time_left() <= 0.0) return result;
+
+    set_options(session(), params_, problem);
+    if (params_.get_int(Param::LPWarmStart) == 0) session().forget_basis();
+    session().load(problem);
+    if (!start.empty() && problem.is_mip() && !session().set_start(start))
+        monitor.log("The start of the MIP is outside of bounds and not used\n");
+    result = run_loaded();
+    const bool must_know = params_.get_int(Param::DualReductions) == 0 || params_.get_int(Param::InfUnbdInfo) != 0;
+    if (result.outcome == Outcome::kInfeasibleOrUnbounded && must_know) result = tell_apart(problem);
+    return result;
+}
+
+SolverResult Run::run_loaded() {
+    session().set_option("time_limit", monitor.time_left());
+    SolverResult result = session().run(params_.get_int(Param::Threads));
+    monitor.flush_log();
+    add_counts(result);
+    monitor.begin_count(work, iterations);
+    if (result.outcome == Outcome::kMemory)
+        throw Error(ZVN_ERROR_OUT_OF_MEMORY, "HiGHS ran out of memory during the solve");
+    return result;
+}
+
+// A model without optimum is unbounded when it has a feasible point.
+SolverResult Run::tell_apart(const SolverModel& problem) {
+    monitor.log("Solving without objective to tell infeasible from unbounded\n");
+    session().change_costs(std::vector<double>(problem.cost.size(), 0.0), 0.0);
+    SolverResult result = run_loaded();
+    session().change_costs(problem.cost, problem.offset);
+    if (result.outcome == Outcome::kOptimal) result.outcome = Outcome::kUnbounded;
+    return result;
+}
+
+void Run::add_counts(const SolverResult& result) {
+    Progress done;
+    done.iterations = result.iterations;
+    done.barrier_iterations = result.barrier_iterations;
+    done.nodes = result.nodes;
+    work = monitor.work_of(done);
+    iterations += result.iterations;
+    nodes += result.nodes;
+    barrier_iterations += result.barrier_iterations;
+}
+
+int Run::status_of(const SolverResult& result) const {
+    switch (result.outcome) {
+        case Outcome::kOptimal:
+            return ZVN_OPTIMAL;
+        case Outcome::kInfeasible:
+            return ZVN_INFEASIBLE;
+        case Outcome::kInfeasibleOrUnbounded:
+            return ZVN_INF_OR_UNBD;
+        case Outcome::kUnbounded:
+            return ZVN_UNBOUNDED;
+        case Outcome::kTimeLimit:
+            return ZVN_TIME_LIMIT;
+        case Outcome::kIterationLimit:
+            return ZVN_ITERATION_LIMIT;
+        case Outcome::kSolutionLimit:
+            return monitor.num_solutions() >= params_.get_int(Param::SolutionLimit) ? ZVN_SOLUTION_LIMIT
+                                                                                    : ZVN_NODE_LIMIT;
+        default:
+            if (monitor.stop_status()) return monitor.stop_status();
+            return result.x.empty() ? ZVN_NUMERIC : ZVN_SUBOPTIMAL;
+    }
+}
+
+}  // namespace zelvan

@@ -1,0 +1,42 @@
+#pragma once
+// The solves of one call of optimize() on the model's HiGHS session.
+
+#include "core/model.h"
+#include "solve/highs.h"
+#include "solve/monitor.h"
+
+namespace zelvan {
+
+class Run {
+public:
+    explicit Run(Model& model);
+    ~Run();
+    Run(const Run&) = delete;
+    Run& operator=(const Run&) = delete;
+
+    Monitor monitor;
+    // Counts over all solves so far.
+    double work = 0.0, iterations = 0.0, nodes = 0.0;
+    int barrier_iterations = 0;
+
+    // Solves with the parameters of the model's environment. `start` is a point for a MIP to begin with,
+    // empty for none.
+    SolverResult solve(const SolverModel& problem, const std::vector<double>& start = {});
+    // The value of the attribute Status that the outcome means.
+    int status_of(const SolverResult& result) const;
+    HighsSession& session() { return *model_.session; }
+
+private:
+    SolverResult run_loaded();
+    SolverResult tell_apart(const SolverModel& problem);
+    void add_counts(const SolverResult& result);
+
+    Model& model_;
+    const ParamValues& params_;
+};
+
+// A model without columns, or with a range that holds no value: solved without HiGHS.
+bool is_trivial(const SolverModel& problem);
+SolverResult solve_trivial(const SolverModel& problem, double tolerance);
+
+}  // namespace zelvan

@@ -1,0 +1,119 @@
+#include "solve/solver_model.h"
+
+#include <algorithm>
+#include <cmath>
+#include <limits>
+
+#include "core/error.h"
+
+namespace zelvan {
+
+namespace {
+
+// Values that HiGHS refuses, or would read as infinite.
+constexpr double kLargestCoefficient = 1e15;
+constexpr double kLargestCost = 1e20;
+
+// HiGHS means the infinity of doubles.
+double with_infinity(double value) {
+    return std::abs(value) >= kInfinityThreshold ? std::copysign(std::numeric_limits<double>::infinity(), value) : value;
+}
+
+void check_matrix(const ModelData& data) {
+    const Rows& rows = data.rows;
+    if (rows.num_entries() > std::numeric_limits<int>::max())
+        throw Error(ZVN_ERROR_EXCEED_2B_NONZEROS, "The model has more than 2147483647 nonzeros");
+    for (int i = 0; i < rows.size(); ++i) {
+        for (std::int64_t k = rows.start[i]; k < rows.start[i + 1]; ++k) {
+            if (std::abs(rows.val[k]) < kLargestCoefficient) continue;
+            throw Error(ZVN_ERROR_NUMERIC, "The coefficient of variable '" + data.col_name(rows.col[k]) +
+                                               "' in constraint '" + data.row_name(i) +
+                                               "' is too large to solve with: at most 1e15 is possible");
+        }
+    }
+}
+
+}  // namespace
+
+SolverModel::SolverModel(const ModelData& data)
+    : sense(data.sense),
+      offset(data.obj_constant),
+      cost(data.cols.obj),
+      lb(data.cols.lb),
+      ub(data.cols.ub),
+      integer(data.cols.size(), 0),
+      start(data.rows.start.begin(), data.rows.start.end()),
+      model_col_(data.rows.col.data()),
+      model_val_(data.rows.val.data()) {
+    check_matrix(data);
+    for (int j = 0; j < num_cols(); ++j) {
+        if (std::abs(cost[j]) >= kLargestCost)
+            throw Error(ZVN_ERROR_NUMERIC, "The objective coefficient of variable '" + data.col_name(j) +
+                                               "' is too large to solve with: less than 1e20 is possible");
+        lb[j] = with_infinity(lb[j]);
+        ub[j] = with_infinity(ub[j]);
+        const char type = data.cols.type[j];
+        integer[j] = type == 'B' || type == 'I' || type == 'N';
+        if (type != 'B') continue;
+        lb[j] = std::max(lb[j], 0.0);
+        ub[j] = std::min(ub[j], 1.0);
+    }
+    row_lower.reserve(data.rows.size());
+    row_upper.reserve(data.rows.size());
+    for (int i = 0; i < data.rows.size(); ++i) {
+        const auto [lower, upper] = data.rows.sides(i);
+        row_lower.push_back(with_infinity(lower));
+        row_upper.push_back(with_infinity(upper));
+    }
+}
+
+bool SolverModel::is_mip() const {
+    return std::any_of(integer.begin(), integer.end(), [](char value) { return value != 0; });
+}
+
+bool SolverModel::has_empty_range() const {
+    constexpr double kInf = std::numeric_limits<double>::infinity();
+    const auto has = [](const std::vector<double>& values, double value) {
+        return std::find(values.begin(), values.end(), value) != values.end();
+    };
+    return has(lb, kInf) || has(ub, -kInf) || has(row_lower, kInf) || has(row_upper, -kInf);
+}
+
+bool SolverModel::is_feasible(const std::vector<double>& x, double tolerance) const {
+    for (int j = 0; j < num_cols(); ++j) {
+        if (x[j] < lb[j] - tolerance || x[j] > ub[j] + tolerance) return false;
+        if (integer[j] && std::abs(x[j] - std::round(x[j])) > tolerance) return false;
+    }
+    for (int i = 0; i < num_rows(); ++i) {
+        double activity = 0.0;
+        for (int k = start[i]; k < start[i + 1]; ++k) activity += val()[k] * x[col()[k]];
+        if (activity < row_lower[i] - tolerance || activity > row_upper[i] + tolerance) return false;
+    }
+    return true;
+}
+
+int SolverModel::add_col(double lower, double upper, double objective, bool is_integer) {
+    lb.push_back(lower);
+    ub.push_back(upper);
+    cost.push_back(objective);
+    integer.push_back(is_integer);
+    return num_cols() - 1;
+}
+
+int SolverModel::add_row(const Terms& terms, double lower, double upper) {
+    if (!own_matrix_) {
+        col_.assign(model_col_, model_col_ + num_entries());
+        val_.assign(model_val_, model_val_ + num_entries());
+        own_matrix_ = true;
+    }
+    for (const auto& [j, coeff] : terms) {
+        col_.push_back(j);
+        val_.push_back(coeff);
+    }
+    start.push_back(static_cast<int>(col_.size()));
+    row_lower.push_back(lower);
+    row_upper.push_back(upper);
+    return num_rows() - 1;
+}
+
+}  // namespace zelvan

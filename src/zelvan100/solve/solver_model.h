@@ -1,0 +1,50 @@
+#pragma once
+// A model in the terms of HiGHS: minimize or maximize a linear function over rows with two sides, some
+// columns integer. Its first columns and rows are those of the model; bridges append theirs, so a
+// solution is mapped back by cutting it off behind the model's own.
+
+#include <utility>
+#include <vector>
+
+#include "core/model_data.h"
+
+namespace zelvan {
+
+class SolverModel {
+public:
+    // Takes over bounds, rows and types. Semi-continuous types, piecewise-linear terms and further
+    // objectives are left to the bridges. The matrix stays in `data` until a bridge adds to it.
+    // Throws Error when a coefficient is beyond what HiGHS computes with.
+    explicit SolverModel(const ModelData& data);
+
+    int sense = 1;
+    double offset = 0.0;
+    std::vector<double> cost, lb, ub;
+    std::vector<char> integer;
+    std::vector<double> row_lower, row_upper;
+    std::vector<int> start;  // of the rows, one more than there are rows
+
+    int num_cols() const { return static_cast<int>(cost.size()); }
+    int num_rows() const { return static_cast<int>(row_lower.size()); }
+    int num_entries() const { return start.back(); }
+    const int* col() const { return own_matrix_ ? col_.data() : model_col_; }
+    const double* val() const { return own_matrix_ ? val_.data() : model_val_; }
+    bool is_mip() const;
+    // Whether some column or row has no value at all that it may take, such as a lower bound of infinity.
+    bool has_empty_range() const;
+    bool is_feasible(const std::vector<double>& x, double tolerance) const;
+
+    using Terms = std::vector<std::pair<int, double>>;  // column, coefficient
+    // Both return the index of what was added.
+    int add_col(double lower, double upper, double objective, bool is_integer);
+    int add_row(const Terms& terms, double lower, double upper);
+
+private:
+    const int* model_col_;
+    const double* model_val_;
+    bool own_matrix_ = false;
+    std::vector<int> col_;
+    std::vector<double> val_;
+};
+
+}  // namespace zelvan

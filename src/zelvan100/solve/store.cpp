@@ -1,0 +1,80 @@
+#include "solve/store.h"
+
+#include <algorithm>
+#include <cmath>
+#include <utility>
+
+namespace zelvan {
+
+namespace {
+
+double stored(double value) { return std::abs(value) >= kInfinityThreshold ? std::copysign(kInfinity, value) : value; }
+
+double gap(double objective, double bound) {
+    if (bound == objective) return 0.0;
+    return objective == 0.0 ? kInfinity : stored(std::abs((objective - bound) / objective));
+}
+
+// The status of a row as that of its slack: a row without range is nonbasic in one way only.
+int row_status(int status, char sense) {
+    if (status == ZVN_BASIC) return ZVN_BASIC;
+    return sense == ZVN_RANGE && status == ZVN_NONBASIC_LOWER ? ZVN_NONBASIC_UPPER : ZVN_NONBASIC_LOWER;
+}
+
+void store_basis(const ModelData& data, Basis basis, Solution& solution) {
+    if (basis.cols.empty() && basis.rows.empty()) return;
+    basis.cols.resize(data.cols.size());
+    basis.rows.resize(data.rows.size());
+    for (int i = 0; i < data.rows.size(); ++i) basis.rows[i] = row_status(basis.rows[i], data.rows.sense[i]);
+    solution.vbasis = std::move(basis.cols);
+    solution.cbasis = std::move(basis.rows);
+}
+
+}  // namespace
+
+void store_result(const ModelData& data, SolverResult result, Solution& solution) {
+    store_basis(data, std::move(result.basis), solution);
+    if (solution.is_mip) {
+        solution.obj_bound = stored(result.bound);
+        solution.mip_gap = kInfinity;
+    }
+    const int status = solution.status;
+    if (status == ZVN_INFEASIBLE || status == ZVN_INF_OR_UNBD || status == ZVN_UNBOUNDED || status == ZVN_CUTOFF)
+        return;
+    if (result.x.empty() && status != ZVN_OPTIMAL) return;
+
+    solution.obj_val = result.objective;
+    if (!solution.is_mip && status == ZVN_OPTIMAL) solution.obj_bound = result.objective;
+    if (solution.obj_bound != kUndefined) solution.mip_gap = gap(solution.obj_val, solution.obj_bound);
+    result.x.resize(data.cols.size());
+    solution.x = std::move(result.x);
+    solution.slack.resize(data.rows.size());
+    for (int i = 0; i < data.rows.size(); ++i) solution.slack[i] = data.rows.rhs[i] - result.row_activity[i];
+    if (solution.is_mip || (result.rc.empty() && !solution.x.empty())) return;
+    result.rc.resize(data.cols.size());
+    result.pi.resize(data.rows.size());
+    solution.rc = std::move(result.rc);
+    solution.pi = std::move(result.pi);
+}
+
+void store_pool(const ModelData& data, std::vector<Monitor::Found> found, const ParamValues& params,
+                Solution& solution) {
+    if (!solution.is_mip || solution.x.empty()) return;
+    const double best = solution.obj_val;
+    solution.pool.push_back(solution.x);
+    solution.pool_obj.push_back(best);
+    const double most = std::min(params.get_dbl(Param::PoolGapAbs), params.get_dbl(Param::PoolGap) * std::abs(best));
+    std::stable_sort(found.begin(), found.end(), [&](const Monitor::Found& a, const Monitor::Found& b) {
+        return data.sense * a.objective < data.sense * b.objective;
+    });
+    for (Monitor::Found& other : found) {
+        const double worse = data.sense * (other.objective - best);
+        // The search hands the final solution over too, at times with a last digit changed.
+        if (worse <= 1e-9 * std::max(1.0, std::abs(best)) || worse > most) continue;
+        if (static_cast<int>(solution.pool.size()) >= params.get_int(Param::PoolSolutions)) break;
+        solution.pool.push_back(std::move(other.x));
+        solution.pool_obj.push_back(other.objective);
+    }
+}
+
+}  // namespace zelvan
