@@ -1,5 +1,6 @@
-#include "api/guard.h"
 #include "solve/solve.h"
+
+#include "api/guard.h"
 
 using zelvan::Model;
 

@@ -61,9 +61,9 @@ void log_begin(Model& model) {
 
 void log_end(Model& model) {
     constexpr const char* kNames[] = {
-        "",           "LOADED",     "OPTIMAL",     "INFEASIBLE",     "INF_OR_UNBD", "UNBOUNDED",
-        "CUTOFF",     "ITERATION_LIMIT", "NODE_LIMIT", "TIME_LIMIT", "SOLUTION_LIMIT", "INTERRUPTED",
-        "NUMERIC",    "SUBOPTIMAL", "INPROGRESS",  "USER_OBJ_LIMIT", "WORK_LIMIT",  "MEM_LIMIT"};
+        "",        "LOADED",          "OPTIMAL",    "INFEASIBLE",     "INF_OR_UNBD",    "UNBOUNDED",
+        "CUTOFF",  "ITERATION_LIMIT", "NODE_LIMIT", "TIME_LIMIT",     "SOLUTION_LIMIT", "INTERRUPTED",
+        "NUMERIC", "SUBOPTIMAL",      "INPROGRESS", "USER_OBJ_LIMIT", "WORK_LIMIT",     "MEM_LIMIT"};
     const Solution& solution = model.solution;
     model.env.log(text("Ended with status %s after %.2f seconds (%.2f work units)\n", kNames[solution.status],
                        solution.runtime, solution.work));
@@ -102,7 +102,6 @@ void store_counts(const Run& run, Solution& solution) {
     solution.barrier_iterations = run.barrier_iterations;
     solution.nodes = run.nodes;
 }
-
 
 Solution solve_single(Model& model) {
     const ParamValues& params = model.env.params;

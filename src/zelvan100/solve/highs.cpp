@@ -72,9 +72,7 @@ std::pair<int, int> joined(std::pair<int, int> a, std::pair<int, int> b) {
     return {std::min(a.first, b.first), std::max(a.second, b.second)};
 }
 
-std::vector<HighsInt> integrality(const std::vector<char>& integer) {
-    return {integer.begin(), integer.end()};
-}
+std::vector<HighsInt> integrality(const std::vector<char>& integer) { return {integer.begin(), integer.end()}; }
 
 Outcome outcome_of(int status) {
     switch (status) {
@@ -184,9 +182,13 @@ void HighsSession::check(int status, const char* what) {
     throw Error(ZVN_ERROR_INTERNAL, std::string("HiGHS failed to ") + what + (fault_.empty() ? "" : ": ") + fault_);
 }
 
-void HighsSession::set_option(const char* name, bool value) { check(Highs_setBoolOptionValue(highs_, name, value), name); }
+void HighsSession::set_option(const char* name, bool value) {
+    check(Highs_setBoolOptionValue(highs_, name, value), name);
+}
 
-void HighsSession::set_option(const char* name, int value) { check(Highs_setIntOptionValue(highs_, name, value), name); }
+void HighsSession::set_option(const char* name, int value) {
+    check(Highs_setIntOptionValue(highs_, name, value), name);
+}
 
 void HighsSession::set_option(const char* name, double value) {
     check(Highs_setDoubleOptionValue(highs_, name, value), name);
@@ -221,11 +223,10 @@ void HighsSession::load(const SolverModel& model) {
 
 void HighsSession::pass(const SolverModel& model) {
     const std::vector<HighsInt> types = model.is_mip() ? integrality(model.integer) : std::vector<HighsInt>();
-    check(Highs_passModel(highs_, model.num_cols(), model.num_rows(), model.num_entries(), 0,
-                          kHighsMatrixFormatRowwise, kHighsHessianFormatTriangular, model.sense, model.offset,
-                          model.cost.data(), model.lb.data(), model.ub.data(), model.row_lower.data(),
-                          model.row_upper.data(), model.start.data(), model.col(), model.val(), nullptr, nullptr,
-                          nullptr, types.empty() ? nullptr : types.data()),
+    check(Highs_passModel(highs_, model.num_cols(), model.num_rows(), model.num_entries(), 0, kHighsMatrixFormatRowwise,
+                          kHighsHessianFormatTriangular, model.sense, model.offset, model.cost.data(), model.lb.data(),
+                          model.ub.data(), model.row_lower.data(), model.row_upper.data(), model.start.data(),
+                          model.col(), model.val(), nullptr, nullptr, nullptr, types.empty() ? nullptr : types.data()),
           "take the model");
     // A grown model goes on from the old basis, new rows basic and new columns at a bound.
     const std::size_t num_cols = model.cost.size(), num_rows = model.row_lower.size();
@@ -247,8 +248,8 @@ void HighsSession::pass_changes(const SolverModel& model) {
         check(Highs_changeColsCostByRange(highs_, first, last, &model.cost[first]), "change costs");
     if (const auto [first, last] = joined(differing(lb_, model.lb), differing(ub_, model.ub)); first <= last)
         check(Highs_changeColsBoundsByRange(highs_, first, last, &model.lb[first], &model.ub[first]), "change bounds");
-    if (const auto [first, last] = joined(differing(row_lower_, model.row_lower),
-                                          differing(row_upper_, model.row_upper));
+    if (const auto [first, last] =
+            joined(differing(row_lower_, model.row_lower), differing(row_upper_, model.row_upper));
         first <= last)
         check(Highs_changeRowsBoundsByRange(highs_, first, last, &model.row_lower[first], &model.row_upper[first]),
               "change row sides");

@@ -17,7 +17,7 @@ namespace {
 // of the model, a barrier iteration takes as long as many of them, a node as some.
 constexpr double kWorkOfIteration = 4e-9;  // for each row, column and nonzero
 constexpr double kIterationsOfBarrier = 100.0;
-constexpr double kIterationsOfNode = 10.0;
+constexpr double kIterationsOfNode = 100.0;
 constexpr double kSecondsBetweenMemoryChecks = 0.05;
 constexpr double kGigabyte = 1e9;
 

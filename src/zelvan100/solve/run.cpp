@@ -27,7 +27,8 @@ SolverResult solve_trivial(const SolverModel& problem, double tolerance) {
 Run::Run(Model& model) : monitor(model), model_(model), params_(model.env.params) {
     if (!model_.session) model_.session = std::make_shared<HighsSession>();
     session().attach(&monitor);
-    const bool shown = params_.get_int(Param::OutputFlag) && (params_.get_int(Param::LogToConsole) || model.env.log_file);
+    const bool shown =
+        params_.get_int(Param::OutputFlag) && (params_.get_int(Param::LogToConsole) || model.env.log_file);
     session().set_option("output_flag", shown);
 }
 

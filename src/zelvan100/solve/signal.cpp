@@ -1,8 +1,7 @@
 #include "solve/signal.h"
 
-#include <csignal>
-
 #include <atomic>
+#include <csignal>
 #include <mutex>
 
 namespace zelvan {

@@ -16,7 +16,8 @@ constexpr double kLargestCost = 1e20;
 
 // HiGHS means the infinity of doubles.
 double with_infinity(double value) {
-    return std::abs(value) >= kInfinityThreshold ? std::copysign(std::numeric_limits<double>::infinity(), value) : value;
+    return std::abs(value) >= kInfinityThreshold ? std::copysign(std::numeric_limits<double>::infinity(), value)
+                                                 : value;
 }
 
 void check_matrix(const ModelData& data) {
