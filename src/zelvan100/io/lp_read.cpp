@@ -1,0 +1,394 @@
+#include <cmath>
+#include <cstdint>
+
+#include "io/letters.h"
+#include "io/lp.h"
+#include "io/name_table.h"
+#include "io/row_kind.h"
+
+namespace zelvan {
+
+namespace {
+
+constexpr std::uint8_t kLowerSet = 1, kUpperSet = 2;
+
+double bound_value(double value) {
+    return std::fabs(value) >= kInfinityThreshold ? std::copysign(kInfinity, value) : value;
+}
+
+// What an expression holds besides its terms, which go into the row under construction.
+struct Expression {
+    bool any = false;
+    bool has_terms = false;
+    double constant = 0.0;
+};
+
+class LpReader {
+public:
+    LpReader(const Source& source, const Warn& warn) : source_(source), warn_(warn), lexer_(source.text) {}
+    ModelData read();
+
+private:
+    void read_model_name();
+    void read_sections();
+    void objective();
+    void constraints();
+    void constraint();
+    void bounds();
+    void bound();
+    void set_bound(int col, LpToken op, double value, bool value_first);
+    void types(void (LpReader::*set_type)(int col));
+    void make_integer(int col);
+    void make_binary(int col);
+    void make_semicontinuous(int col);
+
+    Expression expression(double scale, bool several_lines);
+    void add_term(std::string_view name, double coeff);
+    void close_row(std::string_view name, double lower, double upper);
+    void one_sided(std::string_view name, LpToken op, double rhs);
+    bool at_operator() const;
+    LpToken take_operator();
+    bool at_value() const;
+    double value(const char* what);
+    int new_column(std::string_view name);
+    int known_column(std::string_view name);
+    [[noreturn]] void unexpected(const char* expected) const;
+    void settle();
+
+    const Source& source_;
+    const Warn& warn_;
+    LpLexer lexer_;
+    ModelData out_;
+    NameTable col_names_, row_names_;
+    std::vector<std::int64_t> entry_;  // by column: its latest entry, which is of the current row or older
+    std::vector<std::uint8_t> bound_flags_;
+};
+
+LpToken flipped(LpToken op) {
+    return op == LpToken::kLess ? LpToken::kGreater : op == LpToken::kGreater ? LpToken::kLess : op;
+}
+
+ModelData LpReader::read() {
+    read_model_name();
+    if (lexer_.kind != LpToken::kSection || lexer_.section > LpSection::kMaximize) unexpected("Minimize or Maximize");
+    out_.sense = lexer_.section == LpSection::kMaximize ? -1 : 1;
+    lexer_.next();
+    objective();
+    read_sections();
+    settle();
+    return std::move(out_);
+}
+
+// The writer leaves the name in a comment on the first line.
+void LpReader::read_model_name() {
+    const std::string_view text = source_.text;
+    for (std::string_view lead : {"\\ Model name: ", "\\Problem name: "}) {
+        if (text.substr(0, lead.size()) != lead) continue;
+        std::string_view name = text.substr(lead.size(), text.find('\n') - lead.size());
+        name = name.substr(0, name.find_last_not_of(" \t\r") + 1);
+        source_.check_name(1, name);
+        out_.name = name;
+    }
+}
+
+void LpReader::read_sections() {
+    for (;;) {
+        if (lexer_.kind == LpToken::kEnd) unexpected("End");
+        if (lexer_.kind != LpToken::kSection) unexpected("a section such as Subject To, Bounds, Generals or End");
+        const LpSection section = lexer_.section;
+        const std::string_view keyword = lexer_.text;
+        const int line = lexer_.line;
+        if (section == LpSection::kUnsupported)
+            source_.fail(line, "section " + std::string(keyword) + " is not supported");
+        lexer_.next();
+        switch (section) {
+            case LpSection::kSubjectTo:
+                constraints();
+                break;
+            case LpSection::kBounds:
+                bounds();
+                break;
+            case LpSection::kGenerals:
+                types(&LpReader::make_integer);
+                break;
+            case LpSection::kBinaries:
+                types(&LpReader::make_binary);
+                break;
+            case LpSection::kSemiContinuous:
+                types(&LpReader::make_semicontinuous);
+                break;
+            case LpSection::kEnd:
+                return;
+            default:
+                source_.fail(line,
+                             "a second objective " + quoted(keyword) + ", expected a section such as Bounds or End");
+        }
+    }
+}
+
+void LpReader::objective() {
+    if (lexer_.kind == LpToken::kLabel) lexer_.next();
+    const Expression sum = expression(1.0, true);
+    if (lexer_.kind != LpToken::kSection && lexer_.kind != LpToken::kEnd)
+        unexpected("a term of the objective or Subject To");
+    if (std::fabs(sum.constant) >= kInfinity) source_.fail(lexer_.line, "the constant of the objective is infinite");
+    out_.obj_constant = sum.constant;
+    Rows& rows = out_.rows;
+    for (std::size_t k = 0; k < rows.col.size(); ++k) out_.cols.obj[rows.col[k]] = rows.val[k];
+    rows.col.clear();
+    rows.val.clear();
+    entry_.assign(entry_.size(), -1);
+}
+
+void LpReader::constraints() {
+    while (lexer_.kind != LpToken::kSection && lexer_.kind != LpToken::kEnd) constraint();
+}
+
+void LpReader::constraint() {
+    std::string_view name;
+    if (lexer_.kind == LpToken::kLabel) {
+        name = lexer_.text;
+        source_.check_name(lexer_.line, name);
+        if (!row_names_.add(name)) source_.fail(lexer_.line, "constraint " + quoted(name) + " appears twice");
+        lexer_.next();
+    }
+    const Expression left = expression(1.0, true);
+    if (!left.any) unexpected("a constraint");
+    const LpToken op = take_operator();
+    // A number on the left may open a range, so the expression goes on to the next operator or label.
+    const Expression middle = expression(left.has_terms ? -1.0 : 1.0, !left.has_terms);
+    if (!middle.any) unexpected("a number or an expression");
+    if (!at_operator()) {
+        const bool reversed = !left.has_terms && middle.has_terms;
+        const double rhs = reversed ? left.constant - middle.constant : middle.constant - left.constant;
+        return one_sided(name, reversed ? flipped(op) : op, rhs);
+    }
+    if (left.has_terms || op == LpToken::kEqual || lexer_.kind != op)
+        unexpected("a new constraint; a range has a number on each side and the same operator twice");
+    lexer_.next();
+    const double right = value("a number as the right side of the range");
+    const bool rising = op == LpToken::kLess;
+    const double lower = (rising ? left.constant : right) - middle.constant;
+    const double upper = (rising ? right : left.constant) - middle.constant;
+    if (lower > upper) source_.fail(lexer_.line, "the sides of the range exclude each other");
+    close_row(name, lower, upper);
+}
+
+void LpReader::one_sided(std::string_view name, LpToken op, double rhs) {
+    close_row(name, 0.0, 0.0);
+    out_.rows.sense.back() = op == LpToken::kLess ? '<' : op == LpToken::kGreater ? '>' : '=';
+    out_.rows.rhs.back() = rhs;
+}
+
+// Terms of one variable were added up; what is 0 then is no entry.
+void LpReader::close_row(std::string_view name, double lower, double upper) {
+    Rows& rows = out_.rows;
+    auto to = static_cast<std::size_t>(rows.start.back());
+    for (std::size_t k = to; k < rows.col.size(); ++k) {
+        if (rows.val[k] == 0.0) continue;
+        rows.col[to] = rows.col[k];
+        rows.val[to++] = rows.val[k];
+    }
+    rows.col.resize(to);
+    rows.val.resize(to);
+    const RowKind kind = row_kind(lower, upper);
+    rows.start.push_back(static_cast<std::int64_t>(to));
+    rows.sense.push_back(kind.sense);
+    rows.rhs.push_back(kind.rhs);
+    if (kind.sense == 'R' || !rows.lower.empty()) {
+        rows.lower.resize(rows.rhs.size() - 1, -kInfinity);
+        rows.lower.push_back(kind.lower);
+    }
+    rows.names.push_back(name);
+}
+
+// Reads terms and constants to the first token that can't go on, or to the end of the line where the
+// next line may be a constraint that begins with a sign.
+Expression LpReader::expression(double scale, bool several_lines) {
+    Expression sum;
+    while (!sum.any || several_lines || !lexer_.starts_line) {
+        double coeff = scale;
+        bool sign = false, number = false;
+        for (; lexer_.kind == LpToken::kPlus || lexer_.kind == LpToken::kMinus; lexer_.next()) {
+            if (lexer_.kind == LpToken::kMinus) coeff = -coeff;
+            sign = true;
+        }
+        if (sum.any && !sign) break;
+        if (lexer_.kind == LpToken::kNumber) {
+            coeff *= lexer_.number;
+            number = true;
+            lexer_.next();
+            if (lexer_.kind == LpToken::kTimes) {
+                lexer_.next();
+                if (lexer_.kind != LpToken::kName) unexpected("a variable; products of variables are not supported");
+            }
+        }
+        const bool same_line = !number || several_lines || !lexer_.starts_line;
+        const bool infinity = lexer_.kind == LpToken::kName && same_line && is_lp_infinity(lexer_.text);
+        if (infinity && number) unexpected("a variable");
+        if (infinity) {
+            sum.constant += coeff * scale * kInfinity;
+            lexer_.next();
+        } else if (lexer_.kind == LpToken::kName && same_line) {
+            add_term(lexer_.text, coeff);
+            sum.has_terms = true;
+            lexer_.next();
+        } else if (number) {
+            sum.constant += coeff * scale;
+        } else if (sign) {
+            unexpected("a number or a variable");
+        } else {
+            break;
+        }
+        sum.any = true;
+    }
+    return sum;
+}
+
+void LpReader::add_term(std::string_view name, double coeff) {
+    if (std::fabs(coeff) >= kInfinity) source_.fail(lexer_.line, "the coefficient of " + quoted(name) + " is infinite");
+    const int col = new_column(name);
+    Rows& rows = out_.rows;
+    if (entry_[col] >= rows.start.back()) {
+        rows.val[entry_[col]] += coeff;
+        return;
+    }
+    entry_[col] = static_cast<std::int64_t>(rows.col.size());
+    rows.col.push_back(col);
+    rows.val.push_back(coeff);
+}
+
+int LpReader::new_column(std::string_view name) {
+    const int col = col_names_.find_or_add(name);
+    if (col < out_.cols.size()) return col;
+    source_.check_name(lexer_.line, name);
+    out_.cols.lb.push_back(0.0);
+    out_.cols.ub.push_back(kInfinity);
+    out_.cols.obj.push_back(0.0);
+    out_.cols.type.push_back('C');
+    entry_.push_back(-1);
+    bound_flags_.push_back(0);
+    return col;
+}
+
+int LpReader::known_column(std::string_view name) {
+    const int col = col_names_.find(name);
+    if (col < 0) unexpected("a variable of the objective or a constraint");
+    return col;
+}
+
+bool LpReader::at_operator() const {
+    return lexer_.kind == LpToken::kLess || lexer_.kind == LpToken::kGreater || lexer_.kind == LpToken::kEqual;
+}
+
+LpToken LpReader::take_operator() {
+    if (!at_operator()) unexpected("<=, >= or =");
+    const LpToken op = lexer_.kind;
+    lexer_.next();
+    return op;
+}
+
+bool LpReader::at_value() const {
+    return lexer_.kind == LpToken::kNumber || lexer_.kind == LpToken::kPlus || lexer_.kind == LpToken::kMinus ||
+           (lexer_.kind == LpToken::kName && is_lp_infinity(lexer_.text));
+}
+
+double LpReader::value(const char* what) {
+    double sign = 1.0;
+    for (; lexer_.kind == LpToken::kPlus || lexer_.kind == LpToken::kMinus; lexer_.next())
+        if (lexer_.kind == LpToken::kMinus) sign = -sign;
+    if (!at_value()) unexpected(what);
+    const double magnitude = lexer_.kind == LpToken::kNumber ? lexer_.number : kInfinity;
+    lexer_.next();
+    return sign * magnitude;
+}
+
+void LpReader::bounds() {
+    while (lexer_.kind != LpToken::kSection && lexer_.kind != LpToken::kEnd) bound();
+}
+
+void LpReader::bound() {
+    if (at_value()) {
+        const double left = value("a number");
+        const LpToken op = take_operator();
+        if (lexer_.kind != LpToken::kName) unexpected("a variable");
+        const int col = known_column(lexer_.text);
+        lexer_.next();
+        set_bound(col, op, left, true);
+        if (!at_operator() || lexer_.starts_line) return;
+        if (lexer_.kind != op || op == LpToken::kEqual) unexpected("the same operator twice");
+        lexer_.next();
+        return set_bound(col, op, value("a number"), false);
+    }
+    if (lexer_.kind != LpToken::kName) unexpected("a bound such as 0 <= x <= 1 or x free");
+    const int col = known_column(lexer_.text);
+    lexer_.next();
+    if (lexer_.kind == LpToken::kName && lower_case(lexer_.text) == "free") {
+        lexer_.next();
+        set_bound(col, LpToken::kGreater, -kInfinity, false);
+        return set_bound(col, LpToken::kLess, kInfinity, false);
+    }
+    const LpToken op = take_operator();
+    set_bound(col, op, value("a number"), false);
+}
+
+void LpReader::set_bound(int col, LpToken op, double value, bool value_first) {
+    const LpToken side = value_first ? flipped(op) : op;
+    if (side != LpToken::kLess) {
+        out_.cols.lb[col] = bound_value(value);
+        bound_flags_[col] |= kLowerSet;
+    }
+    if (side != LpToken::kGreater) {
+        out_.cols.ub[col] = bound_value(value);
+        bound_flags_[col] |= kUpperSet;
+    }
+}
+
+void LpReader::types(void (LpReader::*set_type)(int col)) {
+    for (; lexer_.kind == LpToken::kName; lexer_.next()) (this->*set_type)(known_column(lexer_.text));
+    if (lexer_.kind != LpToken::kSection && lexer_.kind != LpToken::kEnd) unexpected("the name of a variable");
+}
+
+void LpReader::make_integer(int col) {
+    char& type = out_.cols.type[col];
+    if (type == 'C') type = 'I';
+    if (type == 'S') type = 'N';
+}
+
+// Bounds that the file gives stay.
+void LpReader::make_binary(int col) {
+    char& type = out_.cols.type[col];
+    type = type == 'S' || type == 'N' ? 'N' : 'B';
+    if (!(bound_flags_[col] & kUpperSet)) out_.cols.ub[col] = 1.0;
+}
+
+void LpReader::make_semicontinuous(int col) {
+    char& type = out_.cols.type[col];
+    type = type == 'C' || type == 'S' ? 'S' : 'N';
+}
+
+void LpReader::unexpected(const char* expected) const {
+    std::string found = lexer_.kind == LpToken::kEnd ? "the file ends here" : "found " + quoted(lexer_.text);
+    if (lexer_.kind == LpToken::kTimes || lexer_.text == "[" || lexer_.text == "^")
+        source_.fail(lexer_.line, found + ": quadratic terms are not supported");
+    if (lexer_.text == "->") source_.fail(lexer_.line, found + ": indicator constraints are not supported");
+    source_.fail(lexer_.line, found + ", expected " + expected);
+}
+
+void LpReader::settle() {
+    Columns& cols = out_.cols;
+    for (int j = 0; j < cols.size(); ++j) {
+        cols.names.push_back(col_names_.name(j));
+        if (cols.ub[j] < 0.0 && cols.lb[j] == 0.0 && !(bound_flags_[j] & kLowerSet))
+            warn_("Warning: variable " + quoted(col_names_.name(j)) +
+                  " has a negative upper bound; its lower bound is 0, as none is given");
+    }
+    cols.tags.resize(cols.size());
+    out_.rows.tags.resize(out_.rows.size());
+}
+
+}  // namespace
+
+ModelData read_lp(const Source& source, const Warn& warn) { return LpReader(source, warn).read(); }
+
+}  // namespace zelvan

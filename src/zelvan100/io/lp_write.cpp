@@ -1,0 +1,190 @@
+#include <cmath>
+
+#include "io/lp.h"
+#include "io/number.h"
+#include "io/row_kind.h"
+#include "io/written_names.h"
+
+namespace zelvan {
+
+namespace {
+
+constexpr std::size_t kLineLength = 100;  // a line is broken behind the term that passes it
+
+class LpWriter {
+public:
+    LpWriter(const ModelData& data, const Warn& warn) : data_(data), names_(data, lp_holds_name, "LP", warn) {}
+    std::string write();
+
+private:
+    int columns_in_objective() const;
+    void objective();
+    void constraint(int i);
+    void bound(int j);
+    void list(const char* keyword, std::string_view types);
+    void term(double coeff, int col, bool& first);
+    void number(double value);
+    void break_line();
+
+    const ModelData& data_;
+    WrittenNames names_;
+    std::string out_;
+    std::size_t line_start_ = 0;
+};
+
+std::string LpWriter::write() {
+    out_.reserve(1024 + 30 * data_.rows.col.size() + 60 * (data_.cols.lb.size() + data_.rows.rhs.size()));
+    if (const std::string name = names_.model_name(); !name.empty()) out_ += "\\ Model name: " + name + "\n";
+    out_ += data_.sense < 0 ? "Maximize\n" : "Minimize\n";
+    objective();
+    out_ += "Subject To\n";
+    for (int i = 0; i < data_.rows.size(); ++i) constraint(i);
+    const std::size_t before = out_.size();
+    out_ += "Bounds\n";
+    const std::size_t header_end = out_.size();
+    for (int j = 0; j < data_.cols.size(); ++j) bound(j);
+    if (out_.size() == header_end) out_.resize(before);
+    list("Binaries\n", "B");
+    list("Generals\n", "IN");
+    list("Semi-Continuous\n", "SN");
+    out_ += "End\n";
+    return std::move(out_);
+}
+
+// Columns are numbered in the order of their appearance. The objective therefore begins with as many of
+// them, with coefficient 0 where need be, that the others appear in their order in the rows.
+int LpWriter::columns_in_objective() const {
+    const int num_cols = data_.cols.size();
+    std::vector<int> appearance(num_cols, -1);
+    int next = 0;
+    for (std::size_t k = 0; k < data_.rows.col.size(); ++k) {
+        int& at = appearance[data_.rows.col[k]];
+        if (at < 0 && data_.rows.val[k] != 0.0) at = next++;
+    }
+    int count = num_cols;
+    while (count > 0 && data_.cols.obj[count - 1] == 0.0 && appearance[count - 1] >= 0 &&
+           (count == num_cols || appearance[count - 1] < appearance[count]))
+        --count;
+    return count;
+}
+
+void LpWriter::objective() {
+    bool first = true;
+    line_start_ = out_.size();
+    out_ += " ";
+    const int count = columns_in_objective();
+    for (int j = 0; j < count; ++j) term(data_.cols.obj[j], j, first);
+    const double constant = data_.obj_constant;
+    if (constant != 0.0) {
+        if (!first)
+            out_ += std::signbit(constant) ? " -" : " +";
+        else if (std::signbit(constant))
+            out_ += " -";
+        out_ += ' ';
+        append_number(out_, std::fabs(constant));
+    }
+    out_ += '\n';
+}
+
+void LpWriter::break_line() {
+    if (out_.size() - line_start_ < kLineLength) return;
+    out_ += "\n ";
+    line_start_ = out_.size() - 1;
+}
+
+void LpWriter::term(double coeff, int col, bool& first) {
+    break_line();
+    if (std::signbit(coeff))
+        out_ += " -";
+    else if (!first)
+        out_ += " +";
+    first = false;
+    out_ += ' ';
+    if (std::fabs(coeff) != 1.0) {
+        append_number(out_, std::fabs(coeff));
+        out_ += ' ';
+    }
+    out_ += names_.col(col);
+}
+
+void LpWriter::number(double value) {
+    if (std::fabs(value) == kInfinity)
+        out_ += value < 0 ? "-inf" : "inf";
+    else
+        append_number(out_, value);
+}
+
+void LpWriter::constraint(int i) {
+    const Rows& rows = data_.rows;
+    RowKind kind{rows.sense[i], rows.rhs[i], -kInfinity};
+    if (kind.sense == 'R') {
+        const auto [lower, upper] = rows.sides(i);
+        kind = row_kind(lower, upper);
+    }
+    line_start_ = out_.size();
+    out_ += ' ';
+    out_ += names_.row(i);
+    out_ += ':';
+    if (kind.sense == 'R') {
+        out_ += ' ';
+        number(kind.lower);
+        out_ += " <=";
+    }
+    bool first = true;
+    for (std::int64_t k = rows.start[i]; k < rows.start[i + 1]; ++k)
+        if (rows.val[k] != 0.0) term(rows.val[k], rows.col[k], first);
+    if (first && data_.cols.size() > 0)
+        term(0.0, 0, first);
+    else if (first)
+        out_ += " 0";
+    out_ += kind.sense == '>' ? " >= " : kind.sense == '=' ? " = " : " <= ";
+    number(kind.rhs);
+    out_ += '\n';
+}
+
+void LpWriter::bound(int j) {
+    const double lb = data_.cols.lb[j], ub = data_.cols.ub[j];
+    const bool binary = data_.cols.type[j] == 'B';
+    if (lb == 0.0 && ub == (binary ? 1.0 : kInfinity)) return;
+    const std::string_view name = names_.col(j);
+    // Binary variables and negative upper bounds have other defaults, so both bounds are given.
+    const bool both = binary || ub < 0.0;
+    const bool left = lb == -kInfinity || (lb != 0.0 && ub != kInfinity) || both;
+    out_ += ' ';
+    if (lb == -kInfinity && ub == kInfinity) {
+        out_ += name;
+        out_ += " free\n";
+        return;
+    }
+    if (left && lb != ub) {
+        number(lb);
+        out_ += " <= ";
+    }
+    out_ += name;
+    const bool lower_only = ub == kInfinity && !left;
+    out_ += lb == ub ? " = " : lower_only ? " >= " : " <= ";
+    number(lower_only ? lb : ub);
+    out_ += '\n';
+}
+
+void LpWriter::list(const char* keyword, std::string_view types) {
+    bool first = true;
+    for (int j = 0; j < data_.cols.size(); ++j) {
+        if (types.find(data_.cols.type[j]) == types.npos) continue;
+        if (first) {
+            out_ += keyword;
+            line_start_ = out_.size();
+        }
+        if (!first) break_line();
+        first = false;
+        out_ += ' ';
+        out_ += names_.col(j);
+    }
+    if (!first) out_ += '\n';
+}
+
+}  // namespace
+
+std::string write_lp(const ModelData& data, const Warn& warn) { return LpWriter(data, warn).write(); }
+
+}  // namespace zelvan

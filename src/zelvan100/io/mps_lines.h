@@ -1,0 +1,33 @@
+#pragma once
+
+#include <array>
+#include <string_view>
+
+namespace zelvan {
+
+// A line of an MPS file, cut into fields. In fixed form a field may hold blanks or be empty.
+struct MpsLine {
+    static constexpr int kMaxFields = 6;
+    int number = 0;
+    bool at_margin = false;  // begins in column 1, as headers of sections do
+    int count = 0;           // fields; kMaxFields + 1 when there are more
+    std::array<std::string_view, kMaxFields> field;
+    std::string_view text;
+};
+
+// Cuts the text of an MPS file into lines; comments and blank lines are passed over.
+class MpsLines {
+public:
+    MpsLines(std::string_view text, bool fixed) : rest_(text), fixed_(fixed) {}
+    // False at the end of the file. `codes`: lines of this section begin with the code of a type, which
+    // in fixed form has columns of its own.
+    bool next(MpsLine& line, bool codes);
+    int number() const { return number_; }
+
+private:
+    std::string_view rest_;
+    bool fixed_;
+    int number_ = 0;
+};
+
+}  // namespace zelvan

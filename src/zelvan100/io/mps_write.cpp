@@ -1,0 +1,207 @@
+#include <charconv>
+#include <cmath>
+
+#include "io/mps.h"
+#include "io/number.h"
+#include "io/row_kind.h"
+#include "io/written_names.h"
+
+namespace zelvan {
+
+namespace {
+
+// Fields are divided by blanks, so a name holds none. The quoted word would turn an entry into a marker.
+bool holds_name(std::string_view name) {
+    return !name.empty() && name.size() <= ZVN_MAX_NAMELEN && name.find(' ') == name.npos && name != "'MARKER'" &&
+           is_clean_name(name);
+}
+
+// A row as the file shows it: type, right-hand side and, where it has two sides, the text of its range.
+struct FileRow {
+    char type;
+    double rhs;
+    std::string range;
+};
+
+// Text of a range that gives back `lower` and `upper`, empty when there is none of that precision.
+template <class Float>
+std::string exact_range(char type, double lower, double upper) {
+    char digits[64];
+    const Float width = static_cast<Float>(static_cast<long double>(upper) - lower);
+    const std::string text(digits, std::to_chars(digits, digits + sizeof digits, width).ptr);
+    long double read_back;
+    std::from_chars(text.data(), text.data() + text.size(), read_back);
+    const bool exact = range_sides(type, type == 'L' ? upper : lower, read_back) == std::pair(lower, upper);
+    return exact ? text : std::string();
+}
+
+FileRow file_row(const Rows& rows, int i) {
+    const auto [lower, upper] = rows.sides(i);
+    const RowKind kind = rows.sense[i] == 'R' ? row_kind(lower, upper) : RowKind{rows.sense[i], rows.rhs[i], lower};
+    if (kind.sense != 'R') return {kind.sense == '<' ? 'L' : kind.sense == '>' ? 'G' : 'E', kind.rhs, {}};
+    if (upper == kInfinity) return {'L', upper, {}};
+    // A double holds the width in most cases; more digits always do where rhs is the smaller side.
+    for (char type : {'L', 'G'})
+        if (std::string range = exact_range<double>(type, lower, upper); !range.empty())
+            return {type, type == 'L' ? upper : lower, std::move(range)};
+    const char type = std::fabs(upper) < std::fabs(lower) ? 'L' : 'G';
+    return {type, type == 'L' ? upper : lower, exact_range<long double>(type, lower, upper)};
+}
+
+class MpsWriter {
+public:
+    MpsWriter(const ModelData& data, const Warn& warn)
+        : data_(data), names_(data, holds_name, "MPS", warn), objective_(names_.free_row_name("OBJ")) {}
+    std::string write();
+
+private:
+    void rows();
+    void columns();
+    void right_hand_sides();
+    void bounds();
+    void bounds_of(int j);
+    void line(std::string_view first, std::string_view second, double value);
+    void bound(std::string_view code, int j);
+    void bound(std::string_view code, int j, double value);
+
+    const ModelData& data_;
+    WrittenNames names_;
+    std::string objective_;
+    std::vector<FileRow> file_rows_;
+    std::string out_;
+};
+
+std::string MpsWriter::write() {
+    out_.reserve(1024 + 40 * data_.rows.col.size() + 40 * (data_.cols.lb.size() + data_.rows.rhs.size()));
+    out_ += "NAME";
+    if (const std::string name = names_.model_name(); !name.empty()) out_ += " " + name;
+    out_ += "\n";
+    if (data_.sense < 0) out_ += "OBJSENSE\n    MAX\n";
+    rows();
+    columns();
+    right_hand_sides();
+    bounds();
+    out_ += "ENDATA\n";
+    return std::move(out_);
+}
+
+void MpsWriter::line(std::string_view first, std::string_view second, double value) {
+    out_ += "    ";
+    out_ += first;
+    out_ += ' ';
+    out_ += second;
+    out_ += ' ';
+    append_number(out_, value);
+    out_ += '\n';
+}
+
+void MpsWriter::rows() {
+    out_ += "ROWS\n N " + objective_ + "\n";
+    for (int i = 0; i < data_.rows.size(); ++i) {
+        file_rows_.push_back(file_row(data_.rows, i));
+        out_ += ' ';
+        out_ += file_rows_.back().type;
+        out_ += ' ';
+        out_ += names_.row(i);
+        out_ += '\n';
+    }
+}
+
+void MpsWriter::columns() {
+    out_ += "COLUMNS\n";
+    const ColumnMajor matrix = data_.by_columns();
+    bool integer = false;
+    for (int j = 0; j < data_.cols.size(); ++j) {
+        if ((data_.cols.type[j] == 'I') != integer) {
+            integer = !integer;
+            out_ += integer ? "    MARKER 'MARKER' 'INTORG'\n" : "    MARKER 'MARKER' 'INTEND'\n";
+        }
+        const std::string_view name = names_.col(j);
+        const std::int64_t first = matrix.start[j], last = matrix.start[j + 1];
+        bool written = false;
+        if (data_.cols.obj[j] != 0.0 || first == last) {
+            line(name, objective_, data_.cols.obj[j]);
+            written = true;
+        }
+        for (std::int64_t k = first; k < last; ++k) {
+            // An explicit zero carries nothing, but a column needs a line to exist.
+            if (matrix.val[k] == 0.0 && (written || k + 1 < last)) continue;
+            line(name, names_.row(matrix.row[k]), matrix.val[k]);
+            written = true;
+        }
+    }
+    if (integer) out_ += "    MARKER 'MARKER' 'INTEND'\n";
+}
+
+void MpsWriter::right_hand_sides() {
+    out_ += "RHS\n";
+    if (data_.obj_constant != 0.0) line("RHS", objective_, -data_.obj_constant);
+    bool ranges = false;
+    for (int i = 0; i < data_.rows.size(); ++i) {
+        if (file_rows_[i].rhs != 0.0) line("RHS", names_.row(i), file_rows_[i].rhs);
+        ranges = ranges || !file_rows_[i].range.empty();
+    }
+    if (!ranges) return;
+    out_ += "RANGES\n";
+    for (int i = 0; i < data_.rows.size(); ++i) {
+        if (file_rows_[i].range.empty()) continue;
+        out_ += "    RNG ";
+        out_ += names_.row(i);
+        out_ += ' ' + file_rows_[i].range + '\n';
+    }
+}
+
+void MpsWriter::bound(std::string_view code, int j) {
+    out_ += ' ';
+    out_ += code;
+    out_ += " BND ";
+    out_ += names_.col(j);
+    out_ += '\n';
+}
+
+void MpsWriter::bound(std::string_view code, int j, double value) {
+    bound(code, j);
+    out_.back() = ' ';
+    append_number(out_, value);
+    out_ += '\n';
+}
+
+void MpsWriter::bounds_of(int j) {
+    const double lb = data_.cols.lb[j], ub = data_.cols.ub[j];
+    const char type = data_.cols.type[j];
+    const double default_upper = type == 'B' ? 1.0 : kInfinity;
+    if (type == 'B') bound("BV", j);
+    if (type == 'S' || type == 'N') {
+        bound(type == 'S' ? "SC" : "SI", j, ub);
+        // Without a lower bound a negative upper one would be read as a column without lower bound.
+        if (lb == -kInfinity)
+            bound("MI", j);
+        else if (lb != 0.0 || ub < 0.0)
+            bound("LO", j, lb);
+        return;
+    }
+    if (lb == -kInfinity && ub == kInfinity) return bound("FR", j);
+    if (lb == ub) return bound("FX", j, lb);
+    if (lb == -kInfinity)
+        bound("MI", j);
+    else if (lb != 0.0 || ub < 0.0)
+        bound("LO", j, lb);
+    if (ub != default_upper) bound("UP", j, ub);
+    // Integer columns without any bound would be read as binary.
+    else if (type == 'I' && lb == 0.0)
+        bound("PL", j);
+}
+
+void MpsWriter::bounds() {
+    const std::size_t before = out_.size();
+    out_ += "BOUNDS\n";
+    const std::size_t header_end = out_.size();
+    for (int j = 0; j < data_.cols.size(); ++j) bounds_of(j);
+    if (out_.size() == header_end) out_.resize(before);
+}
+
+}  // namespace
+
+std::string write_mps(const ModelData& data, const Warn& warn) { return MpsWriter(data, warn).write(); }
+
+}  // namespace zelvan

@@ -1,0 +1,67 @@
+#include "io/written_names.h"
+
+#include "io/name_table.h"
+#include "io/source.h"
+
+namespace zelvan {
+
+namespace {
+
+std::string numbered(char letter, int i) { return letter + std::to_string(i); }
+
+// All names, given or default; if one doesn't suit, `fault` says which and why, and names are numbered.
+Names collect(const Names& given, int size, char letter, WrittenNames::Holds holds, std::string& fault) {
+    Names names;
+    for (int i = 0; i < size; ++i) {
+        if (const char* name = given.get(i))
+            names.push_back(name);
+        else
+            names.push_back(numbered(letter, i));
+    }
+    NameTable distinct;
+    for (int i = 0; i < size && fault.empty(); ++i) {
+        const std::string_view name = names.get(i);
+        if (!holds(name))
+            fault = quoted(name) + " can't be written";
+        else if (!distinct.add(name))
+            fault = quoted(name) + " stands for two of them";
+    }
+    if (fault.empty()) return names;
+    names.clear();
+    for (int i = 0; i < size; ++i) names.push_back(numbered(letter, i));
+    return names;
+}
+
+// What can be read back from the rest of a line: clean text without blanks at its ends.
+bool is_one_line(std::string_view name) {
+    return !name.empty() && name.size() <= ZVN_MAX_NAMELEN && name.front() != ' ' && name.back() != ' ' &&
+           is_clean_name(name);
+}
+
+}  // namespace
+
+WrittenNames::WrittenNames(const ModelData& data, Holds holds, const char* format, const Warn& warn) {
+    std::string col_fault, row_fault;
+    cols_ = collect(data.cols.names, data.cols.size(), 'C', holds, col_fault);
+    rows_ = collect(data.rows.names, data.rows.size(), 'R', holds, row_fault);
+    const bool keep_name = is_one_line(data.name);
+    if (keep_name) model_name_ = data.name;
+
+    std::string faults;
+    const auto add = [&](const std::string& text) { faults += (faults.empty() ? "" : "; ") + text; };
+    if (!col_fault.empty()) add("variables are numbered, because " + col_fault);
+    if (!row_fault.empty()) add("constraints are numbered, because " + row_fault);
+    if (!keep_name && !data.name.empty()) add("the model's name is left out");
+    if (!faults.empty()) warn(std::string("Warning: names that don't suit ") + format + " form: " + faults);
+}
+
+std::string WrittenNames::free_row_name(std::string wanted) const {
+    for (int i = 0; i < rows_.size();) {
+        if (rows_.get(i++) != wanted) continue;
+        wanted += '_';
+        i = 0;
+    }
+    return wanted;
+}
+
+}  // namespace zelvan

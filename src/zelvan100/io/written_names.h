@@ -1,0 +1,32 @@
+#pragma once
+
+#include <functional>
+#include <string>
+#include <string_view>
+#include <vector>
+
+#include "core/model_data.h"
+#include "io/io.h"
+
+namespace zelvan {
+
+// The names under which a writer shows columns and rows: their own, or for a whole kind numbered ones
+// when one name can't stand in the format or stands for two. Warns where a name is replaced.
+class WrittenNames {
+public:
+    using Holds = bool (*)(std::string_view name);
+    WrittenNames(const ModelData& data, Holds holds, const char* format, const Warn& warn);
+
+    std::string_view col(int j) const { return cols_.get(j); }
+    std::string_view row(int i) const { return rows_.get(i); }
+    // "" when the model has none, or one that spans lines.
+    std::string model_name() const { return model_name_; }
+    // `wanted`, lengthened until no row has that name.
+    std::string free_row_name(std::string wanted) const;
+
+private:
+    Names cols_, rows_;
+    std::string model_name_;
+};
+
+}  // namespace zelvan
