@@ -1,0 +1,81 @@
+#pragma once
+// Selection of members by patterns: indices over a list of tuples or scalars, one for each combination of fields.
+
+#include <cstdint>
+#include <memory>
+#include <vector>
+
+#include "pybase.h"
+
+namespace zelvanpy {
+
+struct TupleList;
+
+// The members of a list as they were when an index was built, and what a tupledict holds under them.
+struct Members {
+    std::vector<py::object> list;
+    std::vector<PyObject*> values;  // parallel to list, borrowed from the dict while it has this version; null: none
+    std::uint64_t version = 0;
+};
+
+// Groups the members by the values of some of their fields, or by themselves, in the order of the list.
+class KeyIndex {
+public:
+    // `pattern` lists the positions that constrain. With `scalar` the members are keys as a whole.
+    KeyIndex(std::vector<std::size_t> pattern, bool scalar, std::shared_ptr<Members> members);
+
+    static constexpr std::uint32_t kNone = UINT32_MAX;
+
+    const std::vector<std::size_t>& pattern() const { return pattern_; }
+    Members& members() const { return *members_; }
+    // The group that a pattern asks for, or kNone. TypeError where a value is unhashable.
+    std::uint32_t find(bool scalar, PyObject* const* vals) const;
+    // Positions in `members` of a group.
+    const std::uint32_t* begin(std::uint32_t group) const { return order_.data() + starts_[group]; }
+    const std::uint32_t* end(std::uint32_t group) const { return order_.data() + starts_[group + 1]; }
+    // The tuplelist of a group, made when first asked for; the same object from then on.
+    py::object list_of(std::uint32_t group);
+    // Whether a list that was given out still holds the group.
+    bool is_intact(std::uint32_t group) const;
+
+    int traverse(visitproc visit, void* arg) const;
+
+private:
+    std::uint32_t group_of(PyObject* const* fields, std::size_t hash) const;
+    std::uint32_t add(PyObject* const* fields);
+    std::uint32_t add_member(PyObject* member, bool scalar);
+    void grow();
+    std::size_t hash(PyObject* const* fields) const;
+    bool equal(std::uint32_t group, PyObject* const* fields) const;
+    void sort(const std::vector<std::uint32_t>& group_of_member);
+
+    std::vector<std::size_t> pattern_;
+    std::size_t width_;  // number of fields that make a key
+    std::shared_ptr<Members> members_;
+    std::vector<py::object> fields_;    // of each group, one after the other
+    std::vector<std::size_t> hashes_;   // of each group
+    std::vector<std::uint32_t> slots_;  // open addressing: group + 1, or 0
+    int shift_;                         // hash >> shift_ is the slot
+    std::vector<std::uint32_t> starts_, order_;
+    std::vector<py::object> lists_;  // empty until the first is asked for
+};
+
+// What a pattern selected: groups and whole lists, one after the other.
+struct Selection {
+    struct Part {
+        std::shared_ptr<KeyIndex> index;
+        std::uint32_t group;
+        py::object list;  // in place of index and group
+    };
+    std::vector<Part> parts;
+    bool expanded = false;  // a value of the pattern was a collection of alternatives
+
+    std::size_t size() const;
+};
+
+// The members of the list that match the pattern, by the rules of tuplelist.select.
+Selection select(TupleList& list, PyObject* const* vals, std::size_t num);
+// The same as one tuplelist: the list itself, the list of a group, or a new one.
+py::object selected_list(const Selection& selection);
+
+}  // namespace zelvanpy

@@ -1,0 +1,113 @@
+#pragma once
+// Lists and dicts below their public methods: types derived from them, whether a dict has changed, values in the
+// order of a dict. The differences between CPython 3.7 and 3.13 that concern them are settled here.
+
+#include <cstdint>
+#include <utility>
+
+#include "pynames.h"
+#include "pytype.h"
+
+namespace zelvanpy {
+
+// Whether the class of `self`, derived from `own` in Python, gives the method of this name a body of its own.
+inline bool overrides(py::handle self, PyTypeObject* own, const Name& name) {
+    if (Py_TYPE(self.ptr()) == own) return false;
+    const py::object theirs = steal(PyObject_GetAttr(reinterpret_cast<PyObject*>(Py_TYPE(self.ptr())), name.get()));
+    return !theirs.is(steal(PyObject_GetAttr(reinterpret_cast<PyObject*>(own), name.get())));
+}
+
+// Ends a deallocator: gives the contents and the memory of a list or dict back, then the reference to the type.
+// Nested containers are unwound by the trashcan instead of the C stack.
+template <class ClearOwn>
+void dealloc_container(PyObject* self, PyTypeObject* own, PyTypeObject* base, destructor dealloc, ClearOwn clear_own) {
+    PyTypeObject* type = Py_TYPE(self);
+    PyObject_GC_UnTrack(self);
+#if PY_VERSION_HEX >= 0x03090000
+    Py_TRASHCAN_BEGIN(self, dealloc);
+    clear_own();
+    base->tp_dealloc(self);
+    release_type(type, own);
+    Py_TRASHCAN_END;
+#else
+    // The base's own trashcan would put the half-cleared object aside at the deepest level: it runs one level up.
+    Py_TRASHCAN_SAFE_BEGIN(self);
+    clear_own();
+    base->tp_clear(self);
+    PyThreadState* state = PyThreadState_GET();
+    --state->trash_delete_nesting;
+    base->tp_dealloc(self);
+    ++state->trash_delete_nesting;
+    release_type(type, own);
+    Py_TRASHCAN_SAFE_END(self);
+    static_cast<void>(dealloc);
+#endif
+}
+
+// Exchanges the contents of two lists without touching an element.
+inline void swap_lists(PyObject* a, PyObject* b) {
+    auto* left = reinterpret_cast<PyListObject*>(a);
+    auto* right = reinterpret_cast<PyListObject*>(b);
+    std::swap(left->ob_item, right->ob_item);
+    std::swap(left->allocated, right->allocated);
+    std::swap(left->ob_base.ob_size, right->ob_base.ob_size);
+}
+
+// The start of every instance of a class derived from dict that has to notice its changes.
+struct VersionedDict {
+    PyDictObject dict;
+#if PY_VERSION_HEX >= 0x030C0000
+    std::uint64_t changes;  // 0 before the first question
+#endif
+};
+
+// A number, never 0, that is another one after every change of the dict, whichever road the change took.
+inline std::uint64_t version_of(VersionedDict& dict) {
+#if PY_VERSION_HEX >= 0x030C0000
+    if (!dict.changes) {
+        static const int watcher =
+            checked(PyDict_AddWatcher([](PyDict_WatchEvent, PyObject* changed, PyObject*, PyObject*) {
+                ++reinterpret_cast<VersionedDict*>(changed)->changes;
+                return 0;
+            }));
+        checked(PyDict_Watch(watcher, reinterpret_cast<PyObject*>(&dict)));
+        dict.changes = 1;
+    }
+    return dict.changes;
+#else
+    return dict.dict.ma_version_tag;
+#endif
+}
+
+// Looks keys up in a dict. Keys that come in the dict's order and are its own objects cost no hashing.
+class DictCursor {
+public:
+    explicit DictCursor(py::handle dict) : dict_(dict.ptr()) {}
+
+    // Borrowed; null where the dict doesn't have the key.
+    PyObject* find(PyObject* key) {
+        if (misses_ < kMaxMisses) {
+            Py_ssize_t position = position_;
+            PyObject *candidate, *value;
+            for (int step = 0; step < 2 && PyDict_Next(dict_, &position, &candidate, &value); ++step)
+                if (candidate == key) {
+                    position_ = position;
+                    misses_ = 0;
+                    return value;
+                }
+            ++misses_;
+        }
+        const py::object keep = borrow(key);  // a comparison may run code that drops it
+        PyObject* value = PyDict_GetItemWithError(dict_, key);
+        if (!value && PyErr_Occurred()) throw PythonError{};
+        return value;
+    }
+
+private:
+    static constexpr int kMaxMisses = 16;  // in a row, after which the orders are taken to differ
+    PyObject* dict_;
+    Py_ssize_t position_ = 0;
+    int misses_ = 0;
+};
+
+}  // namespace zelvanpy

@@ -1,0 +1,50 @@
+#pragma once
+// A list of tuples of one length, or of scalars, with selection by patterns.
+
+#include "pattern.h"
+#include "pybase.h"
+
+namespace zelvanpy {
+
+// What is computed from the members and dropped by the methods that change them.
+struct Derived {
+    std::vector<std::shared_ptr<Members>> members;  // of all indices, each once
+    std::vector<std::shared_ptr<KeyIndex>> indices;
+    py::object contents;       // set of the members
+    py::object neighbours[4];  // dicts of prev, next, prevc, nextc
+};
+
+struct TupleList {
+    PyListObject list;
+    PyObject* wild;  // null stands for "*"
+    Py_ssize_t kind;
+    Derived* derived;  // null when nothing is built
+    PyObject* dict;
+    PyObject* weakrefs;
+
+    // `kind` is a length plus one, or one of these. An instance that list made by itself is of unknown kind.
+    static constexpr Py_ssize_t kUnknown = 0, kScalars = -1, kTuples = -2;
+
+    py::handle self() { return reinterpret_cast<PyObject*>(this); }
+    Py_ssize_t size() const { return PyList_GET_SIZE(reinterpret_cast<const PyObject*>(this)); }
+    PyObject* member(Py_ssize_t i) const { return list.ob_item[i]; }
+    bool scalar() const { return kind == kScalars; }
+};
+
+extern PyTypeObject* TupleList_Type;
+
+inline bool is_tuplelist(py::handle h) { return PyObject_TypeCheck(h.ptr(), TupleList_Type); }
+inline TupleList& as_tuplelist(py::handle h) { return *reinterpret_cast<TupleList*>(h.ptr()); }
+
+// A new tuplelist with the members of a plain list that nobody else holds, which is empty afterwards.
+// ValueError where the members don't fit together. `wild` null stands for "*".
+py::object new_tuplelist(py::object plain, py::handle wild = {});
+// tuplelist.extend: all members or, with ValueError, none.
+void tuplelist_extend(TupleList& list, py::handle members);
+void tuplelist_clean(TupleList& list);
+py::object tuplelist_wild(const TupleList& list);
+Derived& derived_of(TupleList& list);
+
+void init_tuplelist(py::module_& module);
+
+}  // namespace zelvanpy
