@@ -12,10 +12,6 @@ namespace {
 
 constexpr std::uint8_t kLowerSet = 1, kUpperSet = 2;
 
-double bound_value(double value) {
-    return std::fabs(value) >= kInfinityThreshold ? std::copysign(kInfinity, value) : value;
-}
-
 // What an expression holds besides its terms, which go into the row under construction.
 struct Expression {
     bool any = false;
@@ -131,7 +127,8 @@ void LpReader::objective() {
     const Expression sum = expression(1.0, true);
     if (lexer_.kind != LpToken::kSection && lexer_.kind != LpToken::kEnd)
         unexpected("a term of the objective or Subject To");
-    if (std::fabs(sum.constant) >= kInfinity) source_.fail(lexer_.line, "the constant of the objective is infinite");
+    if (std::fabs(sum.constant) >= kInfinityThreshold)
+        source_.fail(lexer_.line, "the constant of the objective is too large");
     out_.obj_constant = sum.constant;
     Rows& rows = out_.rows;
     for (std::size_t k = 0; k < rows.col.size(); ++k) out_.cols.obj[rows.col[k]] = rows.val[k];
@@ -170,14 +167,18 @@ void LpReader::constraint() {
     const bool rising = op == LpToken::kLess;
     const double lower = (rising ? left.constant : right) - middle.constant;
     const double upper = (rising ? right : left.constant) - middle.constant;
-    if (lower > upper) source_.fail(lexer_.line, "the sides of the range exclude each other");
+    if (lower > upper || lower >= kInfinityThreshold || upper <= -kInfinityThreshold)
+        source_.fail(lexer_.line, "the sides of the range exclude each other");
     close_row(name, lower, upper);
 }
 
 void LpReader::one_sided(std::string_view name, LpToken op, double rhs) {
+    const double right = clipped(rhs);
+    if ((op != LpToken::kLess && right == kInfinity) || (op != LpToken::kGreater && right == -kInfinity))
+        source_.fail(lexer_.line, "the constraint has its right side on the wrong side of infinity");
     close_row(name, 0.0, 0.0);
     out_.rows.sense.back() = op == LpToken::kLess ? '<' : op == LpToken::kGreater ? '>' : '=';
-    out_.rows.rhs.back() = rhs;
+    out_.rows.rhs.back() = right;
 }
 
 // Terms of one variable were added up; what is 0 then is no entry.
@@ -246,7 +247,8 @@ Expression LpReader::expression(double scale, bool several_lines) {
 }
 
 void LpReader::add_term(std::string_view name, double coeff) {
-    if (std::fabs(coeff) >= kInfinity) source_.fail(lexer_.line, "the coefficient of " + quoted(name) + " is infinite");
+    if (std::fabs(coeff) >= kInfinityThreshold)
+        source_.fail(lexer_.line, "the coefficient of " + quoted(name) + " is too large");
     const int col = new_column(name);
     Rows& rows = out_.rows;
     if (entry_[col] >= rows.start.back()) {
@@ -334,12 +336,16 @@ void LpReader::bound() {
 
 void LpReader::set_bound(int col, LpToken op, double value, bool value_first) {
     const LpToken side = value_first ? flipped(op) : op;
+    const double limit = clipped(value);
+    if ((side != LpToken::kLess && limit == kInfinity) || (side != LpToken::kGreater && limit == -kInfinity))
+        source_.fail(lexer_.line,
+                     "variable " + quoted(col_names_.name(col)) + " has a bound on the wrong side of infinity");
     if (side != LpToken::kLess) {
-        out_.cols.lb[col] = bound_value(value);
+        out_.cols.lb[col] = limit;
         bound_flags_[col] |= kLowerSet;
     }
     if (side != LpToken::kGreater) {
-        out_.cols.ub[col] = bound_value(value);
+        out_.cols.ub[col] = limit;
         bound_flags_[col] |= kUpperSet;
     }
 }

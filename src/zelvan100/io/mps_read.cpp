@@ -25,19 +25,26 @@ int parse_sense(std::string_view word) {
     return 0;
 }
 
-double bound_value(double value) {
-    return std::fabs(value) >= kInfinityThreshold ? std::copysign(kInfinity, value) : value;
-}
-
 enum class Value { kNeeded, kOptional, kNone };
+enum class Bound { kKept, kGiven, kInfinite, kOfBinary };  // what becomes of a bound
 struct BoundCode {
     std::string_view code;
     Value value;
+    Bound lower, upper;
+    char type;  // of the column, 0 when it stays
 };
 constexpr BoundCode kBoundCodes[] = {
-    {"UP", Value::kNeeded}, {"LO", Value::kNeeded},   {"FX", Value::kNeeded},   {"BV", Value::kNone},
-    {"FR", Value::kNone},   {"MI", Value::kNone},     {"PL", Value::kNone},     {"LI", Value::kNeeded},
-    {"UI", Value::kNeeded}, {"SC", Value::kOptional}, {"SI", Value::kOptional},
+    {"UP", Value::kNeeded, Bound::kKept, Bound::kGiven, 0},
+    {"LO", Value::kNeeded, Bound::kGiven, Bound::kKept, 0},
+    {"FX", Value::kNeeded, Bound::kGiven, Bound::kGiven, 0},
+    {"FR", Value::kNone, Bound::kInfinite, Bound::kInfinite, 0},
+    {"MI", Value::kNone, Bound::kInfinite, Bound::kKept, 0},
+    {"PL", Value::kNone, Bound::kKept, Bound::kInfinite, 0},
+    {"BV", Value::kNone, Bound::kOfBinary, Bound::kOfBinary, 'B'},
+    {"LI", Value::kNeeded, Bound::kGiven, Bound::kKept, 'I'},
+    {"UI", Value::kNeeded, Bound::kKept, Bound::kGiven, 'I'},
+    {"SC", Value::kOptional, Bound::kKept, Bound::kGiven, 'S'},
+    {"SI", Value::kOptional, Bound::kKept, Bound::kGiven, 'N'},
 };
 
 constexpr std::string_view kUnsupported[] = {
@@ -82,7 +89,8 @@ private:
     void new_column(const MpsLine& line);
     void add_entry(const MpsLine& line, std::string_view row_name, std::string_view number);
     bool in_chosen_set(ChosenSet& set, std::string_view name, const char* what);
-    void set_bound(std::string_view code, int col, double value);
+    void set_bound(const MpsLine& line, const BoundCode& bound, int col, double value);
+    double side(const MpsLine& line, char sense, double value) const;
     int find_row(const MpsLine& line, std::string_view name) const;
     double number(const MpsLine& line, std::string_view text) const;
     double finite_number(const MpsLine& line, std::string_view text) const;
@@ -295,7 +303,7 @@ void MpsReader::rhs_line(const MpsLine& line) {
         if (rhs_given_[row]++) fail(line, "row " + quoted(line.field[k]) + " has two right-hand sides");
         const int index = row_index_[row];
         if (index >= 0)
-            out_.rows.rhs[index] = value;
+            out_.rows.rhs[index] = side(line, out_.rows.sense[index], value);
         else if (index == kObjectiveRow)
             out_.obj_constant = -finite_number(line, line.field[k + 1]);
     }
@@ -336,30 +344,27 @@ void MpsReader::bound_line(const MpsLine& line) {
     const int col = col_names_.find(line.field[at]);
     if (col < 0) fail(line, "unknown column " + quoted(line.field[at]) + ", expected one of section COLUMNS");
     const bool read_value = with_value && known->value != Value::kNone;
-    const double value = read_value ? bound_value(number(line, line.field[at + 1])) : kInfinity;
+    const double value = read_value ? clipped(number(line, line.field[at + 1])) : kInfinity;
     if (at == 2 && !in_chosen_set(bound_set_, line.field[1], "bounds")) return;
-    set_bound(code, col, value);
+    set_bound(line, *known, col, value);
 }
 
-void MpsReader::set_bound(std::string_view code, int col, double value) {
+void MpsReader::set_bound(const MpsLine& line, const BoundCode& bound, int col, double value) {
+    if ((bound.lower == Bound::kGiven && value == kInfinity) || (bound.upper == Bound::kGiven && value == -kInfinity))
+        fail(line, "column " + quoted(col_names_.name(col)) + " has a bound on the wrong side of infinity");
     double& lb = out_.cols.lb[col];
     double& ub = out_.cols.ub[col];
     char& type = out_.cols.type[col];
-    const bool lower = code == "LO" || code == "LI", upper = code == "UP" || code == "UI";
-    if (code == "LI" || code == "UI") type = type == 'C' ? 'I' : type == 'S' ? 'N' : type;
-    if (code == "BV") type = 'B';
-    if (code == "SC") type = 'S';
-    if (code == "SI") type = 'N';
-    if (lower || code == "FX") lb = value;
-    if (code == "FR" || code == "MI") lb = -kInfinity;
-    if (upper || code == "FX" || code == "SC" || code == "SI") ub = value;
-    if (code == "FR" || code == "PL") ub = kInfinity;
-    if (code == "BV") {
-        lb = 0.0;
-        ub = 1.0;
-    }
-    const bool sets_lower = lower || code == "FX" || code == "FR" || code == "MI" || code == "BV";
-    bound_flags_[col] |= sets_lower ? kLowerSet | kBounded : kBounded;
+    if (bound.lower != Bound::kKept)
+        lb = bound.lower == Bound::kGiven ? value : bound.lower == Bound::kInfinite ? -kInfinity : 0.0;
+    if (bound.upper != Bound::kKept)
+        ub = bound.upper == Bound::kGiven ? value : bound.upper == Bound::kInfinite ? kInfinity : 1.0;
+    // LI and UI make an integer column of a continuous one only.
+    if (bound.type == 'I')
+        type = type == 'C' ? 'I' : type == 'S' ? 'N' : type;
+    else if (bound.type != 0)
+        type = bound.type;
+    bound_flags_[col] |= bound.lower != Bound::kKept ? kLowerSet | kBounded : kBounded;
 }
 
 bool MpsReader::in_chosen_set(ChosenSet& set, std::string_view name, const char* what) {
@@ -387,8 +392,15 @@ double MpsReader::number(const MpsLine& line, std::string_view text) const {
 
 double MpsReader::finite_number(const MpsLine& line, std::string_view text) const {
     const double value = number(line, text);
-    if (std::fabs(value) >= kInfinity) fail(line, quoted(text) + " is too large, expected a finite number");
+    if (std::fabs(value) >= kInfinityThreshold) fail(line, quoted(text) + " is too large, expected a finite number");
     return value;
+}
+
+double MpsReader::side(const MpsLine& line, char sense, double value) const {
+    const double right = clipped(value);
+    if ((sense != '<' && right == kInfinity) || (sense != '>' && right == -kInfinity))
+        fail(line, "right-hand side on the wrong side of infinity");
+    return right;
 }
 
 void MpsReader::finish() {
