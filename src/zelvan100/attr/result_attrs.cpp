@@ -48,7 +48,7 @@ double pool_objective_value(const Model& m) {
 }
 
 double mip_gap(const Model& m) {
-    return defined(m.solution.mip_gap, "it belongs to a model with integers that has been solved");
+    return defined(m.solution.mip_gap, "the latest solve left no objective value and bound to compare");
 }
 
 double runtime(const Model& m) { return m.solution.runtime; }

@@ -1,0 +1,612 @@
+"""Parameters and attributes of the library, through its C interface."""
+
+import ctypes
+import importlib.util
+import math
+import pathlib
+import random
+import subprocess
+import sys
+
+import pytest
+from hypothesis import given, settings
+from hypothesis import strategies as st
+
+INF, UNDEFINED = 1e100, 1e101
+NULL_ARGUMENT, INVALID, UNKNOWN_ATTR, NOT_AVAILABLE = 10002, 10003, 10004, 10005
+BAD_INDEX, UNKNOWN_PARAM, BAD_VALUE, FILE_READ, FILE_WRITE = 10006, 10007, 10008, 10012, 10013
+CHAR, INT, DOUBLE, STRING = range(4)
+MODEL, VAR, CONSTR = range(3)
+LOG_CALLBACK = ctypes.CFUNCTYPE(ctypes.c_int, ctypes.c_char_p, ctypes.c_void_p)
+
+PACKAGE = pathlib.Path(importlib.util.find_spec("zelvanpy").submodule_search_locations[0])
+lib = ctypes.CDLL(str(PACKAGE / "libzelvan100.so"))
+lib.ZVNgeterrormsg.restype = lib.ZVNgetmerrormsg.restype = ctypes.c_char_p
+lib.ZVNgetenv.restype = ctypes.c_void_p
+
+C_TYPES = {CHAR: ctypes.c_char, INT: ctypes.c_int, DOUBLE: ctypes.c_double, STRING: ctypes.c_char_p}
+C_NAMES = {CHAR: "char", INT: "int", DOUBLE: "dbl", STRING: "str"}
+
+
+def ints(values):
+    return (ctypes.c_int * len(values))(*values)
+
+
+def doubles(values):
+    return (ctypes.c_double * len(values))(*values)
+
+
+class Refused(Exception):
+    def __init__(self, code, text):
+        super().__init__(code, text)
+        self.code, self.text = code, text
+
+
+class Env:
+    """An environment; ctypes handles with failures as exceptions."""
+
+    def __init__(self, start=True):
+        self.handle = ctypes.c_void_p()
+        assert not lib.ZVNemptyenvadvinternal(
+            ctypes.byref(self.handle), 0, 10, 0, 3, None, None, None, None, 0, 0, None
+        )
+        self.set("LogToConsole", 0)
+        if start:
+            self.call("ZVNstartenv")
+
+    def call(self, function, *args):
+        code = getattr(lib, function)(self.handle, *args)
+        if code:
+            raise Refused(code, lib.ZVNgeterrormsg(self.handle).decode())
+
+    def type(self, name):
+        return lib.ZVNgetparamtype(self.handle, name.encode())
+
+    def set(self, name, value, kind=None):
+        kind = kind or self.type(name)
+        if kind == 3:
+            self.call("ZVNsetstrparam", name.encode(), value.encode())
+        elif kind == 2:
+            self.call("ZVNsetdblparam", name.encode(), ctypes.c_double(value))
+        else:
+            self.call("ZVNsetintparam", name.encode(), value)
+
+    def info(self, name):
+        """Value, minimum, maximum, default."""
+        c_type, function = {
+            1: (ctypes.c_int, "ZVNgetintparaminfo"),
+            2: (ctypes.c_double, "ZVNgetdblparaminfo"),
+        }[self.type(name)]
+        values = [c_type() for _ in range(4)]
+        self.call(function, name.encode(), *map(ctypes.byref, values))
+        return [v.value for v in values]
+
+    def text(self, name, size=100000):
+        buffer, length = ctypes.create_string_buffer(size), ctypes.c_int()
+        self.call("ZVNgetlongstrparam", name.encode(), buffer, size, ctypes.byref(length))
+        return buffer.value, length.value
+
+    def value(self, name):
+        return self.text(name)[0].decode() if self.type(name) == 3 else self.info(name)[0]
+
+    def flags(self, name):
+        flags = ctypes.c_uint()
+        self.call("ZVNgetparamflags", name.encode(), ctypes.byref(flags))
+        return flags.value
+
+    def names(self):
+        name = ctypes.c_char_p()
+        for i in range(lib.ZVNgetnumparams(self.handle)):
+            self.call("ZVNgetparamname", i, ctypes.byref(name))
+            yield name.value.decode()
+
+    def values(self):
+        return {name: self.value(name) for name in self.names()}
+
+
+class Model:
+    """A model of the given columns; rows are (dict, sense, rhs) tuples."""
+
+    def __init__(self, env, lb=(), ub=(), obj=(), vtype="", rows=()):
+        self.handle = ctypes.c_void_p()
+        n = len(lb)
+        arrays = [doubles(a) for a in (obj or [0] * n, lb, ub)]
+        env.call("ZVNnewmodel", ctypes.byref(self.handle), b"test", n, *arrays, vtype.encode() or None, None)
+        self.env = Env.__new__(Env)
+        self.env.handle = ctypes.c_void_p(lib.ZVNgetenv(self.handle))
+        for entries, sense, rhs in rows:
+            self.add_row(entries, sense, rhs)
+        self.update()
+
+    def call(self, function, *args):
+        code = getattr(lib, function)(self.handle, *args)
+        if code:
+            raise Refused(code, lib.ZVNgetmerrormsg(self.handle).decode())
+
+    def update(self):
+        self.call("ZVNupdatemodel")
+
+    def add_row(self, entries, sense, rhs):
+        ind, val = ints(entries.keys()), doubles(entries.values())
+        self.call("ZVNaddconstr", len(ind), ind, val, ctypes.c_char(sense.encode()), ctypes.c_double(rhs), None)
+
+    def info(self, name):
+        """Type, kind, settable."""
+        values = [ctypes.c_int() for _ in range(3)]
+        self.call("ZVNgetattrinfo", name.encode(), *map(ctypes.byref, values))
+        return tuple(v.value for v in values)
+
+    def names(self):
+        name = ctypes.c_char_p()
+        for i in range(lib.ZVNgetnumattributes(self.handle)):
+            self.call("ZVNgetattrname", i, ctypes.byref(name))
+            yield name.value.decode()
+
+    def get(self, name, ind=None):
+        kind = self.info(name)[0]
+        c_type = C_TYPES[kind]
+        if isinstance(ind, (list, range)):
+            values = (c_type * len(ind))()
+            self.call("ZVNget%sattrlist" % C_NAMES[kind], name.encode(), len(ind), ints(ind), values)
+            return [v.decode() if isinstance(v, bytes) else v for v in values]
+        value = c_type()
+        shape = "attr" if ind is None else "attrelement"
+        where = () if ind is None else (ind,)
+        self.call("ZVNget%s%s" % (C_NAMES[kind], shape), name.encode(), *where, ctypes.byref(value))
+        return value.value.decode() if isinstance(value.value, bytes) else value.value
+
+    def set(self, name, value, ind=None):
+        kind = self.info(name)[0]
+        c_type = C_TYPES[kind]
+        encode = (lambda v: v.encode()) if kind in (CHAR, STRING) else (lambda v: v)
+        if isinstance(ind, (list, range)):
+            values = (c_type * len(ind))(*map(encode, value))
+            return self.call("ZVNset%sattrlist" % C_NAMES[kind], name.encode(), len(ind), ints(ind), values)
+        shape = "attr" if ind is None else "attrelement"
+        where = () if ind is None else (ind,)
+        return self.call("ZVNset%s%s" % (C_NAMES[kind], shape), name.encode(), *where, c_type(encode(value)))
+
+    def refused(self, *args):
+        with pytest.raises(Refused) as caught:
+            getattr(self, args[0])(*args[1:])
+        return caught.value
+
+
+@pytest.fixture
+def env():
+    env = Env()
+    yield env
+    lib.ZVNfreeenv(env.handle)
+
+
+@pytest.fixture
+def make(env):
+    models = []
+
+    def build(*args, **kwargs):
+        models.append(Model(env, *args, **kwargs))
+        return models[-1]
+
+    yield build
+    for model in models:
+        lib.ZVNfreemodel(model.handle)
+
+
+@pytest.fixture
+def small(make):
+    """Three columns (continuous, integer, binary) and two rows."""
+    return make(
+        [0, -2, 0], [INF, 5, 1], [1, -3, 0.5], "CIB", [({0: 2, 1: 1}, "<", 4), ({1: -8, 2: 0.25}, ">", -10)]
+    )
+
+
+# --- parameters
+
+
+def test_every_parameter_is_found_in_any_case_and_starts_at_a_default_within_its_range(env):
+    names = list(env.names())
+    assert len(names) == len(set(names)) == 172
+    for name in names:
+        kind = env.type(name)
+        assert kind == env.type(name.upper()) == env.type(name.lower()) in (1, 2, 3)
+        if kind != 3:
+            value, minimum, maximum, default = env.info(name)
+            assert minimum <= default <= maximum, name
+            assert value == default or name == "LogToConsole"
+    assert env.type("") == env.type("Thread") == env.type("Threadss") == -1
+    assert {n for n in names if env.flags(n) & 32} >= {"WorkerPassword", "ServerPassword", "CloudSecretKey"}
+
+
+@pytest.mark.parametrize(
+    "name, good, bad",
+    [("method", 5, 6), ("THREADS", 1024, -1), ("MIPGap", 0.5, -1e-9), ("FeasibilityTol", 1e-9, 0.011)],
+)
+def test_a_value_out_of_range_is_refused_and_changes_nothing(env, name, good, bad):
+    env.set(name, good)
+    with pytest.raises(Refused) as caught:
+        env.set(name, bad)
+    assert caught.value.code == BAD_VALUE
+    assert all(str(part) in caught.value.text.lower() for part in (name.lower(), bad))
+    assert env.value(name) == good
+    with pytest.raises(Refused) as caught:
+        env.set(name, "x", kind=3)
+    assert caught.value.code == INVALID
+
+
+def test_infinite_and_undefined_doubles(env):
+    env.set("TimeLimit", 7.5)
+    env.set("TimeLimit", math.inf)
+    assert env.value("TimeLimit") == INF
+    env.set("Cutoff", -math.inf)
+    assert env.value("Cutoff") == -INF
+    with pytest.raises(Refused) as caught:
+        env.set("TimeLimit", math.nan)
+    assert caught.value.code == BAD_VALUE and env.value("TimeLimit") == INF
+    with pytest.raises(Refused) as caught:
+        env.set("NoSuchThing", 1, kind=1)
+    assert caught.value.code == UNKNOWN_PARAM and "NoSuchThing" in caught.value.text
+
+
+def test_a_long_string_is_kept_whole_and_cut_where_the_buffer_is_short(env):
+    value = "".join(random.Random(3).choice("abc xyz") for _ in range(2000))
+    env.set("CSAppName", value)
+    assert env.text("CSAppName") == (value.encode(), 2000)
+    assert env.text("CSAppName", 512) == (value[:511].encode(), 2000)
+    short = ctypes.create_string_buffer(512)
+    env.call("ZVNgetstrparaminfo", b"CSAppName", short, None)
+    assert short.value == value[:511].encode()
+
+
+def changeable(kind):
+    return st.text(max_size=30).filter(lambda s: "\0" not in s) if kind == 3 else st.floats(0, 1)
+
+
+@settings(max_examples=60)
+@given(st.data())
+def test_a_parameter_file_brings_back_every_value(tmp_path_factory, data):
+    path = str(tmp_path_factory.getbasetemp() / "round.prm").encode()
+    env, other = Env(start=False), Env(start=False)
+    try:
+        for name in data.draw(st.lists(st.sampled_from(list(env.names())), unique=True, max_size=15)):
+            if env.type(name) == 3:
+                env.set(name, data.draw(st.text(st.characters(blacklist_categories=["Cs", "Cc"]), max_size=30)))
+            else:
+                _, minimum, maximum, _ = env.info(name)
+                draw = st.integers if env.type(name) == 1 else st.floats
+                env.set(name, data.draw(draw(minimum, maximum)))
+        env.call("ZVNwriteparams", path)
+        other.call("ZVNresetparams")
+        other.call("ZVNreadparams", path)
+        hidden = {name for name in env.names() if env.flags(name) & 32}
+        for name, value in env.values().items():
+            assert other.value(name) == (value if name not in hidden else ""), name
+    finally:
+        lib.ZVNfreeenv(env.handle)
+        lib.ZVNfreeenv(other.handle)
+
+
+def test_a_parameter_file_may_hold_comments_and_any_case_but_no_fault(env, tmp_path):
+    path = tmp_path / "a.prm"
+    path.write_text('# first\r\n\r\n  mipGAP\t+1e-3  # tight\nLOGFILE ""\ncsappname "a \\"b\\" # c "\nTimeLimit inf')
+    env.set("TimeLimit", 3)
+    env.call("ZVNreadparams", str(path).encode())
+    assert (env.value("MIPGap"), env.value("CSAppName"), env.value("TimeLimit")) == (1e-3, 'a "b" # c ', INF)
+    before = env.values()
+    for fault, code, word in [
+        ("Nonsense 1", UNKNOWN_PARAM, "Nonsense"),
+        ("Threads 2.5", FILE_READ, "2.5"),
+        ("Threads", FILE_READ, "Threads"),
+        ("Method 9", BAD_VALUE, "Method"),
+        ('CSAppName "open', FILE_READ, "quote"),
+    ]:
+        path.write_text("Seed 77\n# fine\n" + fault + "\n")
+        with pytest.raises(Refused) as caught:
+            env.call("ZVNreadparams", str(path).encode())
+        assert caught.value.code == code and "line 3" in caught.value.text and word in caught.value.text
+        assert env.values() == before
+    with pytest.raises(Refused) as caught:
+        env.call("ZVNreadparams", str(tmp_path / "missing.prm").encode())
+    assert caught.value.code == FILE_READ and "missing.prm" in caught.value.text
+
+
+def test_a_secret_is_in_no_parameter_file(env, tmp_path):
+    env.set("ServerPassword", "hush-hush")
+    path = tmp_path / "secret.prm"
+    env.call("ZVNwriteparams", str(path).encode())
+    assert "hush" not in path.read_text() and "ServerPassword" in path.read_text()
+
+
+def test_the_log_goes_to_callback_and_file_as_the_parameters_say(env, make, tmp_path):
+    seen = []
+    callback = LOG_CALLBACK(lambda message, _: seen.append(message.decode()) or 0)
+    env.call("ZVNsetlogcallbackfuncenv", callback, None)
+    first, second = tmp_path / "first.log", tmp_path / "second.log"
+    first.write_text("old\n")
+    env.set("LogFile", str(first))
+    model = make()
+    env.set("LogToConsole", 1)
+    lib.ZVNmsg(env.handle, b"one\n")
+    with pytest.raises(Refused) as caught:
+        env.set("LogFile", str(tmp_path / "no" / "folder.log"))
+    assert caught.value.code == FILE_WRITE and "folder.log" in caught.value.text
+    assert env.value("LogFile") == str(first)
+    lib.ZVNmsg(model.env.handle, b"from the model\n")
+    env.set("LogToConsole", 0)
+    lib.ZVNmsg(env.handle, b"two\n")
+    env.set("LogFile", str(second))
+    lib.ZVNmsg(env.handle, b"three\n")
+    env.set("OutputFlag", 0)
+    lib.ZVNmsg(env.handle, b"four\n")
+    env.call("ZVNresetparams")
+    lib.ZVNmsg(env.handle, b"five\n")
+    assert first.read_text() == "old\none\nfrom the model\ntwo\n"
+    assert second.read_text() == "three\n"
+    assert seen == ["one\n", "five\n"]
+    env.call("ZVNsetlogcallbackfuncenv", None, None)
+
+
+def test_the_document_of_the_parameters_is_current():
+    script = pathlib.Path(__file__).resolve().parent.parent / "docs" / "make_parameters.py"
+    result = subprocess.run([sys.executable, str(script), "--check"], stderr=subprocess.PIPE, universal_newlines=True)
+    assert result.returncode == 0, result.stderr
+
+
+# --- attributes
+
+# A legal value that differs from the one before, for each settable attribute of a model with objects.
+LEGAL = {
+    "LB": -7.5,
+    "UB": 3.0,
+    "VType": "S",
+    "Sense": "=",
+    "ModelSense": -1,
+    "NumStart": 1,
+    "NumObj": 3,
+    "VBasis": -2,
+    "CBasis": -1,
+    "IISLBForce": 1,
+    "IISUBForce": 0,
+    "IISConstrForce": 1,
+}
+BY_TYPE = {INT: 1, DOUBLE: 2.5, STRING: "text"}
+
+
+def settable_names(model):
+    for name in model.names():
+        kind, objects, settable = model.info(name)
+        if settable and objects <= CONSTR and not name.startswith("ScenN"):
+            yield name, LEGAL.get(name, BY_TYPE.get(kind)), (None if objects == MODEL else 1)
+
+
+def test_every_attribute_is_found_in_any_case(small):
+    names = list(small.names())
+    assert len(names) == len(set(names)) == 179
+    for name in names:
+        info = small.info(name)
+        assert info == small.info(name.upper()) == small.info(name.lower())
+        assert info[0] in range(4) and info[1] in range(6) and info[2] in (0, 1)
+    error = small.refused("get", "NumVarss")
+    assert error.code == UNKNOWN_ATTR and "NumVarss" in error.text
+    assert small.info("X") == (DOUBLE, VAR, 0) and small.info("sense") == (CHAR, CONSTR, 1)
+
+
+def test_a_write_shows_after_the_update_and_not_before(small):
+    small.call("ZVNsetobjectiven", 1, 0, *map(ctypes.c_double, (1, 0, 0)), None, ctypes.c_double(0), 0, None, None)
+    small.update()
+    small.env.set("ObjNumber", 1)
+    for name, value, where in settable_names(small):
+        try:
+            before = small.get(name, where)
+        except Refused as error:
+            assert error.code == NOT_AVAILABLE
+            before = None
+        assert before != value, name
+        small.set(name, value, where)
+        if before is not None:
+            assert small.get(name, where) == before, name
+        small.update()
+        assert small.get(name, where) == value, name
+
+
+def test_objects_that_await_the_update_can_be_written_but_not_read(small):
+    small.call("ZVNaddvar", 0, None, None, *map(ctypes.c_double, (0, 0, 1)), ctypes.c_char(b"C"), b"late")
+    small.set("UB", [9, 8], [3, 0])
+    error = small.refused("get", "UB", 3)
+    assert error.code == BAD_INDEX and "'UB'" in error.text and "3" in error.text
+    small.env.set("UpdateMode", 0)
+    assert small.refused("set", "UB", 5.0, 3).code == BAD_INDEX
+    small.update()
+    assert small.get("UB", [0, 3]) == [8, 9] and small.get("VarName", range(4)) == ["C0", "C1", "C2", "late"]
+
+
+def test_a_bad_value_is_refused_by_name_and_index_and_nothing_of_its_list_is_kept(small):
+    def state():
+        small.update()
+        return [small.get(name, range(3)) for name in ("LB", "UB", "Obj", "VType", "VarName")] + [
+            small.get(name, range(2)) for name in ("Sense", "RHS")
+        ]
+
+    before = state()
+    for name, good, bad in [
+        ("LB", 1.0, math.nan),
+        ("LB", 1.0, INF),
+        ("UB", 1.0, -INF),
+        ("Obj", 1.0, INF),
+        ("VType", "B", "Q"),
+        ("VarName", "fine", "n" * 256),
+        ("Sense", "<", "R"),
+        ("RHS", 1.0, math.nan),
+        ("VBasis", 0, 1),
+        ("PoolIgnore", 1, 2),
+    ]:
+        error = small.refused("set", name, [good, bad], [0, 1])
+        assert error.code in (INVALID, BAD_VALUE), name
+        assert "'%s'" % name in error.text and " 1" in error.text
+    for ind in ([0, 3], [0, -1]):
+        error = small.refused("set", "LB", [1.0, 1.0], ind)
+        assert error.code == BAD_INDEX and str(ind[1]) in error.text
+    assert state() == before
+    assert small.refused("set", "RHS", -INF, 0).code == BAD_VALUE
+    assert small.refused("set", "ModelSense", 0).code == BAD_VALUE
+    assert small.refused("set", "NumVars", 3).code == INVALID
+
+
+def test_calls_of_the_wrong_shape_type_or_index_are_refused(small):
+    value = ctypes.c_double()
+    for function, args, code in [
+        ("ZVNgetdblattr", (b"NumVars", ctypes.byref(value)), INVALID),
+        ("ZVNgetdblattr", (b"LB", ctypes.byref(value)), INVALID),
+        ("ZVNgetdblattrelement", (b"ObjCon", 0, ctypes.byref(value)), INVALID),
+        ("ZVNgetdblattrelement", (b"LB", 3, ctypes.byref(value)), BAD_INDEX),
+        ("ZVNgetdblattrelement", (b"LB", -1, ctypes.byref(value)), BAD_INDEX),
+        ("ZVNgetdblattrelement", (b"LB", 0, None), NULL_ARGUMENT),
+        ("ZVNgetdblattrelement", (None, 0, ctypes.byref(value)), NULL_ARGUMENT),
+        ("ZVNgetdblattrlist", (b"LB", -1, None, None), INVALID),
+        ("ZVNgetdblattrlist", (b"LB", 1, None, None), NULL_ARGUMENT),
+        ("ZVNsetdblattrelement", (b"QCRHS", 0, ctypes.c_double(1)), NOT_AVAILABLE),
+        ("ZVNprefetchattr", (b"Nope",), UNKNOWN_ATTR),
+    ]:
+        error = small.refused("call", function, *args)
+        assert error.code == code and error.text, (function, args)
+
+
+def test_what_is_not_there_is_said_by_name_and_never_invented(small):
+    for name in small.names():
+        kind, objects, _ = small.info(name)
+        available = lib.ZVNisattravailable(small.handle, name.encode())
+        where = None if objects == MODEL else 0
+        if available:
+            small.get(name, where)
+        else:
+            error = small.refused("get", name, where)
+            assert error.code == NOT_AVAILABLE and "'%s'" % name in error.text, name
+    gone = "X RC Pi Slack VBasis ObjVal MIPGap BoundVio IISConstr SAObjLow ScenNX BatchID Kappa QCPi".split()
+    assert not any(lib.ZVNisattravailable(small.handle, name.encode()) for name in gone)
+    assert [small.get(name) for name in ("NumSOS", "NumQConstrs", "NumGenConstrs", "IsQP", "NumScenarios")] == [0] * 5
+    assert small.get("QCPi", []) == []
+    assert small.get("Start", range(3)) == [UNDEFINED] * 3
+
+
+def test_counts_and_ranges_of_a_random_model(make):
+    rng = random.Random(5)
+    n = 40
+    lb = [rng.choice([0, -INF, -rng.uniform(1e-3, 9)]) for _ in range(n)]
+    ub = [rng.choice([INF, 1, rng.uniform(10, 1e6)]) for _ in range(n)]
+    obj = [rng.choice([0, rng.gauss(0, 100)]) for _ in range(n)]
+    vtype = "".join(rng.choice("CCCIBSN") for _ in range(n))
+    rows = [
+        ({j: rng.gauss(0, 10) for j in rng.sample(range(n), 5)}, rng.choice("<>="), rng.choice([0, rng.gauss(0, 50)]))
+        for _ in range(25)
+    ]
+    m = make(lb, ub, obj, vtype, rows)
+    assert [m.get(name) for name in ("NumVars", "NumConstrs", "NumNZs", "DNumNZs")] == [n, 25, 125, 125.0]
+    assert m.get("NumIntVars") == sum(t in "BIN" for t in vtype) and m.get("IsMIP") == 1
+    binary = [t == "B" or (t == "I" and (low, up) == (0, 1)) for t, low, up in zip(vtype, lb, ub)]
+    assert m.get("NumBinVars") == sum(binary)
+
+    def spans(values):
+        sizes = [abs(v) for v in values if 0 < abs(v) < INF]
+        return [min(sizes), max(sizes)]
+
+    bounds = m.get("LB", range(n)) + m.get("UB", range(n))
+    coefficients = [v for entries, _, _ in rows for v in entries.values()]
+    for suffix, values in [("Coeff", coefficients), ("ObjCoeff", obj), ("RHS", [r[2] for r in rows]), ("Bound", bounds)]:
+        assert [m.get("Min" + suffix), m.get("Max" + suffix)] == spans(values)
+    assert [make().get(name) for name in ("MinCoeff", "MaxBound", "NumNZs")] == [0, 0, 0]
+
+
+def test_the_fingerprint_tells_models_apart_and_ignores_names_and_the_order_within_a_row(make):
+    def build():
+        return make([0, 0], [4, 4], [1, 2], "CC", [({0: 1, 1: 2}, "<", 3)])
+
+    plain = build().get("Fingerprint")
+    assert make([0, 0], [4, 4], [1, 2], "CC", [({1: 2, 0: 1}, "<", 3)]).get("Fingerprint") == plain
+    changes = [("LB", 1.0, 0), ("UB", 3.0, 1), ("Obj", 1.5, 0), ("VType", "I", 0), ("RHS", 4.0, 0), ("Sense", "=", 0)]
+    prints = {plain}
+    for name, value, where in changes + [("ObjCon", 1.0, None), ("ModelSense", -1, None)]:
+        m = build()
+        m.set(name, value, where)
+        m.update()
+        prints.add(m.get("Fingerprint"))
+    assert len(prints) == 9
+    m = build()
+    m.set("VarName", "x", 0)
+    m.set("BranchPriority", 4, 1)
+    m.update()
+    assert m.get("Fingerprint") == plain
+
+
+def test_several_objectives_are_selected_by_a_parameter(small):
+    assert [small.get("NumObj"), small.get("IsMultiObj"), small.get("ObjN", range(3))] == [1, 0, [1, -3, 0.5]]
+    small.set("NumObj", 3)
+    small.env.set("ObjNumber", 2)
+    small.set("ObjN", [5, 6], [0, 2])
+    small.set("ObjNPriority", 7)
+    small.set("ObjNName", "third")
+    small.update()
+    assert [small.get(n) for n in ("NumObj", "IsMultiObj", "ObjNPriority", "ObjNName")] == [3, 1, 7, "third"]
+    assert small.get("ObjN", range(3)) == [5, 0, 6] and small.get("Obj", range(3)) == [1, -3, 0.5]
+    small.env.set("ObjNumber", 0)
+    small.set("ObjN", 4.0, 1)
+    small.set("NumObj", 2)
+    small.update()
+    assert small.get("Obj", 1) == 4
+    small.env.set("ObjNumber", 2)
+    assert small.refused("get", "ObjNWeight").code == NOT_AVAILABLE
+    assert small.refused("set", "ObjNWeight", 1.0).code == BAD_INDEX
+
+
+# --- what a solve leaves
+
+
+def quality(model, *names):
+    return [model.get(name) for name in names]
+
+
+def test_values_of_a_solved_model_agree_with_each_other(make):
+    rng = random.Random(8)
+    n, rows = 12, []
+    for _ in range(9):
+        entries = {j: rng.uniform(-1, 3) for j in rng.sample(range(n), 6)}
+        rows.append((entries, "<", rng.uniform(5, 20)))
+    obj = [rng.uniform(-5, 1) for _ in range(n)]
+    m = make([0] * n, [10] * n, obj, "", rows)
+    m.call("ZVNoptimize")
+    assert quality(m, "Status", "SolCount", "IsMIP") == [2, 1, 0]
+    x, rc, pi, slack = m.get("X", range(n)), m.get("RC", range(n)), m.get("Pi", range(9)), m.get("Slack", range(9))
+    assert m.get("ObjVal") == pytest.approx(sum(c * v for c, v in zip(obj, x)))
+    for (entries, _, rhs), s in zip(rows, slack):
+        assert s == pytest.approx(rhs - sum(a * x[j] for j, a in entries.items()))
+    for j in range(n):
+        assert rc[j] == pytest.approx(obj[j] - sum(p * r[0].get(j, 0) for p, r in zip(pi, rows)), abs=1e-9)
+    dual_bound = sum(p * r[2] for p, r in zip(pi, rows)) + sum(10 * min(d, 0) for d in rc)
+    assert m.get("ObjVal") == pytest.approx(dual_bound)
+    basic = m.get("VBasis", range(n)).count(0) + m.get("CBasis", range(9)).count(0)
+    assert basic == 9
+    assert max(quality(m, "MaxVio", "ConstrResidual", "DualResidual", "ComplVioSum")) < 1e-9
+    assert m.get("Xn", range(n)) == x and m.get("PoolObjVal") == m.get("ObjVal")
+    m.env.set("SolutionNumber", 1)
+    error = m.refused("get", "Xn", 0)
+    assert error.code == NOT_AVAILABLE and "SolutionNumber" in error.text
+    m.set("UB", 5.0, 0)
+    m.update()
+    assert m.refused("get", "X", 0).code == NOT_AVAILABLE and m.get("SolCount") == 0
+
+
+def test_violations_are_measured_where_a_loose_tolerance_lets_them_be(make):
+    rows = [({0: 10, 1: 10}, "<", 10), ({0: 5, 1: 5}, ">", 5.004)]
+    m = make([0, 0, 0], [INF, INF, INF], [1, 1, -0.004], "", rows)
+    for name, value in [("FeasibilityTol", 1e-2), ("OptimalityTol", 1e-2), ("Presolve", 0), ("ScaleFlag", 0)]:
+        m.env.set(name, value)
+    m.call("ZVNoptimize")
+    assert m.get("Status") == 2
+    x = m.get("X", range(3))
+    off = [max(0, 10 * (x[0] + x[1]) - 10), max(0, 5.004 - 5 * (x[0] + x[1]))]
+    worst = off.index(max(off))
+    assert max(off) > 3e-3
+    assert quality(m, "ConstrVio", "ConstrVioIndex", "ConstrVioSum") == [pytest.approx(max(off)), worst, pytest.approx(sum(off))]
+    assert m.get("ConstrSVio") == pytest.approx(max(off[0] / 10, off[1] / 5))
+    assert quality(m, "DualVio", "DualVioIndex") == [pytest.approx(0.004), 2 + 2]
+    assert m.get("MaxVio") == max(quality(m, "BoundVio", "ConstrVio", "DualVio"))
+    assert quality(m, "IntVio", "IntVioIndex", "BoundVioIndex") == [0, -1, -1]
+
