@@ -4,6 +4,7 @@
 #include <cstddef>
 
 #include "attrutil.h"
+#include "dormant.h"
 #include "exception.h"
 #include "pyargs.h"
 #include "pytype.h"
@@ -150,6 +151,7 @@ void store_field(Handle& self, PyObject* name, PyObject* value) {
         self.dict = steal(PyDict_New()).release().ptr();
         // Only now can the handle be part of a cycle. Instances of subclasses are tracked from the start.
         if (Py_TYPE(object_of(self).ptr()) == *kind_of(self).type) PyObject_GC_Track(object_of(self).ptr());
+        handle_gained_dict();
     }
     checked(PyDict_SetItem(self.dict, name, value));
 }

@@ -1,14 +1,15 @@
 #pragma once
 // The inert record of a comparison.
 
+#include "dormant.h"
 #include "pybase.h"
 
 namespace zelvanpy {
 
 struct TempConstr {
-    PyObject_HEAD
-    PyObject* lhs;
+    PyObject_HEAD PyObject* lhs;
     PyObject* rhs;
+    DormantLink link;
     char sense;  // '<', '>', '=', or 'I' for the indicator form
 };
 

@@ -1,0 +1,50 @@
+#pragma once
+// What the units of LinExpr share among themselves.
+
+#include <vector>
+
+#include "linexpr.h"
+
+namespace zelvanpy {
+
+constexpr std::uint32_t kInlineTerms = 2;
+constexpr std::uint32_t kBlockTerms = 200;  // a sum by `+` starts a new block at this size
+
+// Terms under construction, each holding its variable, until an expression takes them over.
+class TermBuffer {
+public:
+    TermBuffer() = default;
+    TermBuffer(const TermBuffer&) = delete;
+    TermBuffer& operator=(const TermBuffer&) = delete;
+    ~TermBuffer() {
+        for (const Term& term : terms_) Py_DECREF(term.var);
+    }
+    void append(double coeff, Handle* var) {
+        terms_.push_back({coeff, var});
+        Py_INCREF(var);
+    }
+    std::vector<Term>& terms() { return terms_; }
+
+private:
+    std::vector<Term> terms_;
+};
+
+// An instance of LinExpr or a subclass with no terms.
+LinExpr* allocate_linexpr(PyTypeObject* type);
+// The collector gets to know e, which has taken in something that may lead back to it.
+void wake_linexpr(LinExpr* e);
+// e exchanges its terms with those of the buffer.
+void swap_terms(LinExpr* e, TermBuffer& buffer);
+// Sets the older blocks of e; tail may be null.
+void set_tail(LinExpr* e, LinExpr* tail);
+// Gives memory behind the last term back.
+void linexpr_shrink(LinExpr* e);
+
+// Slots for the type.
+void LinExpr_dealloc(PyObject* self);
+int LinExpr_traverse(PyObject* self, visitproc visit, void* arg);
+int LinExpr_tp_clear(PyObject* self);
+// Tells the collector's side of the new type.
+void register_linexpr_memory();
+
+}  // namespace zelvanpy

@@ -1,0 +1,57 @@
+#include "operand.h"
+
+#include "exception.h"
+#include "pynames.h"
+
+namespace zelvanpy {
+
+namespace operand_detail {
+
+Operand classify_other(py::handle operand, double& value) {
+    PyTypeObject* type = Py_TYPE(operand.ptr());
+    if (type == &PyLong_Type || PyFloat_Check(operand.ptr())) {
+        value = PyFloat_AsDouble(operand.ptr());
+        if (value != -1.0 || !PyErr_Occurred()) return Operand::kScalar;
+        PyErr_Clear();
+        return Operand::kForeign;
+    }
+    if (PyType_IsSubtype(type, Var_Type)) return Operand::kVar;
+    if (PyType_IsSubtype(type, LinExpr_Type)) return Operand::kLinExpr;
+    return scalar_value(operand, value) ? Operand::kScalar : Operand::kForeign;
+}
+
+}  // namespace operand_detail
+
+double float_of(py::handle object) {
+    if (PyFloat_CheckExact(object.ptr())) return PyFloat_AS_DOUBLE(object.ptr());
+    return PyFloat_AS_DOUBLE(steal(PyNumber_Float(object.ptr())).ptr());
+}
+
+bool is_iterable(py::handle object) {
+    if (PyList_Check(object.ptr()) || PyTuple_Check(object.ptr()) || PyDict_Check(object.ptr())) return true;
+    static PyObject* iterable = nullptr;
+    if (!iterable) {
+        py::object abc = steal(PyImport_ImportModule("collections.abc"));
+        iterable = steal(PyObject_GetAttrString(abc.ptr(), "Iterable")).release().ptr();
+    }
+    return checked(PyObject_IsInstance(object.ptr(), iterable));
+}
+
+std::size_t list_position(py::handle index, std::size_t size) {
+    if (!PyIndex_Check(index.ptr())) {
+        PyErr_Format(PyExc_TypeError, "list indices must be integers, not %.200s", Py_TYPE(index.ptr())->tp_name);
+        throw PythonError{};
+    }
+    Py_ssize_t i = PyNumber_AsSsize_t(index.ptr(), PyExc_IndexError);
+    if (i == -1 && PyErr_Occurred()) throw PythonError{};
+    if (i < 0) i += static_cast<Py_ssize_t>(size);
+    if (i < 0 || i >= static_cast<Py_ssize_t>(size)) raise(PyExc_IndexError, "list index out of range");
+    return static_cast<std::size_t>(i);
+}
+
+void prefer_to_numpy_scalars(PyTypeObject* type) {
+    const py::object priority = steal(PyFloat_FromDouble(-1.0));
+    checked(PyObject_SetAttrString(reinterpret_cast<PyObject*>(type), "__array_priority__", priority.ptr()));
+}
+
+}  // namespace zelvanpy

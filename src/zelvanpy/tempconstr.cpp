@@ -1,0 +1,209 @@
+#include "tempconstr.h"
+
+#include <cstddef>
+
+#include "exception.h"
+#include "pyargs.h"
+#include "pytype.h"
+
+namespace zelvanpy {
+
+PyTypeObject* TempConstr_Type = nullptr;
+
+namespace {
+
+constexpr int kMaxFree = 64;
+TempConstr* free_list[kMaxFree];
+int num_free = 0;
+
+TempConstr* as_tempconstr(PyObject* object) { return reinterpret_cast<TempConstr*>(object); }
+PyObject* as_object(TempConstr& self) { return reinterpret_cast<PyObject*>(&self); }
+
+bool must_wake(PyObject* object) {
+    const TempConstr* self = as_tempconstr(object);
+    // A side that is a TempConstr may come later in the same pass.
+    return !is_inert(self->lhs) || !is_inert(self->rhs) || is_tempconstr(self->lhs) || is_tempconstr(self->rhs);
+}
+
+DormantClass dormant_class{nullptr, offsetof(TempConstr, link), must_wake};
+
+TempConstr* allocate(PyTypeObject* type) {
+    TempConstr* self;
+    if (type != TempConstr_Type) {
+        self = as_tempconstr(type->tp_alloc(type, 0));
+        if (!self) throw PythonError{};
+        return self;
+    }
+    if (num_free) {
+        self = free_list[--num_free];
+        PyObject_Init(as_object(*self), TempConstr_Type);
+    } else {
+        self = PyObject_GC_New(TempConstr, TempConstr_Type);
+        if (!self) throw PythonError{};
+    }
+    own_type(TempConstr_Type);
+    self->lhs = self->rhs = nullptr;
+    fall_asleep(dormant_class, self->link);
+    return self;
+}
+
+void set_sides(TempConstr& self, py::object lhs, char sense, py::object rhs) {
+    py::object old_lhs = py::reinterpret_steal<py::object>(self.lhs);
+    py::object old_rhs = py::reinterpret_steal<py::object>(self.rhs);
+    self.lhs = lhs.release().ptr();
+    self.sense = sense;
+    self.rhs = rhs.release().ptr();
+    if (self.link.next && !(is_inert(self.lhs) && is_inert(self.rhs))) wake(as_object(self), self.link);
+}
+
+PyObject* TempConstr_new(PyTypeObject* type, py::handle, py::handle) {
+    TempConstr* self = allocate(type);
+    self->lhs = none().release().ptr();
+    self->rhs = none().release().ptr();
+    self->sense = '=';
+    return as_object(*self);
+}
+
+char sense_of(PyObject* text) {
+    if (PyUnicode_Check(text) && PyUnicode_GetLength(text) == 1 && PyUnicode_ReadChar(text, 0) < 128)
+        return static_cast<char>(PyUnicode_ReadChar(text, 0));
+    PyErr_Format(PyExc_TypeError, "sense must be a string of one character, not %R", text);
+    throw PythonError{};
+}
+
+void TempConstr_init(TempConstr& self, PyObject* args, PyObject* kwargs) {
+    static const Signature<3> kInit{"TempConstr", 3, {Name("lhs"), Name("sense"), Name("rhs")}};
+    const auto [lhs, sense, rhs] = kInit.parse(args, kwargs);
+    set_sides(self, borrow(lhs), sense_of(sense), borrow(rhs));
+}
+
+// A side that only this object holds goes first, so that a long nest of constraints doesn't use the C stack.
+void release_sides(TempConstr* self) {
+    PyObject* lhs = self->lhs;
+    PyObject* rhs = self->rhs;
+    while (lhs && Py_TYPE(lhs) == TempConstr_Type && Py_REFCNT(lhs) == 1) {
+        TempConstr* inner = as_tempconstr(lhs);
+        PyObject* next = std::exchange(inner->lhs, nullptr);
+        Py_DECREF(lhs);
+        lhs = next;
+    }
+    Py_XDECREF(lhs);
+    Py_XDECREF(rhs);
+}
+
+void TempConstr_dealloc(PyObject* object) {
+    TempConstr* self = as_tempconstr(object);
+    PyTypeObject* type = Py_TYPE(object);
+    if (self->link.next)
+        leave_ring(self->link);
+    else
+        PyObject_GC_UnTrack(object);
+    release_sides(self);
+    if (type == TempConstr_Type && num_free < kMaxFree)
+        free_list[num_free++] = self;
+    else
+        type->tp_free(object);
+    release_type(type, TempConstr_Type);
+}
+
+int TempConstr_traverse(PyObject* object, visitproc visit, void* arg) {
+    Py_VISIT(as_tempconstr(object)->lhs);
+    Py_VISIT(as_tempconstr(object)->rhs);
+    return visit_type(object, visit, arg);
+}
+
+// The sides stay objects, as a finalizer may still look at them.
+int TempConstr_clear(PyObject* object) {
+    TempConstr& self = *as_tempconstr(object);
+    set_sides(self, none(), self.sense, none());
+    return 0;
+}
+
+py::object TempConstr_repr(TempConstr& self) {
+    const char* sign = self.sense == '<' ? "<=" : self.sense == '>' ? ">=" : "==";
+    return steal(PyUnicode_FromFormat("<zelvan.TempConstr: %S %s %S>", self.lhs, sign, self.rhs));
+}
+
+PyObject* TempConstr_shift(py::handle left, py::handle right) {
+    if (is_tempconstr(left)) return new_tempconstr(borrow(left), 'I', borrow(right));
+    Py_INCREF(Py_NotImplemented);
+    return Py_NotImplemented;
+}
+
+int TempConstr_bool(py::handle) {
+    raise_zelvan(0, "Constraint has no bool value (are you trying \"lb <= expr <= ub\"?)");
+}
+PyObject* TempConstr_nonzero(TempConstr&) {
+    TempConstr_bool(nullptr);
+    return nullptr;
+}
+
+PyObject* TempConstr_compare(py::handle, py::handle, int op) {
+    if (op == Py_LE || op == Py_GE) raise_zelvan(0, "Constraint comparison not implemented");
+    Py_INCREF(Py_NotImplemented);
+    return Py_NotImplemented;
+}
+
+PyObject* TempConstr_sense(TempConstr& self) { return PyUnicode_FromFormat("%c", self.sense); }
+py::object TempConstr_lhs(TempConstr& self) { return borrow(self.lhs); }
+py::object TempConstr_rhs(TempConstr& self) { return borrow(self.rhs); }
+
+py::object TempConstr_reduce(TempConstr& self) {
+    const py::handle type = reinterpret_cast<PyObject*>(Py_TYPE(as_object(self)));
+    return py::make_tuple(type,
+                          py::make_tuple(py::handle(self.lhs), steal(TempConstr_sense(self)), py::handle(self.rhs)));
+}
+
+PyGetSetDef properties[] = {
+    {"_lhs", getter_of<TempConstr_lhs>, nullptr, "The left side.", nullptr},
+    {"_sense", getter_of<TempConstr_sense>, nullptr, "ZVN.LESS_EQUAL, ZVN.GREATER_EQUAL, ZVN.EQUAL or \"I\".", nullptr},
+    {"_rhs", getter_of<TempConstr_rhs>, nullptr, "The right side.", nullptr},
+    {},
+};
+
+PyMethodDef methods[] = {
+    {"__nonzero__", method<TempConstr_nonzero>, METH_NOARGS, "__nonzero__($self)\n--\n\nThe same as __bool__."},
+    {"__reduce__", method<TempConstr_reduce>, METH_NOARGS, "__reduce__($self)\n--\n\nState for pickling."},
+    {},
+};
+
+const char kDoc[] =
+    "TempConstr(lhs, sense, rhs)\n--\n\n"
+    "What a comparison of variables or expressions gives, for Model.addConstr: both sides as they are and the "
+    "sense.\n\n"
+    "`(b == 1) >> (x + y <= 2)` makes an indicator constraint. A TempConstr has no truth value, so `lb <= e <= ub`\n"
+    "raises ZelvanError; a range is written `e == [lb, ub]`.";
+
+}  // namespace
+
+PyObject* new_tempconstr(py::object lhs, char sense, py::object rhs) {
+    TempConstr* self = allocate(TempConstr_Type);
+    set_sides(*self, std::move(lhs), sense, std::move(rhs));
+    return as_object(*self);
+}
+
+void init_tempconstr(py::module_& module) {
+    PyType_Slot slots[] = {
+        {Py_tp_doc, const_cast<char*>(kDoc)},
+        {Py_tp_new, slot<TempConstr_new>()},
+        {Py_tp_init, slot<TempConstr_init>()},
+        {Py_tp_dealloc, reinterpret_cast<void*>(TempConstr_dealloc)},
+        {Py_tp_traverse, reinterpret_cast<void*>(TempConstr_traverse)},
+        {Py_tp_clear, reinterpret_cast<void*>(TempConstr_clear)},
+        {Py_tp_repr, slot<TempConstr_repr>()},
+        {Py_tp_richcompare, slot<TempConstr_compare>()},
+        {Py_tp_hash, reinterpret_cast<void*>(PyBaseObject_Type.tp_hash)},
+        {Py_nb_rshift, slot<TempConstr_shift>()},
+        {Py_nb_bool, slot<TempConstr_bool>()},
+        {Py_tp_methods, methods},
+        {Py_tp_getset, properties},
+        {0, nullptr},
+    };
+    PyType_Spec spec{"zelvanpy.TempConstr", sizeof(TempConstr), 0,
+                     Py_TPFLAGS_DEFAULT | Py_TPFLAGS_BASETYPE | Py_TPFLAGS_HAVE_GC, slots};
+    TempConstr_Type = make_type(module, spec);
+    dormant_class.type = TempConstr_Type;
+    add_dormant_class(dormant_class);
+}
+
+}  // namespace zelvanpy
