@@ -66,6 +66,7 @@ def text():
 
 
 if __name__ == "__main__":
-    if "--check" in sys.argv[1:]:
-        sys.exit(0 if TARGET.read_text() == text() else "docs/parameters.md is not current: run docs/make_parameters.py")
-    TARGET.write_text(text())
+    if "--check" not in sys.argv[1:]:
+        TARGET.write_text(text())
+    elif TARGET.read_text() != text():
+        sys.exit("docs/parameters.md is not current: run docs/make_parameters.py")

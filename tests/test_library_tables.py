@@ -195,9 +195,7 @@ def make(env):
 @pytest.fixture
 def small(make):
     """Three columns (continuous, integer, binary) and two rows."""
-    return make(
-        [0, -2, 0], [INF, 5, 1], [1, -3, 0.5], "CIB", [({0: 2, 1: 1}, "<", 4), ({1: -8, 2: 0.25}, ">", -10)]
-    )
+    return make([0, -2, 0], [INF, 5, 1], [1, -3, 0.5], "CIB", [({0: 2, 1: 1}, "<", 4), ({1: -8, 2: 0.25}, ">", -10)])
 
 
 # --- parameters
@@ -255,10 +253,6 @@ def test_a_long_string_is_kept_whole_and_cut_where_the_buffer_is_short(env):
     short = ctypes.create_string_buffer(512)
     env.call("ZVNgetstrparaminfo", b"CSAppName", short, None)
     assert short.value == value[:511].encode()
-
-
-def changeable(kind):
-    return st.text(max_size=30).filter(lambda s: "\0" not in s) if kind == 3 else st.floats(0, 1)
 
 
 @settings(max_examples=60)
@@ -347,7 +341,7 @@ def test_the_log_goes_to_callback_and_file_as_the_parameters_say(env, make, tmp_
 
 def test_the_document_of_the_parameters_is_current():
     script = pathlib.Path(__file__).resolve().parent.parent / "docs" / "make_parameters.py"
-    result = subprocess.run([sys.executable, str(script), "--check"], stderr=subprocess.PIPE, universal_newlines=True)
+    result = subprocess.run([sys.executable, str(script), "--check"], stderr=subprocess.PIPE, text=True)
     assert result.returncode == 0, result.stderr
 
 
@@ -480,8 +474,8 @@ def test_what_is_not_there_is_said_by_name_and_never_invented(small):
         else:
             error = small.refused("get", name, where)
             assert error.code == NOT_AVAILABLE and "'%s'" % name in error.text, name
-    gone = "X RC Pi Slack VBasis ObjVal MIPGap BoundVio IISConstr SAObjLow ScenNX BatchID Kappa QCPi".split()
-    assert not any(lib.ZVNisattravailable(small.handle, name.encode()) for name in gone)
+    gone = "X RC Pi Slack VBasis ObjVal MIPGap BoundVio IISConstr SAObjLow ScenNX BatchID Kappa QCPi"
+    assert not any(lib.ZVNisattravailable(small.handle, name.encode()) for name in gone.split())
     assert [small.get(name) for name in ("NumSOS", "NumQConstrs", "NumGenConstrs", "IsQP", "NumScenarios")] == [0] * 5
     assert small.get("QCPi", []) == []
     assert small.get("Start", range(3)) == [UNDEFINED] * 3
@@ -510,7 +504,12 @@ def test_counts_and_ranges_of_a_random_model(make):
 
     bounds = m.get("LB", range(n)) + m.get("UB", range(n))
     coefficients = [v for entries, _, _ in rows for v in entries.values()]
-    for suffix, values in [("Coeff", coefficients), ("ObjCoeff", obj), ("RHS", [r[2] for r in rows]), ("Bound", bounds)]:
+    for suffix, values in [
+        ("Coeff", coefficients),
+        ("ObjCoeff", obj),
+        ("RHS", [r[2] for r in rows]),
+        ("Bound", bounds),
+    ]:
         assert [m.get("Min" + suffix), m.get("Max" + suffix)] == spans(values)
     assert [make().get(name) for name in ("MinCoeff", "MaxBound", "NumNZs")] == [0, 0, 0]
 
@@ -604,9 +603,12 @@ def test_violations_are_measured_where_a_loose_tolerance_lets_them_be(make):
     off = [max(0, 10 * (x[0] + x[1]) - 10), max(0, 5.004 - 5 * (x[0] + x[1]))]
     worst = off.index(max(off))
     assert max(off) > 3e-3
-    assert quality(m, "ConstrVio", "ConstrVioIndex", "ConstrVioSum") == [pytest.approx(max(off)), worst, pytest.approx(sum(off))]
+    assert quality(m, "ConstrVio", "ConstrVioIndex", "ConstrVioSum") == [
+        pytest.approx(max(off)),
+        worst,
+        pytest.approx(sum(off)),
+    ]
     assert m.get("ConstrSVio") == pytest.approx(max(off[0] / 10, off[1] / 5))
     assert quality(m, "DualVio", "DualVioIndex") == [pytest.approx(0.004), 2 + 2]
     assert m.get("MaxVio") == max(quality(m, "BoundVio", "ConstrVio", "DualVio"))
     assert quality(m, "IntVio", "IntVioIndex", "BoundVioIndex") == [0, -1, -1]
-
