@@ -96,8 +96,7 @@ py::object resolve(Env& env, py::handle name) {
         return {};
     }
     if (num == 0) {
-        const py::object quoted = steal(PyUnicode_Concat(to_str("No parameters matching '").ptr(), name.ptr()));
-        env_message(env, steal(PyUnicode_Concat(quoted.ptr(), to_str("' found").ptr())));
+        env_message(env, no_matching_params(name));
         return {};
     }
     PyObject* real = PyList_GET_ITEM(names.ptr(), 0);
@@ -115,11 +114,16 @@ void for_main_models(Body body) {
     for (Py_ssize_t i = 0; i < PyList_GET_SIZE(models.ptr()); ++i) {
         const auto* model = reinterpret_cast<Model*>(PyTuple_GET_ITEM(PyList_GET_ITEM(models.ptr(), i), 1));
         const py::object env = borrow(model->env);
-        body(*reinterpret_cast<Env*>(env.ptr()));
+        if (is_env(env)) body(*reinterpret_cast<Env*>(env.ptr()));
     }
 }
 
 }  // namespace
+
+py::object no_matching_params(py::handle name) {
+    const py::object quoted = steal(PyUnicode_Concat(to_str("No parameters matching '").ptr(), name.ptr()));
+    return steal(PyUnicode_Concat(quoted.ptr(), to_str("' found").ptr()));
+}
 
 py::object param_list(Env& env, py::handle name) {
     py::object found = steal(PyList_New(0));
@@ -214,6 +218,17 @@ void env_reset_params(Env& env) {
     }
 }
 
+void env_read_params(Env& env, py::handle filename) {
+    check(ZVNreadparams(env_pointer(env), CString(filename)), as_object(env));
+    env_message(env, steal(PyUnicode_Concat(to_str("Read parameters from file ").ptr(), filename.ptr())));
+}
+
+void env_write_params(Env& env, py::handle filename) {
+    check(ZVNwriteparams(env_pointer(env), CString(filename)), as_object(env));
+    const py::object start = to_str("Wrote non-default parameter settings to file ");
+    env_message(env, steal(PyUnicode_Concat(start.ptr(), filename.ptr())));
+}
+
 py::object param_changes(Env& env) {
     const py::object shown = steal(PyList_New(0));
     for (int i = 0, num = ZVNgetnumparams(env_pointer(env)); i < num; ++i) {
@@ -253,17 +268,12 @@ void Env_fixTuneParam(Env& env, Args args) {
 
 void Env_readParams(Env& env, Args args) {
     static const Signature<1> kSignature{"readParams", 1, {Name("filename")}};
-    const py::handle filename = parse_one(kSignature, args);
-    check(ZVNreadparams(env_pointer(env), CString(filename)), as_object(env));
-    env_message(env, steal(PyUnicode_Concat(to_str("Read parameters from file ").ptr(), filename.ptr())));
+    env_read_params(env, parse_one(kSignature, args));
 }
 
 void Env_writeParams(Env& env, Args args) {
     static const Signature<1> kSignature{"writeParams", 1, {Name("filename")}};
-    const py::handle filename = parse_one(kSignature, args);
-    check(ZVNwriteparams(env_pointer(env), CString(filename)), as_object(env));
-    env_message(env,
-                steal(PyUnicode_Concat(to_str("Wrote non-default parameter settings to file ").ptr(), filename.ptr())));
+    env_write_params(env, parse_one(kSignature, args));
 }
 
 }  // namespace

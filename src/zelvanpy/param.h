@@ -16,6 +16,10 @@ py::object public_param_info(Env& env, py::handle name);
 void env_set_param(Env& env, py::handle name, py::handle value);
 void env_fix_tune_param(Env& env, py::handle name);
 void env_reset_params(Env& env);
+void env_read_params(Env& env, py::handle filename);
+void env_write_params(Env& env, py::handle filename);
+// "No parameters matching '...' found"
+py::object no_matching_params(py::handle name);
 // "Parameter changes: Name=value, ..." or "No parameter changes".
 py::object param_changes(Env& env);
 

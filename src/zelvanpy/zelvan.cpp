@@ -11,7 +11,6 @@ namespace zelvanpy {
 namespace {
 
 PyObject* zelvan_class;
-PyObject* module_dict;
 
 const Name kDefaultEnv("_defaultenv"), kExiting("_exiting"), kInteractive("_zelvan__interactive");
 const Name kClose("close"), kCenv("_cenv"), kFind("find");
@@ -23,8 +22,6 @@ void set_class_state(const Name& name, py::handle value) {
 bool class_flag(const Name& name) { return checked(PyObject_IsTrue(class_state(name).ptr())); }
 
 py::object builtin_print() { return py::module_::import("builtins").attr("print"); }
-
-PyTypeObject* model_type() { return reinterpret_cast<PyTypeObject*>(PyDict_GetItemString(module_dict, "Model")); }
 
 bool contains(py::handle text, const char* part) {
     const py::object position = steal(PyObject_CallMethodObjArgs(text.ptr(), kFind.get(), to_str(part).ptr(), nullptr));
@@ -39,6 +36,7 @@ void print_line(py::handle object) { builtin_print()(object); }
 
 py::object default_env(bool create) {
     py::object env = class_state(kDefaultEnv);
+    if (!env.is_none() && !is_env(env)) raise(PyExc_TypeError, "zelvan._defaultenv is neither an Env nor None");
     if (!env.is_none() || !create) return env;
     env = steal(PyObject_CallFunction(reinterpret_cast<PyObject*>(Env_Type), "sOOOO",
                                       is_interactive() ? "zelvan.log" : "", Py_False, Py_None, Py_None, Py_True));
@@ -52,8 +50,7 @@ py::object main_models() {
     const py::object members = py::module_::import("inspect").attr("getmembers")(main);
     for (py::handle pair : members) {
         const py::handle value = PyTuple_GET_ITEM(pair.ptr(), 1);
-        if (model_type() && PyObject_TypeCheck(value.ptr(), model_type()) &&
-            reinterpret_cast<Model*>(value.ptr())->cmodel != Py_None)
+        if (is_model(value) && reinterpret_cast<Model*>(value.ptr())->cmodel != Py_None)
             checked(PyList_Append(found.ptr(), pair.ptr()));
     }
     return found;
@@ -115,7 +112,7 @@ py::object read_model(py::handle modelname, py::handle env) {
         print_line(error_message(uenv));
         raise_zelvan(0, "Unable to read model");
     }
-    return steal(PyObject_CallFunction(reinterpret_cast<PyObject*>(model_type()), "sON", "", uenv.ptr(),
+    return steal(PyObject_CallFunction(reinterpret_cast<PyObject*>(Model_Type), "sON", "", uenv.ptr(),
                                        wrap_pointer(model).release().ptr()));
 }
 
@@ -209,7 +206,6 @@ py::object string_io() {
 }  // namespace
 
 void init_zelvan(py::module_& module) {
-    module_dict = PyModule_GetDict(module.ptr());
     module.attr("__modelmap") = steal(PyDict_New());
     module.attr("ZVNStringIO") = string_io();
     checked(PyModule_AddFunctions(module.ptr(), functions));
