@@ -134,7 +134,7 @@ static void bad_arguments(ZVNmodel* model) {
     REFUSED(model, ZVNdelvars(model, 1, &below), ZVN_ERROR_INDEX_OUT_OF_RANGE, "-1");
     REFUSED(model, ZVNdelconstrs(model, 2, out), ZVN_ERROR_INDEX_OUT_OF_RANGE, "2");
     REFUSED(model, ZVNdelsos(model, 1, out), ZVN_ERROR_INDEX_OUT_OF_RANGE, "0");
-    REFUSED(model, ZVNgetconstrs(model, &i, NULL, NULL, NULL, 0, 2), ZVN_ERROR_INDEX_OUT_OF_RANGE, "2");
+    REFUSED(model, ZVNgetconstrs(model, &i, NULL, NULL, NULL, 0, 2), ZVN_ERROR_INDEX_OUT_OF_RANGE, "0 to 1");
     REFUSED(model, ZVNaddconstr(model, 2, out, val, '<', 0, NULL), ZVN_ERROR_INDEX_OUT_OF_RANGE, "2");
     REFUSED(model, ZVNaddconstr(model, 2, twice, val, '<', 0, NULL), ZVN_ERROR_DUPLICATES, "1");
     CHECK(ZVNaddconstr(model, 2, twice, val, '?', 0, NULL) != 0 && strchr(ZVNgetmerrormsg(model), '?'));
