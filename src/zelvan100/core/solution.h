@@ -32,7 +32,7 @@ struct Solution {
     std::vector<double> pool_obj;
     std::vector<double> multi_obj;  // value of each objective of a multi-objective model
 
-    int count() const { return x.empty() ? 0 : (pool.empty() ? 1 : static_cast<int>(pool.size())); }
+    int count() const { return obj_val == kUndefined ? 0 : (pool.empty() ? 1 : static_cast<int>(pool.size())); }
 };
 
 }  // namespace zelvan

@@ -6,7 +6,11 @@
 #include <limits>
 
 #include "attr/attr.h"
+#include "bridge/pwl_objective.h"
+#include "bridge/semi_continuous.h"
 #include "core/error.h"
+#include "solve/certificate.h"
+#include "solve/multi_objective.h"
 #include "solve/run.h"
 #include "solve/solve.h"
 #include "solve/store.h"
@@ -89,6 +93,21 @@ std::vector<double> user_start(const ModelData& data) {
     return x;
 }
 
+// A basis that the user set, empty unless every column and row has a status.
+Basis user_basis(const ModelData& data) {
+    const auto statuses = [](const std::map<int, OptionalValues>& optional, Attr attr) -> std::vector<int> {
+        const auto found = optional.find(static_cast<int>(attr));
+        if (found == optional.end()) return {};
+        const std::vector<double>& values = found->second.values;
+        if (std::any_of(values.begin(), values.end(), [](double value) { return value == kUndefined; })) return {};
+        return {values.begin(), values.end()};
+    };
+    Basis basis{statuses(data.cols.optional, Attr::VBasis), statuses(data.rows.optional, Attr::CBasis)};
+    if (basis.cols.empty() || basis.rows.empty()) return {};
+    for (int i = 0; i < data.rows.size(); ++i) basis.rows[i] = side_status(basis.rows[i], data.rows.sense[i]);
+    return basis;
+}
+
 // Infeasible rather than cut off a MIP can't be told from its search: both end without a solution.
 int status_with_cutoff(int status, bool is_mip, double worse) {
     if (is_mip) return status == ZVN_INFEASIBLE ? ZVN_CUTOFF : status;
@@ -101,27 +120,38 @@ void store_counts(const Run& run, Solution& solution) {
     solution.iterations = run.iterations;
     solution.barrier_iterations = run.barrier_iterations;
     solution.nodes = run.nodes;
+    solution.concurrent_winner = run.concurrent_winner;
 }
 
-Solution solve_single(Model& model) {
-    const ParamValues& params = model.env.params;
-    const ModelData& data = model.data;
-    SolverModel problem(data);
+Solution solve_single(const ModelData& data, SolverModel problem, const ParamValues& params, Run& run) {
+    bridge_pwl_objective(data, problem, 1.0);
     Solution solution;
     solution.is_mip = problem.is_mip();
     const double cutoff = params.get_dbl(Param::Cutoff);
     const bool has_cutoff = std::abs(cutoff) < kInfinityThreshold;
     if (has_cutoff && solution.is_mip) add_cutoff(problem, cutoff);
 
-    Run run(model);
-    SolverResult result = run.solve(problem, user_start(data));
+    SolverResult result = run.solve(problem, {user_start(data), user_basis(data)});
     solution.status = run.status_of(result);
     if (has_cutoff)
         solution.status =
             status_with_cutoff(solution.status, solution.is_mip, data.sense * (result.objective - cutoff));
-    store_counts(run, solution);
     store_result(data, std::move(result), solution);
     store_pool(data, run.monitor.take_solutions(), params, solution);
+    if (params.get_int(Param::InfUnbdInfo) && !solution.is_mip && !is_trivial(problem))
+        store_certificate(data, run.session(), solution);
+    if (!data.objectives.empty() && solution.obj_val != kUndefined) solution.multi_obj = {solution.obj_val};
+    return solution;
+}
+
+Solution solve(Model& model) {
+    SolverModel problem(model.data);
+    bridge_semi_continuous(model.data, problem);
+    Run run(model);
+    Solution solution = model.data.objectives.size() > 1
+                            ? solve_multi_objective(model.data, std::move(problem), run)
+                            : solve_single(model.data, std::move(problem), model.env.params, run);
+    store_counts(run, solution);
     return solution;
 }
 
@@ -130,7 +160,10 @@ Solution solve_single(Model& model) {
 void optimize(Model& model) {
     SolvingMark mark(model);
     log_begin(model);
-    model.solution = solve_single(model);
+    model.solution = solve(model);
+    // A start basis serves one solve, the next one goes on from the basis of this one.
+    model.data.cols.optional.erase(static_cast<int>(Attr::VBasis));
+    model.data.rows.optional.erase(static_cast<int>(Attr::CBasis));
     log_end(model);
 }
 

@@ -7,6 +7,7 @@
 #include <bit>
 #include <cmath>
 #include <cstring>
+#include <utility>
 
 #include "core/error.h"
 
@@ -98,6 +99,36 @@ Outcome outcome_of(int status) {
         default:
             return Outcome::kUnknown;
     }
+}
+
+// Where a nonbasic column or row is that HiGHS doesn't place.
+int bound_status(double lower, double upper) {
+    return std::isfinite(lower) ? ZVN_NONBASIC_LOWER : std::isfinite(upper) ? ZVN_NONBASIC_UPPER : ZVN_SUPERBASIC;
+}
+
+std::vector<int> basis_statuses(const std::vector<int>& highs, const std::vector<double>& lower,
+                                const std::vector<double>& upper) {
+    std::vector<int> statuses;
+    statuses.reserve(highs.size());
+    for (std::size_t i = 0; i < highs.size(); ++i) {
+        switch (highs[i]) {
+            case kHighsBasisStatusBasic:
+                statuses.push_back(ZVN_BASIC);
+                break;
+            case kHighsBasisStatusLower:
+                statuses.push_back(ZVN_NONBASIC_LOWER);
+                break;
+            case kHighsBasisStatusUpper:
+                statuses.push_back(ZVN_NONBASIC_UPPER);
+                break;
+            case kHighsBasisStatusZero:
+                statuses.push_back(ZVN_SUPERBASIC);
+                break;
+            default:  // nonbasic, HiGHS doesn't say where
+                statuses.push_back(bound_status(lower[i], upper[i]));
+        }
+    }
+    return statuses;
 }
 
 double double_info(const void* highs, const char* name) {
@@ -207,6 +238,7 @@ void HighsSession::load(const SolverModel& model) {
         pass_changes(model);
     else
         pass(model);
+    const Basis basis = same_matrix ? Basis() : std::exchange(basis_, {});
     if (model.is_mip() && incumbent_.size() == model.cost.size() && model.is_feasible(incumbent_, kStartTolerance))
         set_start(incumbent_);
     sense_ = model.sense;
@@ -219,6 +251,7 @@ void HighsSession::load(const SolverModel& model) {
     integer_ = model.integer;
     matrix_hash_ = hash;
     loaded_ = true;
+    set_basis(basis);
 }
 
 void HighsSession::pass(const SolverModel& model) {
@@ -228,17 +261,6 @@ void HighsSession::pass(const SolverModel& model) {
                           model.ub.data(), model.row_lower.data(), model.row_upper.data(), model.start.data(),
                           model.col(), model.val(), nullptr, nullptr, nullptr, types.empty() ? nullptr : types.data()),
           "take the model");
-    // A grown model goes on from the old basis, new rows basic and new columns at a bound.
-    const std::size_t num_cols = model.cost.size(), num_rows = model.row_lower.size();
-    Basis basis = std::move(basis_);
-    basis_ = Basis();
-    if (basis.cols.empty() || basis.cols.size() > num_cols || basis.rows.size() > num_rows) return;
-    for (std::size_t j = basis.cols.size(); j < num_cols; ++j)
-        basis.cols.push_back(std::isfinite(model.lb[j])   ? ZVN_NONBASIC_LOWER
-                             : std::isfinite(model.ub[j]) ? ZVN_NONBASIC_UPPER
-                                                          : ZVN_SUPERBASIC);
-    basis.rows.resize(num_rows, ZVN_BASIC);
-    set_basis(basis);
 }
 
 void HighsSession::pass_changes(const SolverModel& model) {
@@ -275,8 +297,11 @@ void HighsSession::forget_basis() {
     incumbent_.clear();
 }
 
-bool HighsSession::set_basis(const Basis& basis) {
-    if (basis.rows.empty()) return false;
+bool HighsSession::set_basis(Basis basis) {
+    const std::size_t num_cols = cost_.size(), num_rows = row_lower_.size();
+    if (basis.rows.empty() || basis.cols.size() > num_cols || basis.rows.size() > num_rows) return false;
+    for (std::size_t j = basis.cols.size(); j < num_cols; ++j) basis.cols.push_back(bound_status(lb_[j], ub_[j]));
+    basis.rows.resize(num_rows, ZVN_BASIC);
     const auto translated = [](const std::vector<int>& statuses) {
         std::vector<HighsInt> highs;
         highs.reserve(statuses.size());
@@ -316,33 +341,6 @@ SolverResult HighsSession::run(int threads) {
     return fetch();
 }
 
-std::vector<int> HighsSession::basis_statuses(const std::vector<int>& highs, const double* lower,
-                                              const double* upper) const {
-    std::vector<int> statuses;
-    statuses.reserve(highs.size());
-    for (std::size_t i = 0; i < highs.size(); ++i) {
-        switch (highs[i]) {
-            case kHighsBasisStatusBasic:
-                statuses.push_back(ZVN_BASIC);
-                break;
-            case kHighsBasisStatusLower:
-                statuses.push_back(ZVN_NONBASIC_LOWER);
-                break;
-            case kHighsBasisStatusUpper:
-                statuses.push_back(ZVN_NONBASIC_UPPER);
-                break;
-            case kHighsBasisStatusZero:
-                statuses.push_back(ZVN_SUPERBASIC);
-                break;
-            default:  // nonbasic, HiGHS doesn't say where
-                statuses.push_back(std::isfinite(lower[i])   ? ZVN_NONBASIC_LOWER
-                                   : std::isfinite(upper[i]) ? ZVN_NONBASIC_UPPER
-                                                             : ZVN_SUPERBASIC);
-        }
-    }
-    return statuses;
-}
-
 SolverResult HighsSession::fetch() {
     const std::size_t num_cols = cost_.size(), num_rows = row_lower_.size();
     SolverResult result;
@@ -370,8 +368,8 @@ SolverResult HighsSession::fetch() {
     if (int_info(highs_, "basis_validity") == kHighsBasisValidityValid) {
         std::vector<HighsInt> cols(num_cols), rows(num_rows);
         check(Highs_getBasis(highs_, cols.data(), rows.data()), "give the basis");
-        result.basis.cols = basis_statuses(cols, lb_.data(), ub_.data());
-        result.basis.rows = basis_statuses(rows, row_lower_.data(), row_upper_.data());
+        result.basis.cols = basis_statuses(cols, lb_, ub_);
+        result.basis.rows = basis_statuses(rows, row_lower_, row_upper_);
     }
     basis_ = result.basis;
     incumbent_ = result.basis.cols.empty() ? result.x : std::vector<double>();

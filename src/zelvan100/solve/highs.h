@@ -82,8 +82,9 @@ public:
     // Costs of all columns for a further solve of the loaded model.
     void change_costs(const std::vector<double>& cost, double offset);
     void forget_basis();
-    // Refused, with the answer false, when it doesn't fit the model.
-    bool set_basis(const Basis& basis);
+    // Columns and rows behind those of the basis are at a bound, and basic. Refused, with the answer
+    // false, when it doesn't fit the model.
+    bool set_basis(Basis basis);
     // A point for a MIP to begin with, NaN where a column has no value. Refused as set_basis.
     bool set_start(const std::vector<double>& x);
 
@@ -101,7 +102,6 @@ private:
     void pass(const SolverModel& model);
     void pass_changes(const SolverModel& model);
     SolverResult fetch();
-    std::vector<int> basis_statuses(const std::vector<int>& highs, const double* lower, const double* upper) const;
 
     void* highs_;
     SolveEvents* events_ = nullptr;

@@ -4,9 +4,16 @@
 #include <limits>
 
 #include "core/error.h"
+#include "solve/concurrent.h"
 #include "solve/options.h"
 
 namespace zelvan {
+
+namespace {
+
+constexpr int kConcurrent = 3;  // of parameter Method
+
+}  // namespace
 
 bool is_trivial(const SolverModel& problem) { return problem.num_cols() == 0 || problem.has_empty_range(); }
 
@@ -34,7 +41,7 @@ Run::Run(Model& model) : monitor(model), model_(model), params_(model.env.params
 
 Run::~Run() { session().attach(nullptr); }
 
-SolverResult Run::solve(const SolverModel& problem, const std::vector<double>& start) {
+SolverResult Run::solve(const SolverModel& problem, const Start& start) {
     monitor.begin_run(problem);
     SolverResult result;
     result.outcome = Outcome::kStopped;
@@ -46,17 +53,29 @@ SolverResult Run::solve(const SolverModel& problem, const std::vector<double>& s
     set_options(session(), params_, problem);
     if (params_.get_int(Param::LPWarmStart) == 0) session().forget_basis();
     session().load(problem);
-    if (!start.empty() && problem.is_mip() && !session().set_start(start))
-        monitor.log("The start of the MIP is outside of bounds and not used\n");
-    result = run_loaded();
+    pass_start(problem, start);
+    result = run_loaded(problem);
     const bool must_know = params_.get_int(Param::DualReductions) == 0 || params_.get_int(Param::InfUnbdInfo) != 0;
     if (result.outcome == Outcome::kInfeasibleOrUnbounded && must_know) result = tell_apart(problem);
     return result;
 }
 
-SolverResult Run::run_loaded() {
-    session().set_option("time_limit", monitor.time_left());
-    SolverResult result = session().run(params_.get_int(Param::Threads));
+void Run::pass_start(const SolverModel& problem, const Start& start) {
+    const bool is_mip = problem.is_mip();
+    if (is_mip && !start.x.empty() && !session().set_start(start.x))
+        monitor.log("The start violates bounds and is not used\n");
+    if (is_mip || start.basis.rows.empty() || params_.get_int(Param::LPWarmStart) == 0) return;
+    if (!session().set_basis(start.basis)) monitor.log("The start basis is not a basis and is not used\n");
+}
+
+SolverResult Run::run_loaded(const SolverModel& problem) {
+    SolverResult result;
+    if (params_.get_int(Param::Method) == kConcurrent && !problem.is_mip()) {
+        result = run_concurrently(session(), problem, monitor, params_, concurrent_winner);
+    } else {
+        session().set_option("time_limit", monitor.time_left());
+        result = session().run(params_.get_int(Param::Threads));
+    }
     monitor.flush_log();
     add_counts(result);
     monitor.begin_count(work, iterations);
@@ -69,7 +88,7 @@ SolverResult Run::run_loaded() {
 SolverResult Run::tell_apart(const SolverModel& problem) {
     monitor.log("Solving without objective to tell infeasible from unbounded\n");
     session().change_costs(std::vector<double>(problem.cost.size(), 0.0), 0.0);
-    SolverResult result = run_loaded();
+    SolverResult result = run_loaded(problem);
     session().change_costs(problem.cost, problem.offset);
     if (result.outcome == Outcome::kOptimal) result.outcome = Outcome::kUnbounded;
     return result;

@@ -18,16 +18,22 @@ public:
     // Counts over all solves so far.
     double work = 0.0, iterations = 0.0, nodes = 0.0;
     int barrier_iterations = 0;
+    int concurrent_winner = -1;
 
-    // Solves with the parameters of the model's environment. `start` is a point for a MIP to begin with,
-    // empty for none.
-    SolverResult solve(const SolverModel& problem, const std::vector<double>& start = {});
+    // What a solve may begin with; each part may be empty.
+    struct Start {
+        std::vector<double> x;  // for a MIP, NaN where a column has no value
+        Basis basis;            // for an LP
+    };
+    // Solves with the parameters of the model's environment.
+    SolverResult solve(const SolverModel& problem, const Start& start = {});
     // The value of the attribute Status that the outcome means.
     int status_of(const SolverResult& result) const;
     HighsSession& session() { return *model_.session; }
 
 private:
-    SolverResult run_loaded();
+    SolverResult run_loaded(const SolverModel& problem);
+    void pass_start(const SolverModel& problem, const Start& start);
     SolverResult tell_apart(const SolverModel& problem);
     void add_counts(const SolverResult& result);
 

@@ -15,22 +15,29 @@ double gap(double objective, double bound) {
     return objective == 0.0 ? kInfinity : stored(std::abs((objective - bound) / objective));
 }
 
-// The status of a row as that of its slack: a row without range is nonbasic in one way only.
-int row_status(int status, char sense) {
-    if (status == ZVN_BASIC) return ZVN_BASIC;
-    return sense == ZVN_RANGE && status == ZVN_NONBASIC_LOWER ? ZVN_NONBASIC_UPPER : ZVN_NONBASIC_LOWER;
-}
-
 void store_basis(const ModelData& data, Basis basis, Solution& solution) {
     if (basis.cols.empty() && basis.rows.empty()) return;
     basis.cols.resize(data.cols.size());
     basis.rows.resize(data.rows.size());
-    for (int i = 0; i < data.rows.size(); ++i) basis.rows[i] = row_status(basis.rows[i], data.rows.sense[i]);
+    for (int i = 0; i < data.rows.size(); ++i) basis.rows[i] = slack_status(basis.rows[i], data.rows.sense[i]);
     solution.vbasis = std::move(basis.cols);
     solution.cbasis = std::move(basis.rows);
 }
 
 }  // namespace
+
+// Only a row with two sides has a slack with two bounds.
+int slack_status(int side_status, char sense) {
+    if (side_status == ZVN_BASIC) return ZVN_BASIC;
+    return sense == ZVN_RANGE && side_status == ZVN_NONBASIC_LOWER ? ZVN_NONBASIC_UPPER : ZVN_NONBASIC_LOWER;
+}
+
+int side_status(int slack_status, char sense) {
+    if (slack_status == ZVN_BASIC) return ZVN_BASIC;
+    const bool at_rhs = sense != ZVN_RANGE || slack_status != ZVN_NONBASIC_UPPER;
+    const bool upper = sense == ZVN_GREATER_EQUAL ? !at_rhs : at_rhs;
+    return upper && sense != ZVN_EQUAL ? ZVN_NONBASIC_UPPER : ZVN_NONBASIC_LOWER;
+}
 
 void store_result(const ModelData& data, SolverResult result, Solution& solution) {
     store_basis(data, std::move(result.basis), solution);
@@ -45,7 +52,7 @@ void store_result(const ModelData& data, SolverResult result, Solution& solution
 
     solution.obj_val = result.objective;
     if (!solution.is_mip && status == ZVN_OPTIMAL) solution.obj_bound = result.objective;
-    if (solution.obj_bound != kUndefined) solution.mip_gap = gap(solution.obj_val, solution.obj_bound);
+    if (solution.is_mip) solution.mip_gap = gap(solution.obj_val, solution.obj_bound);
     result.x.resize(data.cols.size());
     solution.x = std::move(result.x);
     solution.slack.resize(data.rows.size());

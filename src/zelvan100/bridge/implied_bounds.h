@@ -1,0 +1,15 @@
+#pragma once
+
+#include "solve/solver_model.h"
+
+namespace zelvan {
+
+struct ColumnBounds {
+    std::vector<double> lb, ub;
+};
+
+// Bounds of all columns as the rows imply them, never looser than the columns' own: what a row leaves for
+// a column when all others are at their best. A few passes over the matrix.
+ColumnBounds implied_bounds(const SolverModel& problem);
+
+}  // namespace zelvan

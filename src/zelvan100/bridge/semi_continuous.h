@@ -1,0 +1,22 @@
+#pragma once
+// Semi-continuous and semi-integer columns to binaries.
+//
+// Reformulation
+//   x = 0  or  l <= x <= u     becomes     l z <= x <= u z,  z binary
+//   An interval that holds 0 already is kept as plain bounds, an empty one fixes x at 0.
+//
+// Takes
+//   columns of type 'S' and 'N'; an infinite bound behind the gap is replaced by what the rows imply
+//
+// Makes
+//   for each such column one binary column and two rows; x keeps its place, so values map back by themselves
+
+#include "core/model_data.h"
+#include "solve/solver_model.h"
+
+namespace zelvan {
+
+// Throws Error when a column needs a bound and none is implied.
+void bridge_semi_continuous(const ModelData& data, SolverModel& problem);
+
+}  // namespace zelvan

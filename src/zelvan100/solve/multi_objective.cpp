@@ -1,0 +1,141 @@
+#include "solve/multi_objective.h"
+
+#include <algorithm>
+#include <cmath>
+#include <functional>
+#include <limits>
+#include <set>
+
+#include "bridge/pwl_objective.h"
+#include "solve/store.h"
+
+namespace zelvan {
+
+namespace {
+
+// A weighted sum of objectives over the columns of the problem.
+struct Blend {
+    std::vector<double> cost;
+    double offset = 0.0;
+
+    void add(const std::vector<double>& coeff, double constant, double weight) {
+        for (std::size_t j = 0; j < coeff.size(); ++j) cost[j] += weight * coeff[j];
+        offset += weight * constant;
+    }
+};
+
+class Hierarchy {
+public:
+    Hierarchy(const ModelData& data, SolverModel base, Run& run) : data_(data), problem_(std::move(base)), run_(run) {
+        const double weight = data.objectives[0].weight;
+        for (int j = 0; j < data.cols.size(); ++j) problem_.cost[j] = weight * data.cols.obj[j];
+        problem_.offset = weight * data.obj_constant;
+        if (weight != 0.0) bridge_pwl_objective(data, problem_, weight);
+        main_ = {problem_.cost, problem_.offset};
+    }
+
+    Solution solve() {
+        std::set<int, std::greater<int>> priorities;
+        for (const Objective& objective : data_.objectives) priorities.insert(objective.priority);
+        Solution solution;
+        solution.is_mip = problem_.is_mip();
+        SolverResult best;
+        for (int priority : priorities) {
+            SolverResult result = solve_priority(priority, best);
+            solution.status = run_.status_of(result);
+            // A later solve that found no point leaves the point of the one before.
+            if (!result.x.empty() || best.x.empty()) best = std::move(result);
+            if (solution.status != ZVN_OPTIMAL) break;
+            limit_worsening(priority, best.x);
+        }
+        store_result(data_, std::move(best), solution);
+        return without_single_objective_values(std::move(solution));
+    }
+
+private:
+    Blend blend_of(int priority) const {
+        Blend blend{std::vector<double>(problem_.cost.size(), 0.0)};
+        for (std::size_t k = 0; k < data_.objectives.size(); ++k) {
+            const Objective& objective = data_.objectives[k];
+            if (objective.priority != priority) continue;
+            if (k == 0)
+                blend.add(main_.cost, main_.offset, 1.0);
+            else
+                blend.add(objective.coeff, objective.constant, objective.weight);
+        }
+        return blend;
+    }
+
+    SolverResult solve_priority(int priority, const SolverResult& before) {
+        const Blend blend = blend_of(priority);
+        problem_.cost = blend.cost;
+        problem_.offset = blend.offset;
+        run_.monitor.log("\nSolving for the objectives of priority " + std::to_string(priority) + "\n");
+        Run::Start start;
+        start.x = before.x;
+        return run_.solve(problem_, start);
+    }
+
+    void limit_worsening(int priority, const std::vector<double>& x) {
+        const std::vector<double> values = objective_values(data_, x);
+        double allowance = 0.0;
+        for (std::size_t k = 0; k < data_.objectives.size(); ++k) {
+            const Objective& objective = data_.objectives[k];
+            if (objective.priority != priority) continue;
+            const double tolerance = std::max(objective.abs_tol, objective.rel_tol * std::abs(values[k]));
+            allowance = std::max(allowance, std::abs(objective.weight) * tolerance);
+        }
+        SolverModel::Terms terms;
+        double reached = 0.0;
+        for (int j = 0; j < problem_.num_cols(); ++j) {
+            if (problem_.cost[j] == 0.0) continue;
+            terms.emplace_back(j, problem_.cost[j]);
+            reached += problem_.cost[j] * x[j];
+        }
+        constexpr double kInf = std::numeric_limits<double>::infinity();
+        if (problem_.sense > 0)
+            problem_.add_row(terms, -kInf, reached + allowance);
+        else
+            problem_.add_row(terms, reached - allowance, kInf);
+    }
+
+    // Bound, dual values and basis belong to the last solve and its rows, not to the model.
+    Solution without_single_objective_values(Solution solution) const {
+        solution.obj_bound = solution.mip_gap = kUndefined;
+        solution.rc.clear();
+        solution.pi.clear();
+        solution.vbasis.clear();
+        solution.cbasis.clear();
+        if (solution.obj_val == kUndefined) return solution;
+        solution.multi_obj = objective_values(data_, solution.x);
+        solution.obj_val = solution.multi_obj[0];
+        return solution;
+    }
+
+    const ModelData& data_;
+    SolverModel problem_;
+    Run& run_;
+    Blend main_;  // the main objective with its weight, over the columns of the problem
+};
+
+}  // namespace
+
+std::vector<double> objective_values(const ModelData& data, const std::vector<double>& x) {
+    const auto value = [&](const std::vector<double>& coeff, double constant) {
+        for (std::size_t j = 0; j < coeff.size(); ++j) constant += coeff[j] * x[j];
+        return constant;
+    };
+    std::vector<double> values;
+    for (const Objective& objective : data.objectives)
+        values.push_back(values.empty() ? value(data.cols.obj, data.obj_constant)
+                                        : value(objective.coeff, objective.constant));
+    const double direction = data.objectives[0].weight < 0.0 ? -data.sense : data.sense;
+    for (const auto& [j, points] : data.pwl_obj) values[0] += pwl_value(points, x[j], direction);
+    return values;
+}
+
+Solution solve_multi_objective(const ModelData& data, SolverModel base, Run& run) {
+    return Hierarchy(data, std::move(base), run).solve();
+}
+
+}  // namespace zelvan
