@@ -27,13 +27,16 @@ struct DoubleOption {
     double minimum;
 };
 constexpr DoubleOption kDoubleOptions[] = {
-    {"primal_feasibility_tolerance", Param::FeasibilityTol, 1e-10},
-    {"dual_feasibility_tolerance", Param::OptimalityTol, 1e-10},
     {"ipm_optimality_tolerance", Param::BarConvTol, 1e-12},
     {"mip_rel_gap", Param::MIPGap, 0.0},
     {"mip_abs_gap", Param::MIPGapAbs, 0.0},
     {"mip_heuristic_effort", Param::Heuristics, 0.0},
 };
+
+// HiGHS is at its best with its own tolerances, which are tighter than our defaults.
+double tolerance(const ParamValues& params, Param param, double of_highs) {
+    return params.is_default(static_cast<int>(param)) ? of_highs : params.get_dbl(param);
+}
 
 // Options that take one of several values: entry 0 for the parameter's value `first`.
 struct ChoiceOption {
@@ -87,9 +90,11 @@ void set_options(HighsSession& session, const ParamValues& params, const SolverM
     for (const auto& option : kTextOptions)
         session.set_option(option.name, option.values[params.get_int(option.param) - option.first]);
 
+    session.set_option("primal_feasibility_tolerance", tolerance(params, Param::FeasibilityTol, 1e-7));
+    session.set_option("dual_feasibility_tolerance", tolerance(params, Param::OptimalityTol, 1e-7));
     // HiGHS holds rows of a MIP to its integrality tolerance, so the tighter one serves both.
     session.set_option("mip_feasibility_tolerance",
-                       std::min(params.get_dbl(Param::IntFeasTol), params.get_dbl(Param::FeasibilityTol)));
+                       std::min(tolerance(params, Param::IntFeasTol, 1e-6), params.get_dbl(Param::FeasibilityTol)));
     session.set_option("simplex_iteration_limit", clamped(params.get_dbl(Param::IterationLimit)));
     session.set_option("mip_max_nodes", clamped(params.get_dbl(Param::NodeLimit)));
     session.set_option("mip_min_logging_interval", static_cast<double>(params.get_int(Param::DisplayInterval)));

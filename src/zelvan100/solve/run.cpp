@@ -11,7 +11,8 @@ namespace zelvan {
 
 namespace {
 
-constexpr int kConcurrent = 3;  // of parameter Method
+constexpr int kConcurrent = 3;     // of parameter Method
+constexpr int kPrimalSimplex = 4;  // of the HiGHS option simplex_strategy
 
 }  // namespace
 
@@ -69,18 +70,35 @@ void Run::pass_start(const SolverModel& problem, const Start& start) {
 }
 
 SolverResult Run::run_loaded(const SolverModel& problem) {
-    SolverResult result;
-    if (params_.get_int(Param::Method) == kConcurrent && !problem.is_mip()) {
-        result = run_concurrently(session(), problem, monitor, params_, concurrent_winner);
-    } else {
+    SolverResult result = run_method(problem);
+    if (result.outcome == Outcome::kUnknown && !problem.is_mip() && !monitor.stop_status()) {
+        monitor.log("The result is uncertain: solving anew by primal simplex without presolve\n");
+        session().forget_basis();
+        session().set_option("presolve", "off");
+        session().set_option("solver", "simplex");
+        session().set_option("simplex_strategy", kPrimalSimplex);
         session().set_option("time_limit", monitor.time_left());
-        result = session().run(params_.get_int(Param::Threads));
+        result = run_session();
+        set_options(session(), params_, problem);
     }
-    monitor.flush_log();
-    add_counts(result);
-    monitor.begin_count(work, iterations);
     if (result.outcome == Outcome::kMemory)
         throw Error(ZVN_ERROR_OUT_OF_MEMORY, "HiGHS ran out of memory during the solve");
+    return result;
+}
+
+SolverResult Run::run_method(const SolverModel& problem) {
+    if (params_.get_int(Param::Method) == kConcurrent && !problem.is_mip()) {
+        SolverResult result = run_concurrently(session(), problem, monitor, params_, concurrent_winner);
+        end_run(result);
+        return result;
+    }
+    session().set_option("time_limit", monitor.time_left());
+    return run_session();
+}
+
+SolverResult Run::run_session() {
+    SolverResult result = session().run(params_.get_int(Param::Threads));
+    end_run(result);
     return result;
 }
 
@@ -94,7 +112,7 @@ SolverResult Run::tell_apart(const SolverModel& problem) {
     return result;
 }
 
-void Run::add_counts(const SolverResult& result) {
+void Run::end_run(const SolverResult& result) {
     Progress done;
     done.iterations = result.iterations;
     done.barrier_iterations = result.barrier_iterations;
@@ -103,6 +121,8 @@ void Run::add_counts(const SolverResult& result) {
     iterations += result.iterations;
     nodes += result.nodes;
     barrier_iterations += result.barrier_iterations;
+    monitor.flush_log();
+    monitor.begin_count(work, iterations);
 }
 
 int Run::status_of(const SolverResult& result) const {

@@ -35,7 +35,9 @@ private:
     SolverResult run_loaded(const SolverModel& problem);
     void pass_start(const SolverModel& problem, const Start& start);
     SolverResult tell_apart(const SolverModel& problem);
-    void add_counts(const SolverResult& result);
+    SolverResult run_method(const SolverModel& problem);
+    SolverResult run_session();
+    void end_run(const SolverResult& result);
 
     Model& model_;
     const ParamValues& params_;
