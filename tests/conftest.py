@@ -60,3 +60,31 @@ def model(env_silent):
     m = zelvanpy.Model("", env_silent)
     yield m
     m.dispose()
+
+
+LP_TEXT = """\\ Model small
+Maximize
+ obj: 3 x + 2 y + z
+Subject To
+ c1: x + y + z <= 6
+ c2: x - y >= -2
+Bounds
+ x <= 3
+ y <= 4
+ 1 <= z <= 10
+Generals
+ z
+End
+"""
+
+
+@pytest.fixture
+def lp(env_silent, tmp_path):
+    """A model of three variables x, y, z and two constraints c1, c2, read from a file; disposed of after the test."""
+    import zelvanpy
+
+    path = tmp_path / "small.lp"
+    path.write_text(LP_TEXT)
+    m = zelvanpy.read(str(path), env_silent)
+    yield m
+    m.dispose()

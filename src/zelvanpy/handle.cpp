@@ -84,6 +84,8 @@ PyObject* handle_new(PyTypeObject* type, py::handle, py::handle) {
     Handle* self = as_handle(object);
     self->cmodel = none().release().ptr();
     self->index = -1;
+    // Tracked again when a field is stored, as in new_handle.
+    if (type == *find_handle_kind(object.ptr())->type) PyObject_GC_UnTrack(object.ptr());
     return object.release().ptr();
 }
 

@@ -28,14 +28,23 @@ bool is_of_kind(PyObject* object, int kind) {
     raise_no_attribute(object, attribute.text());
 }
 
-std::vector<int> indices_of_kind(PyObject* const* objects, Py_ssize_t num, const Attribute& attribute) {
+// Indices of objects of which some are no plain handles of the right kind.
+std::vector<int> indices_of_any(PyObject* const* objects, Py_ssize_t num, const Attribute& attribute) {
     std::vector<int> indices(num);
-    PyTypeObject* type = nullptr;
-    if (attribute->kind >= 1 && attribute->kind <= 5) type = *handle_kind(static_cast<Kind>(attribute->kind)).type;
     for (Py_ssize_t i = 0; i < num; ++i)
-        if (Py_TYPE(objects[i]) != type && !is_of_kind(objects[i], attribute->kind)) refuse_kind(objects[i], attribute);
-    for (Py_ssize_t i = 0; i < num; ++i)
-        indices[i] = Py_TYPE(objects[i]) == type ? as_handle(objects[i])->cindex() : cindex_of(objects[i]);
+        if (!is_of_kind(objects[i], attribute->kind)) refuse_kind(objects[i], attribute);
+    for (Py_ssize_t i = 0; i < num; ++i) indices[i] = cindex_of(objects[i]);
+    return indices;
+}
+
+std::vector<int> indices_of_kind(PyObject* const* objects, Py_ssize_t num, const Attribute& attribute) {
+    if (attribute->kind == 0) return indices_of_any(objects, num, attribute);
+    PyTypeObject* const type = *handle_kind(static_cast<Kind>(attribute->kind)).type;
+    std::vector<int> indices(num);
+    for (Py_ssize_t i = 0; i < num; ++i) {
+        if (Py_TYPE(objects[i]) != type) return indices_of_any(objects, num, attribute);
+        indices[i] = as_handle(objects[i])->cindex();
+    }
     return indices;
 }
 
