@@ -126,9 +126,9 @@ class Model:
     def update(self):
         self.call("ZVNupdatemodel")
 
-    def add_row(self, entries, sense, rhs):
+    def add_row(self, entries, sense, rhs, name=None):
         ind, val = ints(entries.keys()), doubles(entries.values())
-        self.call("ZVNaddconstr", len(ind), ind, val, ctypes.c_char(sense.encode()), ctypes.c_double(rhs), None)
+        self.call("ZVNaddconstr", len(ind), ind, val, ctypes.c_char(sense.encode()), ctypes.c_double(rhs), name)
 
     def info(self, name):
         """Type, kind, settable."""
@@ -411,6 +411,25 @@ def test_objects_that_await_the_update_can_be_written_but_not_read(small):
     assert small.refused("set", "UB", 5.0, 3).code == BAD_INDEX
     small.update()
     assert small.get("UB", [0, 3]) == [8, 9] and small.get("VarName", range(4)) == ["C0", "C1", "C2", "late"]
+
+
+def test_names_are_dropped_when_they_are_to_be_ignored(env, small, tmp_path):
+    small.set("VarName", "kept", 0)
+    small.update()
+    path = str(tmp_path / "named.lp").encode()
+    small.call("ZVNwrite", path)
+    small.env.set("IgnoreNames", 1)
+    small.set("VarName", "dropped", 1)
+    small.call("ZVNaddvar", 0, None, None, *map(ctypes.c_double, (0, 0, 1)), ctypes.c_char(b"C"), b"late")
+    small.add_row({0: 1}, "<", 1, b"row")
+    small.update()
+    assert small.get("VarName", range(4)) == ["kept", "C1", "C2", "C3"] and small.get("ConstrName", 2) == "R2"
+    env.set("IgnoreNames", 1)
+    read = Model.__new__(Model)
+    read.handle = ctypes.c_void_p()
+    env.call("ZVNreadmodel", path, ctypes.byref(read.handle))
+    assert read.get("VarName", range(3)) == ["C0", "C1", "C2"]
+    lib.ZVNfreemodel(read.handle)
 
 
 def test_a_bad_value_is_refused_by_name_and_index_and_nothing_of_its_list_is_kept(small):

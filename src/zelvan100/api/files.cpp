@@ -67,6 +67,7 @@ int ZVNreadmodel(ZVNenv* env, const char* filename, ZVNmodel** model) {
         const auto begin = std::chrono::steady_clock::now();
         auto created = std::make_unique<Model>(parent);
         created->data = read_model(filename, warn_to(parent));
+        if (parent.params.get_int(Param::IgnoreNames)) created->data.drop_names();
         const std::chrono::duration<double> taken = std::chrono::steady_clock::now() - begin;
         log_model(parent, filename, created->data, taken.count());
         *model = new_model_ticket(created.get());

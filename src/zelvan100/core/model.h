@@ -131,6 +131,7 @@ public:
 private:
     void check_entries(const char* row_or_col, const char* name, int num, const int* ind, const double* val, int limit);
     void append_entries(int num, const int* col, const double* val);
+    std::string_view kept_name(const char* name) const;  // empty under IgnoreNames
     bool changes_problem() const;
     void splice_columns();
     void splice_rows();

@@ -89,4 +89,11 @@ std::string ModelData::row_name(int i) const {
     return name ? name : default_row_name(i);
 }
 
+void ModelData::drop_names() {
+    cols.names.clear();
+    cols.names.resize(cols.size());
+    rows.names.clear();
+    rows.names.resize(rows.size());
+}
+
 }  // namespace zelvan

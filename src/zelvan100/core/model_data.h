@@ -94,6 +94,7 @@ struct ModelData {
     static std::string default_row_name(int i) { return "R" + std::to_string(i); }
     std::string col_name(int j) const;
     std::string row_name(int i) const;
+    void drop_names();  // of columns and rows
 };
 
 }  // namespace zelvan

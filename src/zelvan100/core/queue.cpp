@@ -62,6 +62,10 @@ int Model::row_limit() const {
     return env.params.get_int(Param::UpdateMode) == 1 ? num_rows() + queue.rows.size() : num_rows();
 }
 
+std::string_view Model::kept_name(const char* name) const {
+    return name && !env.params.get_int(Param::IgnoreNames) ? name : std::string_view();
+}
+
 int Model::objective_limit() const {
     return queue.num_objectives >= 0 ? queue.num_objectives : static_cast<int>(data.objectives.size());
 }
@@ -89,7 +93,7 @@ void Model::add_cols(int num, const double* obj, const double* lb, const double*
             lower = std::max(lower, 0.0);
             upper = std::min(upper, 1.0);
         }
-        cols.push_back(lower, upper, value(obj, j, 0.0), type, name ? name : std::string_view());
+        cols.push_back(lower, upper, value(obj, j, 0.0), type, kept_name(name));
     }
 }
 
@@ -191,7 +195,7 @@ void Model::add_rows(int num, int num_entries, const int* beg, const int* col, c
     }
     for (int i = 0; i < num; ++i) {
         append_entries(length(i), col + start(i), val + start(i));
-        queue.rows.push_back(sense[i], clip(rhs[i]), names && names[i] ? names[i] : std::string_view());
+        queue.rows.push_back(sense[i], clip(rhs[i]), kept_name(names ? names[i] : nullptr));
     }
 }
 
@@ -199,7 +203,7 @@ void Model::add_row(int num, const int* col, const double* val, char sense, doub
     check_row(name, num_rows() + queue.rows.size(), sense, rhs);
     check_entries("constraint", name, num, col, val, col_limit());
     append_entries(num, col, val);
-    queue.rows.push_back(sense, clip(rhs), name ? name : std::string_view());
+    queue.rows.push_back(sense, clip(rhs), kept_name(name));
 }
 
 void Model::add_range_row(int num, const int* col, const double* val, double lower, double upper, const char* name) {
@@ -217,7 +221,7 @@ void Model::add_range_row(int num, const int* col, const double* val, double low
     check_name("a constraint", name);
     check_entries("constraint", name, num, col, val, col_limit());
     append_entries(num, col, val);
-    const std::string_view row_name = name ? name : std::string_view();
+    const std::string_view row_name = kept_name(name);
     if (env.params.get_int(Param::UpdateMode) != 1) {
         queue.rows.push_back_range(has_lower ? lower : -kInfinity, has_upper ? upper : kInfinity, row_name);
         return;
@@ -296,6 +300,8 @@ void Model::write_number(int attr, int index, double value, int number) {
 }
 
 void Model::write_text(int attr, int index, std::string_view value, int number) {
+    const bool names_object = attr == static_cast<int>(Attr::VarName) || attr == static_cast<int>(Attr::ConstrName);
+    if (names_object && env.params.get_int(Param::IgnoreNames)) return;
     queue.writes.push_back({Write::kText, 0, static_cast<int>(queue.texts.size()), 0.0});
     queue.texts.push_back({attr, number, index, std::string(value)});
 }
