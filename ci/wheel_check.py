@@ -56,9 +56,9 @@ def main(dist, data):
                 assert abs(model.ObjVal - objective) <= 1e-6 * objective, (name, model.ObjVal)
                 assert len(model.getVars()) == model.NumVars
     check_libraries(package)
-    command = [sys.executable, "-m", "zelvanpy", str(data / "shifts.lp"), "--write", "answer.sol"]
+    command = [sys.executable, "-m", "zelvanpy", str(data / "shifts.lp"), "--write", "answer.json"]
     printed = subprocess.check_output(command, universal_newlines=True)
-    assert "Objective: 11905" in printed and os.path.getsize("answer.sol") > 0, printed
+    assert "Objective: 11905" in printed and os.path.getsize("answer.json") > 0, printed
     print("wheel works on Python " + sys.version.split()[0])
 
 

@@ -1,10 +1,13 @@
 """python -m zelvanpy as a user calls it."""
 
+import os
 import pathlib
 import subprocess
 import sys
 
 import pytest
+
+import zelvanpy
 
 DATA = pathlib.Path(__file__).resolve().parent.parent / "examples" / "data"
 
@@ -16,12 +19,13 @@ def zelvan(*arguments, cwd):
         stderr=subprocess.PIPE,
         universal_newlines=True,
         cwd=str(cwd),
+        env=dict(os.environ, PYTHONPATH=str(pathlib.Path(zelvanpy._zelvanpy.__file__).parent.parent)),
     )
 
 
 @pytest.mark.parametrize("name, objective, variables", [("transport.mps", "8945", "of 48"), ("shifts.lp", "11905", "of 35")])
 def test_shipped_models(name, objective, variables, tmp_path):
-    result = zelvan(DATA / name, "TimeLimit=100", "OutputFlag=0", "--write", "answer.sol", "--write", "copy.lp", cwd=tmp_path)
+    result = zelvan(DATA / name, "TimeLimit=100", "OutputFlag=0", "--write", "answer.json", "--write", "copy.lp", cwd=tmp_path)
     assert (result.returncode, result.stderr) == (0, "")
     lines = result.stdout.strip().splitlines()
     assert lines[0] == "Status: OPTIMAL"
@@ -30,7 +34,7 @@ def test_shipped_models(name, objective, variables, tmp_path):
     assert len(lines) == 3 + int(lines[2].split()[2])
     again = zelvan(tmp_path / "copy.lp", "outputflag=0", cwd=tmp_path)
     assert again.stdout.splitlines()[1:3] == ["Status: OPTIMAL", "Objective: " + objective]
-    assert objective in (tmp_path / "answer.sol").read_text()
+    assert objective in (tmp_path / "answer.json").read_text()
 
 
 def test_no_answer(tmp_path):
@@ -48,7 +52,7 @@ def test_no_answer(tmp_path):
         ([DATA / "shifts.lp", "NoSuch=1"], "NoSuch"),
         ([DATA / "shifts.lp", "Threads=many"], "many"),
         ([DATA / "shifts.lp", "TimeLimit=-1"], "TimeLimit"),
-        ([DATA / "shifts.lp", "--write", "nofolder/a.sol"], "nofolder"),
+        ([DATA / "shifts.lp", "--write", "nofolder/a.json"], "nofolder"),
         ([], "model"),
     ],
 )

@@ -3,8 +3,9 @@
     python -m zelvanpy MODEL [Parameter=value ...] [--write FILE ...]
 
 MODEL is an .mps or .lp file, also with .gz behind. Each --write names a file that is written after the solve, its kind
-chosen by the ending (.sol, .mps, .lp, ...). The exit code is 0 when an optimal solution was found, 1 when the solve
-ended otherwise, 2 when the command line, a parameter or a file is at fault.
+chosen by the ending: .json for the solution, .mps or .lp for the model, .prm for the parameters. The exit code is 0 when
+an optimal solution was found, 1 when the solve ended otherwise, 2 when the command line, a parameter or a file is at
+fault.
 """
 
 import argparse
@@ -13,6 +14,7 @@ import sys
 import zelvanpy
 
 SHOWN = 50  # variables listed before the rest is only counted
+ROUNDING = 1e-9  # values up to this are zero but for the solver's arithmetic
 
 
 def parse(arguments):
@@ -28,7 +30,7 @@ def parse(arguments):
         action="append",
         default=[],
         metavar="FILE",
-        help="file to write after the solve, e.g. answer.sol (may be given several times)",
+        help="file to write after the solve, e.g. answer.json (may be given several times)",
     )
     options = parser.parse_intermixed_args(arguments)
     for setting in options.parameters:
@@ -62,13 +64,15 @@ def print_answer(model):
     if model.SolCount == 0:
         return
     print("Objective: %.10g" % model.ObjVal)
-    nonzero = [(variable.VarName, variable.X) for variable in model.getVars() if variable.X != 0]
-    print("Non-zero variables: %d of %d" % (len(nonzero), model.NumVars))
+    variables = model.getVars()
+    answer = zip(model.getAttr("VarName", variables), model.getAttr("X", variables))
+    nonzero = [(name, value) for name, value in answer if abs(value) > ROUNDING]
+    print("Non-zero variables: %d of %d" % (len(nonzero), len(variables)))
     width = max([len(name) for name, _ in nonzero[:SHOWN]], default=0)
     for name, value in nonzero[:SHOWN]:
         print("  %-*s  %.10g" % (width, name, value))
     if len(nonzero) > SHOWN:
-        print("  and %d more; --write answer.sol keeps them all" % (len(nonzero) - SHOWN))
+        print("  and %d more; --write answer.json keeps them all" % (len(nonzero) - SHOWN))
 
 
 def main(arguments=None):
