@@ -17,6 +17,13 @@ inline bool overrides(py::handle self, PyTypeObject* own, const Name& name) {
     return !theirs.is(steal(PyObject_GetAttr(reinterpret_cast<PyObject*>(own), name.get())));
 }
 
+// For a function that takes any number of values by position.
+inline void refuse_keywords(const char* function, const Args& args) {
+    if (!args.keywords || PyTuple_GET_SIZE(args.keywords) == 0) return;
+    PyErr_Format(PyExc_TypeError, "%s() takes no keyword arguments", function);
+    throw PythonError{};
+}
+
 // Ends a deallocator: gives the contents and the memory of a list or dict back, then the reference to the type.
 // Nested containers are unwound by the trashcan instead of the C stack.
 template <class ClearOwn>

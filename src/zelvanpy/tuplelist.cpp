@@ -242,12 +242,6 @@ void TupleList_delslice(TupleList& self, Args args) {
 
 // Selection and neighbours
 
-void refuse_keywords(const char* function, const Args& args) {
-    if (!args.keywords || PyTuple_GET_SIZE(args.keywords) == 0) return;
-    PyErr_Format(PyExc_TypeError, "%s() takes no keyword arguments", function);
-    throw PythonError{};
-}
-
 py::object TupleList_select(TupleList& self, Args args) {
     refuse_keywords("select", args);
     return selected_list(select(self, args.values, static_cast<std::size_t>(args.count)));

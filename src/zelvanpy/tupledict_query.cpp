@@ -1,0 +1,288 @@
+// What a tupledict answers about the keys that match a pattern: values, pairs, subsets, sums and products.
+
+#include <cmath>
+
+#include "exception.h"
+#include "linexpr.h"
+#include "tupledict.h"
+#include "tuplelist.h"
+
+namespace zelvanpy {
+
+namespace {
+
+const Name kKeys("keys");
+const Name kItems("items");
+const Name kIterItems("iteritems");
+const Name kIterValues("itervalues");
+const Name kGetItem("__getitem__");
+const Name kContains("__contains__");
+
+constexpr std::ptrdiff_t kAhead = 12;  // members whose values are fetched into the cache before their turn
+
+// `visit` gets borrowed references to each key and value and holds what it needs before it runs Python code.
+
+template <class Visit>
+void visit_value(TupleDict& t, PyObject* key, PyObject* value, Visit& visit) {
+    if (value) return visit(key, value);
+    const py::object held_key = borrow(key);
+    const py::object held_value = steal(PyObject_GetItem(t.self().ptr(), key));
+    visit(held_key.ptr(), held_value.ptr());
+}
+
+template <class Visit>
+void visit_list(TupleDict& t, py::handle list, Visit& visit) {
+    DictCursor cursor(t.self());
+    for (Py_ssize_t i = 0; i < PyList_GET_SIZE(list.ptr()); ++i) {
+        PyObject* key = PyList_GET_ITEM(list.ptr(), i);
+        visit_value(t, key, cursor.find(key), visit);
+    }
+}
+
+// Looks up the value of every member at once: in the order of the dict, that needs no hashing.
+void load_values(TupleDict& t, Members& members) {
+    const std::uint64_t version = version_of(t.dict);
+    if (members.version == version) return;
+    std::vector<PyObject*> values;
+    values.reserve(members.list.size());
+    DictCursor cursor(t.self());
+    for (const py::object& member : members.list) values.push_back(cursor.find(member.ptr()));
+    members.values = std::move(values);
+    members.version = version;
+}
+
+template <class Visit>
+void visit_group(TupleDict& t, KeyIndex& index, std::uint32_t group, Visit& visit) {
+    if (!index.is_intact(group)) return visit_list(t, index.list_of(group), visit);
+    Members& members = index.members();
+    load_values(t, members);
+    const std::uint32_t* const end = index.end(group);
+    for (const std::uint32_t* p = index.begin(group); p != end; ++p) {
+        if (end - p > kAhead) __builtin_prefetch(members.values[p[kAhead]]);
+        PyObject* value = members.version == version_of(t.dict) ? members.values[*p] : nullptr;
+        visit_value(t, members.list[*p].ptr(), value, visit);
+    }
+}
+
+// Keys and values through the methods that a subclass may have replaced.
+template <class Visit>
+void visit_iteritems(TupleDict& t, const Args& args, Visit& visit) {
+    const py::object method = steal(PyObject_GetAttr(t.self().ptr(), kIterItems.get()));
+    const py::tuple vals(args.count);
+    for (Py_ssize_t i = 0; i < args.count; ++i) vals[i] = py::handle(args.values[i]);
+    const py::object pairs = steal(PyObject_CallObject(method.ptr(), vals.ptr()));
+    for (const py::handle pair : py::iter(pairs)) {
+        const py::object fields = steal(PySequence_Tuple(pair.ptr()));
+        if (PyTuple_GET_SIZE(fields.ptr()) != 2) throw py::value_error("iteritems() must give pairs of key and value");
+        visit(PyTuple_GET_ITEM(fields.ptr(), 0), PyTuple_GET_ITEM(fields.ptr(), 1));
+    }
+    if (PyErr_Occurred()) throw PythonError{};
+}
+
+template <class Visit>
+void visit_matches(TupleDict& t, const Args& args, Visit&& visit) {
+    if (!is_plain(t)) return visit_iteritems(t, args, visit);
+    const py::object keys = tupledict_keys(t);
+    const Selection selection = select(as_tuplelist(keys), args.values, static_cast<std::size_t>(args.count));
+    for (const Selection::Part& part : selection.parts)
+        if (part.list)
+            visit_list(t, part.list, visit);
+        else
+            visit_group(t, *part.index, part.group, visit);
+}
+
+// `key in dict` and `dict[key]` in one, for any dict.
+class Lookup {
+public:
+    explicit Lookup(py::handle dict)
+        : dict_(dict),
+          plain_(!overrides(dict, &PyDict_Type, kGetItem) && !overrides(dict, &PyDict_Type, kContains)),
+          cursor_(dict) {}
+
+    // Null where the dict doesn't have the key.
+    py::object find(PyObject* key) {
+        if (plain_) {
+            PyObject* value = cursor_.find(key);
+            return value ? borrow(value) : py::object();
+        }
+        if (!checked(PySequence_Contains(dict_.ptr(), key))) return {};
+        return steal(PyObject_GetItem(dict_.ptr(), key));
+    }
+
+private:
+    py::handle dict_;
+    bool plain_;
+    DictCursor cursor_;
+};
+
+// A running sum by the rules of quicksum: variables and floats directly, everything else by `+=`.
+class Sum {
+public:
+    void add(PyObject* term) {
+        if (native_ && Py_TYPE(term) == Var_Type) return linexpr_append(native_, 1.0, as_handle(term));
+        if (native_ && PyFloat_CheckExact(term) && add_constant(PyFloat_AS_DOUBLE(term))) return;
+        add_any(borrow(term));
+    }
+
+    // Adds coeff * value. Products of floats and variables make no expression of their own.
+    void add_product(PyObject* coeff, PyObject* value) {
+        double c;
+        if (native_ && read_coeff(coeff, c)) {
+            if (Py_TYPE(value) == Var_Type) return linexpr_append(native_, c, as_handle(value));
+            if (PyFloat_CheckExact(value) && add_constant(c * PyFloat_AS_DOUBLE(value))) return;
+        }
+        add_any(steal(PyNumber_Multiply(coeff, value)));
+    }
+
+    py::object result() && { return std::move(result_); }
+
+private:
+    static bool read_coeff(PyObject* coeff, double& c) {
+        if (!PyFloat_CheckExact(coeff) && !PyLong_CheckExact(coeff)) return false;
+        c = PyFloat_AsDouble(coeff);
+        if (c != -1.0 || !PyErr_Occurred()) return true;
+        PyErr_Clear();  // an int too large: its product tells
+        return false;
+    }
+    bool add_constant(double constant) {
+        if (std::isnan(constant)) return false;
+        native_->constant += constant;
+        return true;
+    }
+    void add_any(const py::object& term) {
+        result_ = accumulate(std::move(result_), term);
+        native_ = Py_TYPE(result_.ptr()) == LinExpr_Type ? as_linexpr(result_) : nullptr;
+    }
+
+    LinExpr* native_ = new_linexpr();  // the result while it is a LinExpr
+    py::object result_ = steal(reinterpret_cast<PyObject*>(native_));
+};
+
+// Calls `visit` for each item of a dict as `for key, value in d.items()` does.
+template <class Visit>
+void visit_dict(py::handle d, Visit&& visit) {
+    if (!PyDict_CheckExact(d.ptr())) {
+        const py::object items = steal(PyObject_CallMethodObjArgs(d.ptr(), kItems.get(), nullptr));
+        for (const py::handle item : py::iter(items)) {
+            const py::object pair = steal(PySequence_Tuple(item.ptr()));
+            if (PyTuple_GET_SIZE(pair.ptr()) != 2) throw py::value_error("items() must give pairs of key and value");
+            visit(PyTuple_GET_ITEM(pair.ptr(), 0), PyTuple_GET_ITEM(pair.ptr(), 1));
+        }
+        if (PyErr_Occurred()) throw PythonError{};
+        return;
+    }
+    const Py_ssize_t size = PyDict_Size(d.ptr());
+    PyObject *key, *value;
+    Py_ssize_t position = 0;
+    while (PyDict_Next(d.ptr(), &position, &key, &value)) {
+        const py::object held_key = borrow(key), held_value = borrow(value);
+        visit(key, value);
+        if (PyDict_Size(d.ptr()) != size) raise(PyExc_RuntimeError, "dictionary changed size during iteration");
+    }
+}
+
+py::object prod_dict(TupleDict& t, py::handle d, const Args& vals) {
+    Sum sum;
+    if (vals.count == 0 && checked(PyObject_Size(d.ptr())) < checked(PyObject_Size(t.self().ptr()))) {
+        Lookup values(t.self());
+        visit_dict(d, [&](PyObject* key, PyObject* coeff) {
+            if (const py::object value = values.find(key)) sum.add_product(coeff, value.ptr());
+        });
+    } else {
+        Lookup coeffs(d);
+        visit_matches(t, vals, [&](PyObject* key, PyObject* value) {
+            const py::object held_key = borrow(key), held_value = borrow(value);
+            if (const py::object coeff = coeffs.find(key)) sum.add_product(coeff.ptr(), value);
+        });
+    }
+    return std::move(sum).result();
+}
+
+py::object prod_list(TupleDict& t, py::handle d) {
+    Sum sum;
+    Lookup values(t.self());
+    for (Py_ssize_t i = 0; i < PyList_GET_SIZE(d.ptr()); ++i) {
+        const py::object coeff = borrow(PyList_GET_ITEM(d.ptr(), i));
+        if (const py::object value = values.find(py::int_(i).ptr())) sum.add_product(coeff.ptr(), value.ptr());
+    }
+    return std::move(sum).result();
+}
+
+Args without_first(const Args& args) { return {args.values + 1, args.count - 1, nullptr}; }
+
+}  // namespace
+
+bool is_plain(TupleDict& t) {
+    if (Py_TYPE(t.self().ptr()) == TupleDict_Type) return true;
+    for (const Name* name : {&kKeys, &kIterItems, &kIterValues, &kGetItem, &kContains})
+        if (overrides(t.self(), TupleDict_Type, *name)) return false;
+    return true;
+}
+
+py::object tupledict_values(TupleDict& t) {
+    if (!is_plain(t)) {
+        const py::object values = steal(PyObject_CallMethodObjArgs(t.self().ptr(), kIterValues.get(), nullptr));
+        return steal(PySequence_List(values.ptr()));
+    }
+    return tupledict_select(t, Args{nullptr, 0, nullptr});
+}
+
+py::object tupledict_items(TupleDict& t) {
+    py::object pairs = steal(PyList_New(0));
+    visit_matches(t, Args{nullptr, 0, nullptr}, [&](PyObject* key, PyObject* value) {
+        const py::object pair = steal(PyTuple_Pack(2, key, value));
+        checked(PyList_Append(pairs.ptr(), pair.ptr()));
+    });
+    return pairs;
+}
+
+py::object tupledict_select(TupleDict& t, Args args) {
+    refuse_keywords("select", args);
+    py::object values = steal(PyList_New(0));
+    visit_matches(t, args, [&](PyObject*, PyObject* value) { checked(PyList_Append(values.ptr(), value)); });
+    return values;
+}
+
+py::object tupledict_subset(TupleDict& t, Args args) {
+    refuse_keywords("subset", args);
+    py::object result = new_tupledict();
+    py::object keys = steal(PyList_New(0));
+    visit_matches(t, args, [&](PyObject* key, PyObject* value) {
+        const py::object held_key = borrow(key), held_value = borrow(value);
+        checked(PyList_Append(keys.ptr(), key));
+        checked(PyDict_SetItem(result.ptr(), key, value));
+    });
+    tupledict_setord(as_tupledict(result), keys);
+    Py_XINCREF(t.wild);
+    Py_XSETREF(as_tupledict(result).wild, t.wild);
+    return result;
+}
+
+py::object tupledict_sum(TupleDict& t, Args args) {
+    refuse_keywords("sum", args);
+    Sum sum;
+    visit_matches(t, args, [&](PyObject*, PyObject* value) { sum.add(value); });
+    return std::move(sum).result();
+}
+
+py::object tupledict_prod(TupleDict& t, Args args) {
+    static const Name kCoeffs("d");
+    const Py_ssize_t num_keywords = args.keywords ? PyTuple_GET_SIZE(args.keywords) : 0;
+    const bool by_keyword =
+        args.count == 0 && num_keywords == 1 && kCoeffs.is(PyTuple_GET_ITEM(args.keywords, 0));
+    if (!by_keyword) refuse_keywords("prod", args);
+    if (args.count == 0 && !by_keyword) throw py::type_error("prod() missing required argument 'd' (pos 1)");
+    const py::handle d = args.values[0];
+    const Args vals = by_keyword ? Args{nullptr, 0, nullptr} : without_first(args);
+    if (PyDict_Check(d.ptr())) return prod_dict(t, d, vals);
+    if (!PyList_Check(d.ptr()) || vals.count) raise(PyExc_TypeError, "tupledict.prod requires a dictionary");
+    try {
+        return prod_list(t, d);
+    } catch (...) {
+        translate_exception();
+        py::raise_from(PyExc_TypeError, "Invalid tupledict.prod argument");
+        throw PythonError{};
+    }
+}
+
+}  // namespace zelvanpy
