@@ -30,7 +30,8 @@ py::object columns_of(py::handle keys, py::handle values) {
 }
 
 py::object multidict(py::handle, py::handle data) {
-    py::object d = steal(PyObject_CallFunctionObjArgs(reinterpret_cast<PyObject*>(TupleDict_Type), data.ptr(), nullptr));
+    py::object d =
+        steal(PyObject_CallFunctionObjArgs(reinterpret_cast<PyObject*>(TupleDict_Type), data.ptr(), nullptr));
     const py::object keys = tupledict_keys(as_tupledict(d));
     py::object result = steal(PyList_New(0));
     checked(PyList_Append(result.ptr(), keys.ptr()));
@@ -46,7 +47,8 @@ PyMethodDef functions[] = {
     {"multidict", method<multidict>, METH_O,
      "multidict(data, /)\n--\n\n"
      "A list of the keys of `data` as a tuplelist and of one tupledict for each position of its values.\n\n"
-     "`data` is a dict, or what dict() takes, from keys to lists of equal length; longer lists are cut. Where the values\n"
+     "`data` is a dict, or what dict() takes, from keys to lists of equal length; longer lists are cut. Where the "
+     "values\n"
      "are scalars, the second and last item is a tupledict of `data` itself. Raises ValueError if the keys are of\n"
      "different kinds or lengths.\n\n"
      "    arcs, capacity, cost = multidict({(1, 2): [10, 4.0], (1, 3): [20, 3.5]})"},

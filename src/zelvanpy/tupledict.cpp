@@ -208,7 +208,8 @@ PyMethodDef methods[] = {
      "A new tupledict of the keys that match the pattern `vals`, in the order of the selection."},
     {"sum", method<tupledict_sum>, kKeywords,
      "sum($self, /, *vals)\n--\n\n"
-     "The sum of the values (Var, LinExpr, QuadExpr or scalar) whose keys match the pattern `vals`, as an expression.\n\n"
+     "The sum of the values (Var, LinExpr, QuadExpr or scalar) whose keys match the pattern `vals`, as an "
+     "expression.\n\n"
      "    flow = model.addVars([1, 2], [1, 2, 3])\n"
      "    flow.sum(\"*\", 3)         # flow[1, 3] + flow[2, 3]"},
     {"prod", method<tupledict_prod>, kKeywords,
@@ -273,9 +274,7 @@ PyType_Spec spec = {"zelvanpy.tupledict", sizeof(TupleDict), 0,
 
 }  // namespace
 
-py::object new_tupledict() {
-    return steal(PyObject_CallObject(reinterpret_cast<PyObject*>(TupleDict_Type), nullptr));
-}
+py::object new_tupledict() { return steal(PyObject_CallObject(reinterpret_cast<PyObject*>(TupleDict_Type), nullptr)); }
 
 py::object new_tupledict(py::handle keys, py::handle values) {
     py::object result = new_tupledict();

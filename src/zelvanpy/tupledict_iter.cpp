@@ -13,10 +13,9 @@ const Name kSelect("select");
 enum class Yield { kKey, kValue, kPair };
 
 struct Iterator {
-    PyObject_HEAD
-    PyObject* dict;     // null when exhausted
-    PyObject* pattern;  // tuple; null for all keys
-    PyObject* keys;     // list; null before the first step
+    PyObject_HEAD PyObject* dict;  // null when exhausted
+    PyObject* pattern;             // tuple; null for all keys
+    PyObject* keys;                // list; null before the first step
     Py_ssize_t next;
     DictCursor cursor;
     Yield yield;

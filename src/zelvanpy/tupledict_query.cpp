@@ -268,8 +268,7 @@ py::object tupledict_sum(TupleDict& t, Args args) {
 py::object tupledict_prod(TupleDict& t, Args args) {
     static const Name kCoeffs("d");
     const Py_ssize_t num_keywords = args.keywords ? PyTuple_GET_SIZE(args.keywords) : 0;
-    const bool by_keyword =
-        args.count == 0 && num_keywords == 1 && kCoeffs.is(PyTuple_GET_ITEM(args.keywords, 0));
+    const bool by_keyword = args.count == 0 && num_keywords == 1 && kCoeffs.is(PyTuple_GET_ITEM(args.keywords, 0));
     if (!by_keyword) refuse_keywords("prod", args);
     if (args.count == 0 && !by_keyword) throw py::type_error("prod() missing required argument 'd' (pos 1)");
     const py::handle d = args.values[0];
