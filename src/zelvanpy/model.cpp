@@ -221,8 +221,8 @@ PyGetSetDef properties[] = {
     {},
 };
 
-PyMethodDef* const method_tables[] = {life_methods,       model_list_methods,  model_spine_methods,
-                                      model_attr_methods, model_param_methods, model_solve_methods};
+PyMethodDef* const method_tables[] = {life_methods,        model_list_methods,  model_spine_methods, model_attr_methods,
+                                      model_param_methods, model_solve_methods, model_build_methods};
 
 PyMethodDef* join_method_tables() {
     static std::vector<PyMethodDef> joined;

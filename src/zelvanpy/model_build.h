@@ -1,0 +1,91 @@
+#pragma once
+// What the units that build rows, columns and objectives share.
+
+#include <vector>
+
+#include "linexpr.h"
+#include "model.h"
+
+namespace zelvanpy {
+
+// Library indices and coefficients of linear terms, on their way to one library call.
+class LibraryTerms {
+public:
+    void clear() {
+        ind_.clear();
+        val_.clear();
+    }
+    void reserve(std::size_t terms) {
+        ind_.reserve(terms);
+        val_.reserve(terms);
+    }
+    void add(int index, double value) {
+        ind_.push_back(index);
+        val_.push_back(value);
+    }
+    // Merges duplicates and drops zeros.
+    void clean();
+    int size() const { return static_cast<int>(ind_.size()); }
+    int* ind() { return ind_.data(); }
+    double* val() { return val_.data(); }
+
+private:
+    std::vector<int> ind_;
+    std::vector<double> val_;
+};
+
+// The buffer of the call that is running. Filling it runs no Python code, so one serves all calls; a buffer
+// that grew large is given back when the call ends.
+class CallBuffer {
+public:
+    CallBuffer();
+    ~CallBuffer();
+    CallBuffer(const CallBuffer&) = delete;
+    CallBuffer& operator=(const CallBuffer&) = delete;
+    LibraryTerms* operator->() { return &buffer_; }
+    LibraryTerms& operator*() { return buffer_; }
+
+private:
+    LibraryTerms& buffer_;
+};
+
+// Appends mult * the terms of a flat expression. A variable without index or of another model raises
+// ZelvanError(NOT_IN_MODEL).
+void append_terms(const Model& model, const LinExpr* expr, double mult, LibraryTerms& buffer);
+void append_var(const Model& model, const Handle* var, double mult, LibraryTerms& buffer);
+// The expression itself when it is flat, otherwise a flattened copy.
+py::object flat_copy(py::handle expr);
+// A new Constr for a row that the library took in, at the end of the model's list.
+py::object append_constr(Model& model);
+// ord(text[0]) as one byte.
+char first_char(py::handle text);
+// "name[key]" with the parts of the key joined by commas; "" for an empty name.
+py::object index_name(py::handle name, py::handle key);
+// The keys of a generator expression, from its loop variables.
+class GeneratorKey {
+public:
+    // Raises KeyError for an object that is no running generator and where the loop variables can't be told.
+    explicit GeneratorKey(py::handle generator);
+    // The key of the iteration that the generator has just yielded.
+    py::object current() const;
+
+private:
+    py::object frame_;
+    py::object names_;  // tuple of str
+};
+
+// Parts of the method table of Model, by unit.
+py::object Model_addVar(Model& self, Args args);
+py::object Model_addVars(Model& self, Args args);
+py::object Model_addConstr(Model& self, Args args);
+py::object Model_addLConstr(Model& self, Args args);
+py::object Model_addRange(Model& self, Args args);
+py::object Model_addConstrs(Model& self, Args args);
+py::object Model_addQConstr(Model& self, Args args);
+void Model_setObjective(Model& self, Args args);
+void Model_setObjectiveN(Model& self, Args args);
+py::object Model_getObjective(Model& self, Args args);
+void Model_setPWLObj(Model& self, Args args);
+py::object Model_getPWLObj(Model& self, py::handle var);
+
+}  // namespace zelvanpy

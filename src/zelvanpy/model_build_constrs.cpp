@@ -1,0 +1,344 @@
+// addConstr, addLConstr, addQConstr, addRange and addConstrs.
+
+#include <algorithm>
+#include <cmath>
+
+#include "exception.h"
+#include "model_build.h"
+#include "pyargs.h"
+#include "tempconstr.h"
+#include "tupledict.h"
+
+namespace zelvanpy {
+
+namespace {
+
+const char* const kInvalid = "Invalid argument to Model.addConstr";
+const char* const kInvalidL = "Invalid argument to Model.addLConstr";
+
+// A side of a range row is infinite from here on.
+constexpr double kRangeInfinity = 1e25;
+
+bool given(PyObject* argument) { return argument && argument != Py_None; }
+
+bool is_empty(PyObject* name) { return !name || (PyUnicode_Check(name) && PyUnicode_GetLength(name) == 0); }
+
+// The name of a row as the library takes it; missing means none.
+class RowName {
+public:
+    explicit RowName(PyObject* name) : text_(is_empty(name) ? kNoName.get() : name) {}
+    operator const char*() const { return text_; }
+
+private:
+    static const Name kNoName;
+    CString text_;
+};
+const Name RowName::kNoName("");
+
+// ---- rows from expressions
+
+struct Row {
+    char sense;
+    double lower = -ZVN_INFINITY;  // not infinite: a range row
+    double upper = 0.0;
+};
+
+py::object add_buffered_row(Model& self, LibraryTerms& terms, const Row& row, const char* name) {
+    terms.clean();
+    ZVNmodel* model = model_pointer(self);
+    const int code = row.lower == -ZVN_INFINITY
+                         ? ZVNaddconstr(model, terms.size(), terms.ind(), terms.val(), row.sense, row.upper, name)
+                         : ZVNaddrangeconstr(model, terms.size(), terms.ind(), terms.val(), row.lower, row.upper, name);
+    check(code, as_object(self));
+    return append_constr(self);
+}
+
+// The worker of all rows: the constant of the expression moves to the sides.
+py::object add_row(Model& self, py::handle expr, Row row, PyObject* name) {
+    model_setup(self);
+    py::object linear = borrow(expr);
+    if (is_var(expr) || (!is_linexpr(expr) && is_scalar(expr)))
+        linear = steal(PyObject_CallFunctionObjArgs(reinterpret_cast<PyObject*>(LinExpr_Type), expr.ptr(), nullptr));
+    if (!is_linexpr(linear)) raise_zelvan(0, kInvalid);
+    const py::object flat = flat_copy(linear);
+    const LinExpr* terms = as_linexpr(flat);
+    row.upper -= terms->constant;
+    if (row.lower != -ZVN_INFINITY) row.lower -= terms->constant;
+    const RowName text(name);
+    CallBuffer buffer;
+    append_terms(self, terms, 1.0, *buffer);
+    return add_buffered_row(self, *buffer, row, text);
+}
+
+// The right side of a comparison where it needs no difference of expressions: terms to subtract, or none.
+struct RightSide {
+    double constant = 0.0;
+    Handle* var = nullptr;
+    py::object expr;  // flat LinExpr
+
+    // False for an operand that is left to the operators.
+    bool read(py::handle operand) {
+        if (PyFloat_CheckExact(operand.ptr())) {
+            constant = PyFloat_AS_DOUBLE(operand.ptr());
+            return !std::isnan(constant);
+        }
+        if (PyLong_CheckExact(operand.ptr())) {
+            constant = checked_double(PyLong_AsDouble(operand.ptr()));
+            return true;
+        }
+        if (Py_TYPE(operand.ptr()) == Var_Type) {
+            var = as_handle(operand);
+            return true;
+        }
+        if (Py_TYPE(operand.ptr()) != LinExpr_Type) return false;
+        expr = flat_copy(operand);
+        constant = as_linexpr(expr)->constant;
+        return true;
+    }
+};
+
+// lhs - rhs as a row without the difference as an object, where both sides are of the module's own types.
+bool add_difference(Model& self, TempConstr* constr, PyObject* name, py::object& result) {
+    if (Py_TYPE(constr->lhs) != LinExpr_Type) return false;
+    RightSide right;
+    if (!right.read(constr->rhs)) return false;
+    model_setup(self);
+    const py::object left = flat_copy(constr->lhs);
+    const LinExpr* terms = as_linexpr(left);
+    const RowName text(name);
+    CallBuffer buffer;
+    append_terms(self, terms, 1.0, *buffer);
+    if (right.var) append_var(self, right.var, -1.0, *buffer);
+    if (right.expr) append_terms(self, as_linexpr(right.expr), -1.0, *buffer);
+    result = add_buffered_row(self, *buffer, {constr->sense, -ZVN_INFINITY, right.constant - terms->constant}, text);
+    return true;
+}
+
+py::object difference(PyObject* lhs, PyObject* rhs) { return steal(PyNumber_Subtract(lhs, rhs ? rhs : Py_None)); }
+
+py::object constant_row(bool holds) { return steal(reinterpret_cast<PyObject*>(new_linexpr(holds ? 0.0 : 1.0))); }
+
+// ---- ranges
+
+py::object add_range(Model& self, py::handle expr, py::handle lower, py::handle upper, PyObject* name) {
+    model_setup(self);
+    const double left = checked_double(PyFloat_AsDouble(lower.ptr()));
+    const double right = checked_double(PyFloat_AsDouble(upper.ptr()));
+    const bool helper = (left <= -kRangeInfinity) == (right >= kRangeInfinity) && model_update_mode(self) == 1;
+    const Row row{ZVN_LESS_EQUAL, left < -kRangeInfinity ? -kRangeInfinity : left,
+                  right > kRangeInfinity ? kRangeInfinity : right};
+    py::object constr = add_row(self, expr, row, name);
+    if (helper) ++self.new_ranges;
+    return constr;
+}
+
+bool is_real(PyObject* value) {
+    if (PyFloat_Check(value) || PyLong_Check(value)) return true;
+    static PyObject* real = py::object(py::module_::import("numbers").attr("Real")).release().ptr();
+    return checked(PyObject_IsInstance(value, real)) != 0;
+}
+
+// expr == [lower, upper]
+py::object add_range_form(Model& self, TempConstr* constr, PyObject* name) {
+    PyObject* sides = constr->rhs;
+    if (PyTuple_Check(sides)) raise_zelvan(ZVN_ERROR_INVALID_ARGUMENT, "Range constraint requires a list [lb,ub]");
+    if (PyList_GET_SIZE(sides) != 2) raise_zelvan(ZVN_ERROR_INVALID_ARGUMENT, "Range constraint requires two values");
+    const py::object lower = borrow(PyList_GET_ITEM(sides, 0)), upper = borrow(PyList_GET_ITEM(sides, 1));
+    if (!is_real(lower.ptr()) || !is_real(upper.ptr()))
+        raise_zelvan(ZVN_ERROR_INVALID_ARGUMENT, "Range constraint requires numeric values");
+    return add_range(self, constr->lhs, lower, upper, name);
+}
+
+// trigger >> constraint: the trigger is tested; there are no indicator constraints to make of it.
+[[noreturn]] void refuse_indicator(TempConstr* constr) {
+    if (is_tempconstr(constr->lhs)) {
+        TempConstr* trigger = reinterpret_cast<TempConstr*>(constr->lhs);
+        if (is_linexpr(trigger->lhs) && trigger->sense == ZVN_EQUAL) {
+            const py::object flat = flat_copy(trigger->lhs);
+            const LinExpr* expr = as_linexpr(flat);
+            if (expr->size == 1 && std::abs(expr->terms[0].coeff - 1.0) < 1e-6) raise_zelvan(0, kInvalid);
+        }
+    }
+    raise_zelvan(ZVN_ERROR_INVALID_ARGUMENT,
+                 "Indicator constraints can only be triggered by a single binary variable at a given value");
+}
+
+// ---- addLConstr
+
+// One side of a linear row: -1 terms stands for a single Var.
+struct LinearSide {
+    py::object keep;
+    const LinExpr* expr = nullptr;
+    const Handle* var = nullptr;
+    double constant = 0.0;
+
+    int terms() const { return var ? 1 : expr ? static_cast<int>(expr->size) : 0; }
+};
+
+[[noreturn]] void refuse_linear() { raise_zelvan(0, kInvalidL); }
+
+// A constant side must convert to a float; anything else is refused.
+LinearSide linear_side(py::handle side) {
+    LinearSide result;
+    if (Py_TYPE(side.ptr()) == LinExpr_Type) {
+        result.keep = flat_copy(side);
+        result.expr = as_linexpr(result.keep);
+        result.constant = result.expr->constant;
+    } else if (is_var(side)) {
+        result.keep = borrow(side);
+        result.var = as_handle(side);
+    } else {
+        const py::object number = PyFloat_CheckExact(side.ptr())
+                                      ? borrow(side)
+                                      : py::reinterpret_steal<py::object>(PyNumber_Float(side.ptr()));
+        if (!number) {
+            PyErr_Clear();
+            refuse_linear();
+        }
+        result.constant = PyFloat_AS_DOUBLE(number.ptr());
+    }
+    return result;
+}
+
+// No test of owner or index here: the library judges them.
+void append_side(const LinearSide& side, double mult, LibraryTerms& buffer) {
+    if (side.var) buffer.add(side.var->cindex(), mult);
+    if (!side.expr) return;
+    buffer.reserve(buffer.size() + side.expr->size);
+    for (std::uint32_t k = 0; k < side.expr->size; ++k)
+        buffer.add(side.expr->terms[k].var->cindex(), mult * side.expr->terms[k].coeff);
+}
+
+py::object add_linear(Model& self, const LinearSide& lhs, const LinearSide& rhs, char sense, PyObject* name) {
+    const RowName text(name);
+    CallBuffer buffer;
+    append_side(lhs, 1.0, *buffer);
+    append_side(rhs, -1.0, *buffer);
+    return add_buffered_row(self, *buffer, {sense, -ZVN_INFINITY, rhs.constant - lhs.constant}, text);
+}
+
+py::object add_linear_comparison(Model& self, TempConstr* constr, PyObject* sense, PyObject* rhs, PyObject* name) {
+    if (given(rhs)) refuse_linear();
+    const LinearSide left = linear_side(constr->lhs);
+    const LinearSide right = linear_side(constr->rhs);
+    if (given(sense)) {
+        if (!is_empty(name)) raise_zelvan(0, "Invalid sense or name to Model.addLConstr");
+        name = sense;
+    }
+    return add_linear(self, left, right, constr->sense, name);
+}
+
+py::object add_linear_explicit(Model& self, PyObject* lhs, PyObject* sense, PyObject* rhs, PyObject* name) {
+    const LinearSide left = linear_side(lhs);
+    LinearSide right;
+    if (given(rhs) || given(sense)) right = linear_side(rhs ? rhs : Py_None);
+    if (given(sense)) return add_linear(self, left, right, first_char(sense), name);
+    if (left.terms() + right.terms() > 0 || given(rhs) || !PyBool_Check(lhs)) refuse_linear();
+    LinearSide empty;
+    empty.constant = lhs == Py_True ? 0.0 : -1.0;
+    return add_linear(self, LinearSide(), empty, ZVN_LESS_EQUAL, name);
+}
+
+const Signature<4> kAddConstr{"addConstr", 1, {Name("lhs"), Name("sense"), Name("rhs"), Name("name")}};
+const Signature<4> kAddLConstr{"addLConstr", 1, {Name("lhs"), Name("sense"), Name("rhs"), Name("name")}};
+const Signature<4> kAddQConstr{"addQConstr", 1, {Name("lhs"), Name("sense"), Name("rhs"), Name("name")}};
+const Signature<4> kAddRange{"addRange", 3, {Name("expr"), Name("lower"), Name("upper"), Name("name")}};
+const Signature<2> kAddConstrs{"addConstrs", 1, {Name("constrs"), Name("name")}};
+
+py::object add_comparison(Model& self, TempConstr* constr, PyObject* sense, PyObject* name) {
+    if (constr->sense == 'I') refuse_indicator(constr);
+    if (constr->sense == ZVN_EQUAL && (PyTuple_Check(constr->rhs) || PyList_Check(constr->rhs)))
+        return add_range_form(self, constr, name);
+    if (given(sense)) name = sense;
+    py::object result;
+    if (add_difference(self, constr, name, result)) return result;
+    return add_row(self, difference(constr->lhs, constr->rhs), {constr->sense}, name);
+}
+
+py::object add_constr(Model& self, PyObject* lhs, PyObject* sense, PyObject* rhs, PyObject* name) {
+    if (is_tempconstr(lhs)) {
+        const py::object keep = borrow(lhs);
+        return add_comparison(self, reinterpret_cast<TempConstr*>(lhs), sense, name);
+    }
+    if (PyBool_Check(lhs)) {
+        if (given(rhs) || (given(sense) && !is_empty(name))) raise_zelvan(0, kInvalid);
+        if (given(sense)) name = sense;
+        return add_row(self, constant_row(lhs == Py_True), {ZVN_LESS_EQUAL}, name);
+    }
+    if (lhs == Py_None)
+        raise_zelvan(ZVN_ERROR_INVALID_ARGUMENT, "Invalid None value for lhs when calling Model.addConstr");
+    const py::object expr = difference(lhs, rhs);
+    checked(PyErr_WarnEx(PyExc_DeprecationWarning, "Deprecated, pass a TempConstr or use Model.addLConstr", 1));
+    return add_row(self, expr, {first_char(sense ? sense : Py_None)}, name);
+}
+
+}  // namespace
+
+py::object Model_addConstr(Model& self, Args args) {
+    const auto [lhs, sense, rhs, name] = kAddConstr.parse(args);
+    return add_constr(self, lhs, sense, rhs, name);
+}
+
+py::object Model_addLConstr(Model& self, Args args) {
+    const auto [lhs, sense, rhs, name] = kAddLConstr.parse(args);
+    model_setup(self);
+    try {
+        if (is_tempconstr(lhs))
+            return add_linear_comparison(self, reinterpret_cast<TempConstr*>(lhs), sense, rhs, name);
+        return add_linear_explicit(self, lhs, sense, rhs, name);
+    } catch (const PythonError&) {
+        if (PyErr_ExceptionMatches(ZelvanError) || PyErr_ExceptionMatches(PyExc_MemoryError)) throw;
+        PyErr_Clear();
+    } catch (const py::error_already_set& error) {
+        if (error.matches(ZelvanError)) throw;
+    }
+    refuse_linear();
+}
+
+py::object Model_addQConstr(Model& self, Args args) {
+    auto [lhs, sense, rhs, name] = kAddQConstr.parse(args);
+    if (is_tempconstr(lhs)) {
+        const TempConstr* constr = reinterpret_cast<TempConstr*>(lhs);
+        const py::object expr = difference(constr->lhs, constr->rhs);
+        return add_row(self, expr, {constr->sense}, given(sense) ? sense : name);
+    }
+    if (PyBool_Check(lhs)) return add_row(self, constant_row(lhs == Py_True), {ZVN_LESS_EQUAL}, name);
+    if (lhs == Py_None)
+        raise_zelvan(ZVN_ERROR_INVALID_ARGUMENT, "Invalid None value for lhs when calling Model.addQConstr");
+    const py::object expr = difference(lhs, rhs);
+    return add_row(self, expr, {first_char(sense ? sense : Py_None)}, name);
+}
+
+py::object Model_addRange(Model& self, Args args) {
+    const auto [expr, lower, upper, name] = kAddRange.parse(args);
+    return add_range(self, expr, lower, upper, name);
+}
+
+py::object Model_addConstrs(Model& self, Args args) {
+    const auto [constrs, name] = kAddConstrs.parse(args);
+    static const Name kUnderscore("_"), kEmpty("");
+    const GeneratorKey key(constrs);
+    const py::object base = name ? borrow(name) : borrow(kEmpty.get());
+    const bool by_dict = PyDict_Check(base.ptr());
+    const bool by_key = !by_dict && checked(PyObject_RichCompareBool(base.ptr(), kUnderscore.get(), Py_EQ));
+    py::object result = new_tupledict();
+    while (PyObject* next = PyIter_Next(constrs)) {
+        const py::object constr = steal(next);
+        const py::object k = key.current();
+        py::object row_name;
+        if (by_dict)
+            row_name = base.attr("get")(k, py::handle(kEmpty.get()));
+        else
+            row_name = by_key ? k : index_name(base, k);
+        // A subclass may have an addConstr of its own.
+        const py::object handle =
+            Py_TYPE(as_object(self)) == Model_Type
+                ? add_constr(self, constr.ptr(), nullptr, nullptr, row_name.ptr())
+                : py::object(py::handle(as_object(self)).attr("addConstr")(constr, py::arg("name") = row_name));
+        checked(PyObject_SetItem(result.ptr(), k.ptr(), handle.ptr()));
+    }
+    if (PyErr_Occurred()) throw PythonError{};
+    return result;
+}
+
+}  // namespace zelvanpy

@@ -1,0 +1,155 @@
+// setObjective, setObjectiveN, getObjective and the piecewise-linear objective.
+
+#include <vector>
+
+#include "exception.h"
+#include "model_build.h"
+#include "pyargs.h"
+
+namespace zelvanpy {
+
+namespace {
+
+// int(value), as a C int.
+int to_int(py::handle value) {
+    const py::object number = steal(PyNumber_Long(value.ptr()));
+    int overflow;
+    const long long result = PyLong_AsLongLongAndOverflow(number.ptr(), &overflow);
+    if (result == -1 && PyErr_Occurred()) throw PythonError{};
+    if (overflow || result != static_cast<int>(result)) raise(PyExc_OverflowError, "value too large to convert to int");
+    return static_cast<int>(result);
+}
+
+// float(value)
+double to_float(py::handle value) { return PyFloat_AS_DOUBLE(steal(PyNumber_Float(value.ptr())).ptr()); }
+
+// The expression as a flat LinExpr; anything but a LinExpr goes through simple_expr.
+py::object linear_form(py::handle expr) {
+    if (!is_linexpr(expr)) return simple_expr(expr);
+    linexpr_flatten(as_linexpr(expr));
+    return borrow(expr);
+}
+
+void require_var(py::handle var) {
+    if (!is_var(var)) raise_zelvan(-1, "First argument must be a Var");
+}
+
+const Signature<2> kSetObjective{"setObjective", 1, {Name("expr"), Name("sense")}};
+const Signature<7> kSetObjectiveN{
+    "setObjectiveN",
+    2,
+    {Name("expr"), Name("index"), Name("priority"), Name("weight"), Name("abstol"), Name("reltol"), Name("name")}};
+const Signature<1> kGetObjective{"getObjective", 0, {Name("index")}};
+const Signature<3> kSetPWLObj{"setPWLObj", 3, {Name("var"), Name("x"), Name("y")}};
+
+}  // namespace
+
+void Model_setObjective(Model& self, Args args) {
+    const auto [expr, sense] = kSetObjective.parse(args);
+    model_setup(self);
+    const py::object linear = linear_form(expr);
+    const LinExpr* terms = as_linexpr(linear);
+    const int objsense = sense && sense != Py_None ? to_int(sense) : 0;
+    CallBuffer buffer;
+    append_terms(self, terms, 1.0, *buffer);
+    check(ZVNsetobjective(model_pointer(self), objsense, terms->constant, buffer->size(), buffer->ind(), buffer->val(),
+                          0, nullptr, nullptr, nullptr),
+          as_object(self));
+}
+
+void Model_setObjectiveN(Model& self, Args args) {
+    const auto [expr, index, priority, weight, abstol, reltol, name] = kSetObjectiveN.parse(args);
+    model_setup(self);
+    const py::object linear = linear_form(expr);
+    const LinExpr* terms = as_linexpr(linear);
+    const int number = to_int(index);
+    const int rank = priority ? to_int(priority) : 0;
+    const double factor = weight ? to_float(weight) : 1.0;
+    const double absolute = abstol ? to_float(abstol) : 1e-6;
+    const double relative = reltol ? to_float(reltol) : 0.0;
+    const CString text(name ? borrow(name) : steal(PyUnicode_FromString("")));
+    CallBuffer buffer;
+    append_terms(self, terms, 1.0, *buffer);
+    check(ZVNsetobjectiven(model_pointer(self), number, rank, factor, absolute, relative, text, terms->constant,
+                           buffer->size(), buffer->ind(), buffer->val()),
+          as_object(self));
+}
+
+namespace {
+
+// constant + the non-zero coefficients, in column order.
+py::object objective_of(Model& self, const char* constant, const char* coefficients) {
+    ZVNmodel* model = model_pointer(self);
+    py::object result = steal(reinterpret_cast<PyObject*>(new_linexpr()));
+    LinExpr* expr = as_linexpr(result);
+    check(ZVNgetdblattr(model, constant, &expr->constant), as_object(self));
+    const int count = static_cast<int>(self.live_vars);
+    std::vector<int> index(count);
+    for (int j = 0; j < count; ++j) index[j] = j;
+    std::vector<double> coeff(count);
+    check(ZVNgetdblattrlist(model, coefficients, count, index.data(), coeff.data()), as_object(self));
+    for (int j = 0; j < count; ++j)
+        if (coeff[j] != 0.0) linexpr_append(expr, coeff[j], as_handle(PyList_GET_ITEM(self.vars, j)));
+    return result;
+}
+
+// Puts the parameter ObjNumber back at the end of a scope.
+class ObjNumberScope {
+public:
+    ObjNumberScope(Model& model, int number) : model_(model), env_(ZVNgetenv(model_pointer(model))) {
+        check(ZVNgetintparaminfo(env_, "ObjNumber", &before_, nullptr, nullptr, nullptr), model_.env);
+        check(ZVNsetintparam(env_, "ObjNumber", number), model_.env);
+    }
+    ~ObjNumberScope() { ZVNsetintparam(env_, "ObjNumber", before_); }
+
+private:
+    Model& model_;
+    ZVNenv* env_;
+    int before_ = 0;
+};
+
+}  // namespace
+
+py::object Model_getObjective(Model& self, Args args) {
+    const auto [index] = kGetObjective.parse(args);
+    model_setup(self);
+    if (!index || index == Py_None) return objective_of(self, "ObjCon", "Obj");
+    const ObjNumberScope scope(self, to_int(index));
+    return objective_of(self, "ObjNCon", "ObjN");
+}
+
+void Model_setPWLObj(Model& self, Args args) {
+    const auto [var, x, y] = kSetPWLObj.parse(args);
+    require_var(var);
+    const Py_ssize_t count = checked(PyObject_Size(x));
+    if (count != checked(PyObject_Size(y))) raise_zelvan(-1, "Arguments x and y must have the same length");
+    std::vector<double> xs(count), ys(count);
+    for (Py_ssize_t i = 0; i < count; ++i) {
+        const auto element = [&](PyObject* sequence) {
+            const py::object position = steal(PyLong_FromSsize_t(i));
+            return checked_double(PyFloat_AsDouble(steal(PyObject_GetItem(sequence, position.ptr())).ptr()));
+        };
+        xs[i] = element(x);
+        ys[i] = element(y);
+    }
+    check(ZVNsetpwlobj(model_pointer(self), as_handle(var)->cindex(), static_cast<int>(count), xs.data(), ys.data()),
+          as_object(self));
+}
+
+py::object Model_getPWLObj(Model& self, py::handle var) {
+    require_var(var);
+    model_setup(self);
+    const int col = as_handle(var)->cindex();
+    if (col < 0 || col >= self.live_vars) raise_zelvan(ZVN_ERROR_NOT_IN_MODEL, "Variable not in model");
+    ZVNmodel* model = model_pointer(self);
+    int count = 0;
+    check(ZVNgetpwlobj(model, col, &count, nullptr, nullptr), as_object(self));
+    std::vector<double> x(count), y(count);
+    check(ZVNgetpwlobj(model, col, &count, x.data(), y.data()), as_object(self));
+    py::object points = steal(PyList_New(count));
+    for (int i = 0; i < count; ++i)
+        PyList_SET_ITEM(points.ptr(), i, steal(Py_BuildValue("(dd)", x[i], y[i])).release().ptr());
+    return points;
+}
+
+}  // namespace zelvanpy

@@ -1,0 +1,442 @@
+// addVar and addVars.
+
+#include <charconv>
+#include <cstring>
+#include <string>
+#include <vector>
+
+#include "exception.h"
+#include "model_build.h"
+#include "operand.h"
+#include "pyargs.h"
+#include "tupledict.h"
+
+namespace zelvanpy {
+
+namespace {
+
+double to_double(py::handle value) { return checked_double(PyFloat_AsDouble(value.ptr())); }
+
+bool is_empty_string(py::handle value) {
+    if (PyUnicode_Check(value.ptr())) return PyUnicode_GetLength(value.ptr()) == 0;
+    return false;
+}
+
+// ---- addVar
+
+// Constraint indices and coefficients of a column, which is normalised on the way.
+void append_column(py::handle column, LibraryTerms& buffer) {
+    column.attr("_normalize")();
+    const Py_ssize_t size = column.attr("size")().cast<Py_ssize_t>();
+    const py::object constrs = column.attr("_constrs"), coeffs = column.attr("_coeffs");
+    for (Py_ssize_t i = 0; i < size; ++i) {
+        const py::object constr = steal(PySequence_GetItem(constrs.ptr(), i));
+        const int index = constr.attr("__cindex__")().cast<int>();
+        if (index < 0) raise_zelvan(ZVN_ERROR_NOT_IN_MODEL, "Constraint not in model");
+        buffer.add(index, to_double(steal(PySequence_GetItem(coeffs.ptr(), i))));
+    }
+}
+
+const Signature<6> kAddVar{
+    "addVar", 0, {Name("lb"), Name("ub"), Name("obj"), Name("vtype"), Name("name"), Name("column")}};
+
+// ---- addVars
+
+const Name kLb("lb"), kUb("ub"), kObj("obj"), kVtype("vtype"), kName("name");
+const Name* const kKeywordNames[] = {&kLb, &kUb, &kObj, &kVtype, &kName};
+constexpr std::size_t kNumKeywords = 5;
+
+// The keyword arguments of one call, null where not given.
+struct Keywords {
+    PyObject* values[kNumKeywords] = {};
+
+    PyObject* lb() const { return values[0]; }
+    PyObject* ub() const { return values[1]; }
+    PyObject* obj() const { return values[2]; }
+    PyObject* vtype() const { return values[3]; }
+    PyObject* name() const { return values[4]; }
+};
+
+Keywords read_keywords(const Args& args) {
+    Keywords keywords;
+    py::object unknown = steal(PyList_New(0));
+    const Py_ssize_t count = args.keywords ? PyTuple_GET_SIZE(args.keywords) : 0;
+    for (Py_ssize_t k = 0; k < count; ++k) {
+        PyObject* keyword = PyTuple_GET_ITEM(args.keywords, k);
+        std::size_t i = 0;
+        while (i < kNumKeywords && !kKeywordNames[i]->is(keyword)) ++i;
+        if (i < kNumKeywords)
+            keywords.values[i] = args.values[args.count + k];
+        else
+            checked(PyList_Append(unknown.ptr(), keyword));
+    }
+    if (PyList_GET_SIZE(unknown.ptr()) > 0) {
+        PyErr_Format(PyExc_TypeError, "addVars() got unexpected keyword argument(s) %S", unknown.ptr());
+        throw PythonError{};
+    }
+    return keywords;
+}
+
+// An index argument as list: an exact int n stands for range(n).
+py::object index_list(py::handle index) {
+    if (!PyLong_CheckExact(index.ptr())) return steal(PySequence_List(index.ptr()));
+    const py::object range =
+        steal(PyObject_CallFunctionObjArgs(reinterpret_cast<PyObject*>(&PyRange_Type), index.ptr(), nullptr));
+    return steal(PySequence_List(range.ptr()));
+}
+
+// One key of the cross product; elements that are exactly tuples are spliced in.
+py::object product_key(const std::vector<PyObject*>& parts) {
+    Py_ssize_t length = 0;
+    for (PyObject* part : parts) length += PyTuple_CheckExact(part) ? PyTuple_GET_SIZE(part) : 1;
+    py::object key = steal(PyTuple_New(length));
+    Py_ssize_t next = 0;
+    const auto put = [&](PyObject* element) {
+        Py_INCREF(element);
+        PyTuple_SET_ITEM(key.ptr(), next++, element);
+    };
+    for (PyObject* part : parts) {
+        if (!PyTuple_CheckExact(part)) {
+            put(part);
+            continue;
+        }
+        for (Py_ssize_t i = 0; i < PyTuple_GET_SIZE(part); ++i) put(PyTuple_GET_ITEM(part, i));
+    }
+    return key;
+}
+
+// The cross product of lists, the first varying slowest.
+py::object product(const std::vector<py::object>& lists) {
+    std::size_t total = 1;
+    for (const py::object& list : lists) {
+        const std::size_t size = PyList_GET_SIZE(list.ptr());
+        if (size != 0 && total > static_cast<std::size_t>(ZVN_MAXINT) / size)
+            raise_zelvan(ZVN_ERROR_OUT_OF_MEMORY, "Out of memory for variable namespace");
+        total *= size;
+    }
+    py::object keys = steal(PyList_New(total));
+    std::vector<Py_ssize_t> at(lists.size(), 0);
+    std::vector<PyObject*> parts(lists.size());
+    for (std::size_t k = 0; k < total; ++k) {
+        for (std::size_t d = 0; d < lists.size(); ++d) parts[d] = PyList_GET_ITEM(lists[d].ptr(), at[d]);
+        PyList_SET_ITEM(keys.ptr(), k, product_key(parts).release().ptr());
+        for (std::size_t d = lists.size(); d-- > 0;) {
+            if (++at[d] < PyList_GET_SIZE(lists[d].ptr())) break;
+            at[d] = 0;
+        }
+    }
+    return keys;
+}
+
+py::object index_set(const Args& args) {
+    if (args.count == 0) raise(PyExc_IndexError, "addVars() needs at least one index set");
+    if (args.count == 1) return index_list(args.values[0]);
+    std::vector<py::object> lists;
+    for (Py_ssize_t i = 0; i < args.count; ++i) lists.push_back(index_list(args.values[i]));
+    return product(lists);
+}
+
+// Nested sequences, flattened while all elements of a level can be iterated and none is a str.
+py::object flatten(py::object list) {
+    for (;;) {
+        py::object flat = steal(PyList_New(0));
+        for (Py_ssize_t i = 0; i < PyList_GET_SIZE(list.ptr()); ++i) {
+            if (PyUnicode_Check(PyList_GET_ITEM(list.ptr(), i))) return list;
+        }
+        for (Py_ssize_t i = 0; i < PyList_GET_SIZE(list.ptr()); ++i) {
+            PyObject* element = PyList_GET_ITEM(list.ptr(), i);
+            if (PyFloat_CheckExact(element) || PyLong_CheckExact(element)) return list;
+            PyObject* extended = PyObject_CallMethod(flat.ptr(), "extend", "O", element);
+            if (!extended) {
+                if (!PyErr_ExceptionMatches(PyExc_TypeError)) throw PythonError{};
+                PyErr_Clear();
+                return list;
+            }
+            Py_DECREF(extended);
+        }
+        const int same = checked(PyObject_RichCompareBool(flat.ptr(), list.ptr(), Py_EQ));
+        if (same) return list;
+        list = std::move(flat);
+    }
+}
+
+// The value of a keyword for each key, as a list, from a dict, a list-like or one value.
+py::object listify(PyObject* value, PyObject* deflt, PyObject* keys) {
+    const Py_ssize_t count = PyList_GET_SIZE(keys);
+    const bool single = PyUnicode_Check(value) || PyFloat_CheckExact(value) || PyLong_CheckExact(value);
+    if (!single && PyDict_Check(value)) {
+        py::object values = steal(PyList_New(count));
+        const bool exact = PyDict_CheckExact(value);
+        for (Py_ssize_t i = 0; i < count; ++i) {
+            PyObject* key = PyList_GET_ITEM(keys, i);
+            PyObject* found;
+            if (exact) {
+                found = PyDict_GetItemWithError(value, key);
+                if (!found && PyErr_Occurred()) throw PythonError{};
+                if (!found) found = deflt;
+                Py_INCREF(found);
+            } else {
+                found = steal(PyObject_CallMethod(value, "get", "OO", key, deflt)).release().ptr();
+            }
+            PyList_SET_ITEM(values.ptr(), i, found);
+        }
+        return values;
+    }
+    if (!single && is_iterable(value)) return flatten(steal(PySequence_List(value)));
+    py::object values = steal(PyList_New(count));
+    for (Py_ssize_t i = 0; i < count; ++i) {
+        Py_INCREF(value);
+        PyList_SET_ITEM(values.ptr(), i, value);
+    }
+    return values;
+}
+
+void assert_length(const py::object& values, Py_ssize_t count) {
+    if (PyList_GET_SIZE(values.ptr()) == count || Py_OptimizeFlag) return;
+    PyErr_SetNone(PyExc_AssertionError);
+    throw PythonError{};
+}
+
+PyObject* entry(const py::object& values, Py_ssize_t i) {
+    if (i >= PyList_GET_SIZE(values.ptr())) raise(PyExc_IndexError, "list index out of range");
+    return PyList_GET_ITEM(values.ptr(), i);
+}
+
+std::vector<double> numbers(PyObject* value, double deflt, PyObject* keys) {
+    const Py_ssize_t count = PyList_GET_SIZE(keys);
+    if (!value) return std::vector<double>(count, deflt);
+    if (PyFloat_Check(value)) return std::vector<double>(count, PyFloat_AS_DOUBLE(value));
+    if (PyLong_CheckExact(value)) return std::vector<double>(count, to_double(value));
+    const py::object fallback = steal(PyFloat_FromDouble(deflt));
+    const py::object values = listify(value, fallback.ptr(), keys);
+    assert_length(values, count);
+    std::vector<double> result(count);
+    for (Py_ssize_t i = 0; i < count; ++i) {
+        const py::object element = borrow(entry(values, i));
+        result[i] = to_double(element);
+    }
+    return result;
+}
+
+char single_char(py::handle text) {
+    if (!PyUnicode_Check(text.ptr()) || PyUnicode_GetLength(text.ptr()) != 1)
+        raise(PyExc_ValueError, "only single character strings can be converted to a variable type");
+    return first_char(text);
+}
+
+std::vector<char> types(PyObject* value, PyObject* keys) {
+    const Py_ssize_t count = PyList_GET_SIZE(keys);
+    if (!value) return std::vector<char>(count, ZVN_CONTINUOUS);
+    if (PyUnicode_Check(value)) return std::vector<char>(count, single_char(value));
+    const py::object fallback = steal(PyUnicode_FromString("C"));
+    const py::object values = listify(value, fallback.ptr(), keys);
+    assert_length(values, count);
+    std::vector<char> result(count);
+    for (Py_ssize_t i = 0; i < count; ++i) result[i] = single_char(entry(values, i));
+    return result;
+}
+
+// The names of one call in one buffer, as the library takes them.
+class NameBuffer {
+public:
+    // "base[key]" for each key.
+    void add_indexed(py::handle base, PyObject* keys);
+    void add(py::handle name);
+    // Null when all names are empty.
+    char* const* pointers();
+
+private:
+    void append_key(py::handle key);
+    void append_part(py::handle part);
+    void append_str(py::handle text);
+    void close();
+
+    std::string text_;
+    std::vector<std::size_t> start_;
+    std::vector<char*> pointers_;
+    std::size_t begin_ = 0;
+    bool any_ = false;
+};
+
+void NameBuffer::close() {
+    for (std::size_t i = begin_; i < text_.size(); ++i) {
+        if (static_cast<unsigned char>(text_[i]) < 128) continue;
+        const py::object name = steal(PyUnicode_FromStringAndSize(text_.data() + begin_, text_.size() - begin_));
+        const py::object detail = steal(Py_BuildValue("(sOs)", "Cannot convert ", name.ptr(), "to ASCII characters"));
+        PyErr_SetObject(PyExc_OverflowError, steal(PyTuple_Pack(1, detail.ptr())).ptr());
+        throw PythonError{};
+    }
+    any_ = any_ || text_.size() > begin_;
+    start_.push_back(begin_);
+    text_.push_back('\0');
+    begin_ = text_.size();
+}
+
+void NameBuffer::append_str(py::handle text) {
+    Py_ssize_t size;
+    const char* utf8 = PyUnicode_AsUTF8AndSize(text.ptr(), &size);
+    if (!utf8) throw PythonError{};
+    text_.append(utf8, size);
+}
+
+// str(part), without an object for the usual kinds.
+void NameBuffer::append_part(py::handle part) {
+    if (PyUnicode_CheckExact(part.ptr())) return append_str(part);
+    if (PyLong_CheckExact(part.ptr())) {
+        int overflow;
+        const long long value = PyLong_AsLongLongAndOverflow(part.ptr(), &overflow);
+        if (value == -1 && PyErr_Occurred()) throw PythonError{};
+        if (!overflow) {
+            char digits[24];
+            text_.append(digits, std::to_chars(digits, digits + sizeof digits, value).ptr);
+            return;
+        }
+    }
+    append_str(steal(PyObject_Str(part.ptr())));
+}
+
+void NameBuffer::append_key(py::handle key) {
+    if (PyTuple_CheckExact(key.ptr())) {
+        for (Py_ssize_t i = 0; i < PyTuple_GET_SIZE(key.ptr()); ++i) {
+            if (i > 0) text_ += ',';
+            append_part(PyTuple_GET_ITEM(key.ptr(), i));
+        }
+        return;
+    }
+    if (PyUnicode_Check(key.ptr()) || PyLong_CheckExact(key.ptr())) return append_part(key);
+    PyObject* iterator = PyObject_GetIter(key.ptr());
+    if (!iterator) {
+        if (!PyErr_ExceptionMatches(PyExc_TypeError)) throw PythonError{};
+        PyErr_Clear();
+        return append_part(key);
+    }
+    const py::object parts = steal(iterator);
+    for (bool first = true;; first = false) {
+        PyObject* part = PyIter_Next(parts.ptr());
+        if (!part) break;
+        const py::object keep = steal(part);
+        if (!first) text_ += ',';
+        append_part(keep);
+    }
+    if (PyErr_Occurred()) throw PythonError{};
+}
+
+void NameBuffer::add_indexed(py::handle base, PyObject* keys) {
+    for (Py_ssize_t i = 0; i < PyList_GET_SIZE(keys); ++i) {
+        append_str(base);
+        text_ += '[';
+        append_key(PyList_GET_ITEM(keys, i));
+        text_ += ']';
+        close();
+    }
+}
+
+void NameBuffer::add(py::handle name) {
+    if (!PyUnicode_Check(name.ptr())) {
+        PyErr_Format(PyExc_TypeError, "variable names must be str, not %.200s", Py_TYPE(name.ptr())->tp_name);
+        throw PythonError{};
+    }
+    append_str(name);
+    close();
+}
+
+char* const* NameBuffer::pointers() {
+    if (!any_) return nullptr;
+    pointers_.resize(start_.size());
+    for (std::size_t i = 0; i < start_.size(); ++i) pointers_[i] = text_.data() + start_[i];
+    return pointers_.data();
+}
+
+void collect_names(PyObject* name, PyObject* keys, NameBuffer& names) {
+    if (!name || name == Py_None || is_empty_string(name)) return;
+    if (PyUnicode_Check(name)) return names.add_indexed(name, keys);
+    const py::object fallback = steal(PyUnicode_FromString(""));
+    const py::object values = listify(name, fallback.ptr(), keys);
+    const Py_ssize_t count = PyList_GET_SIZE(keys);
+    assert_length(values, count);
+    PyObject* first = entry(values, 0);
+    if (checked(PyObject_IsTrue(first)) &&
+        checked(PyObject_RichCompareBool(first, entry(values, PyList_GET_SIZE(values.ptr()) - 1), Py_EQ)))
+        return names.add_indexed(borrow(first), keys);
+    for (Py_ssize_t i = 0; i < count; ++i) names.add(borrow(entry(values, i)));
+}
+
+}  // namespace
+
+py::object index_name(py::handle name, py::handle key) {
+    if (!checked(PyObject_IsTrue(name.ptr()))) return steal(PyUnicode_FromString(""));
+    py::object parts = borrow(key);
+    if (!PyUnicode_Check(key.ptr())) {
+        PyObject* iterator = PyObject_GetIter(key.ptr());
+        if (iterator) {
+            const py::object all = steal(PySequence_List(steal(iterator).ptr()));
+            for (Py_ssize_t i = 0; i < PyList_GET_SIZE(all.ptr()); ++i)
+                checked(
+                    PyList_SetItem(all.ptr(), i, steal(PyObject_Str(PyList_GET_ITEM(all.ptr(), i))).release().ptr()));
+            parts = steal(PyUnicode_Join(steal(PyUnicode_FromString(",")).ptr(), all.ptr()));
+        } else if (PyErr_ExceptionMatches(PyExc_TypeError)) {
+            PyErr_Clear();
+        } else {
+            throw PythonError{};
+        }
+    }
+    return steal(PyUnicode_FromFormat("%S[%S]", name.ptr(), parts.ptr()));
+}
+
+py::object Model_addVar(Model& self, Args args) {
+    const auto [lb, ub, obj, vtype, name, column] = kAddVar.parse(args);
+    model_setup(self);
+    LibraryTerms entries;  // not the shared one: reading a column runs Python code
+    if (column && column != Py_None) append_column(column, entries);
+    const char type = vtype ? first_char(vtype) : ZVN_CONTINUOUS;
+    const double lower = lb ? to_double(lb) : 0.0;
+    const double upper = ub ? to_double(ub) : ZVN_INFINITY;
+    const double cost = obj ? to_double(obj) : 0.0;
+    ZVNmodel* model = model_pointer(self);
+    int code;
+    if (!name || is_empty_string(name)) {
+        code = ZVNaddvar(model, entries.size(), entries.ind(), entries.val(), cost, lower, upper, type, nullptr);
+    } else {
+        const CString text(name);
+        code = ZVNaddvar(model, entries.size(), entries.ind(), entries.val(), cost, lower, upper, type, text);
+    }
+    check(code, as_object(self));
+    const int col = model_update_mode(self) == 1 ? static_cast<int>(PyList_GET_SIZE(self.vars)) : -1;
+    py::object var = steal(new_handle(Var_Type, self.cmodel, col));
+    checked(PyList_Append(self.vars, var.ptr()));
+    return var;
+}
+
+py::object Model_addVars(Model& self, Args args) {
+    if (self.cmodel == Py_None) raise_zelvan(0, "Model has already been freed");
+    const Keywords keywords = read_keywords(args);
+    const py::object keys = index_set(args);
+    const Py_ssize_t count = PyList_GET_SIZE(keys.ptr());
+    if (count == 0) return new_tupledict();
+    if (count > ZVN_MAXINT) raise_zelvan(ZVN_ERROR_OUT_OF_MEMORY, "Out of memory for variable namespace");
+    model_setup(self);
+    NameBuffer names;
+    collect_names(keywords.name(), keys.ptr(), names);
+    const std::vector<double> lb = numbers(keywords.lb(), 0.0, keys.ptr());
+    const std::vector<double> ub = numbers(keywords.ub(), ZVN_INFINITY, keys.ptr());
+    const std::vector<double> obj = numbers(keywords.obj(), 0.0, keys.ptr());
+    const std::vector<char> vtype = types(keywords.vtype(), keys.ptr());
+
+    // The handles and their dict come first: an unhashable key must not leave variables without handles.
+    const bool indexed = model_update_mode(self) == 1;
+    const Py_ssize_t first = PyList_GET_SIZE(self.vars);
+    const py::object vars = steal(PyList_New(count));
+    for (Py_ssize_t i = 0; i < count; ++i)
+        PyList_SET_ITEM(vars.ptr(), i, new_handle(Var_Type, self.cmodel, indexed ? static_cast<int>(first + i) : -1));
+    py::object result = new_tupledict(keys, vars);
+
+    check(ZVNaddvars(model_pointer(self), static_cast<int>(count), 0, nullptr, nullptr, nullptr, obj.data(), lb.data(),
+                     ub.data(), vtype.data(), names.pointers()),
+          as_object(self));
+    checked(PyList_SetSlice(self.vars, first, first, vars.ptr()));
+    if (PyDict_Size(result.ptr()) != count) raise(PyExc_KeyError, "Duplicate keys in Model.addVars()");
+    tupledict_setord(as_tupledict(result), keys);
+    return result;
+}
+
+}  // namespace zelvanpy
