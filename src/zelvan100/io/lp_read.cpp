@@ -41,7 +41,7 @@ private:
     Expression expression(double scale, bool several_lines);
     void add_term(std::string_view name, double coeff);
     void close_row(std::string_view name, double lower, double upper);
-    void one_sided(std::string_view name, LpToken op, double rhs);
+    void one_sided(int line, std::string_view name, LpToken op, double rhs);
     bool at_operator() const;
     LpToken take_operator();
     bool at_value() const;
@@ -56,7 +56,7 @@ private:
     LpLexer lexer_;
     ModelData out_;
     NameTable col_names_, row_names_;
-    std::vector<std::int64_t> entry_;  // by column: its latest entry, which is of the current row or older
+    std::vector<std::int64_t> entry_;  // by column: its entry in the current row, or -1
     std::vector<std::uint8_t> bound_flags_;
 };
 
@@ -138,11 +138,16 @@ void LpReader::objective() {
 }
 
 void LpReader::constraints() {
-    while (lexer_.kind != LpToken::kSection && lexer_.kind != LpToken::kEnd) constraint();
+    while (lexer_.kind != LpToken::kSection && lexer_.kind != LpToken::kEnd) {
+        constraint();
+        const bool ended = lexer_.starts_line || lexer_.kind == LpToken::kLabel || lexer_.kind == LpToken::kEnd;
+        if (!ended) unexpected("a new line or a label behind the constraint");
+    }
 }
 
 void LpReader::constraint() {
     std::string_view name;
+    const int line = lexer_.line;
     if (lexer_.kind == LpToken::kLabel) {
         name = lexer_.text;
         source_.check_name(lexer_.line, name);
@@ -158,7 +163,7 @@ void LpReader::constraint() {
     if (!at_operator()) {
         const bool reversed = !left.has_terms && middle.has_terms;
         const double rhs = reversed ? left.constant - middle.constant : middle.constant - left.constant;
-        return one_sided(name, reversed ? flipped(op) : op, rhs);
+        return one_sided(line, name, reversed ? flipped(op) : op, rhs);
     }
     if (left.has_terms || op == LpToken::kEqual || lexer_.kind != op)
         unexpected("a new constraint; a range has a number on each side and the same operator twice");
@@ -168,14 +173,14 @@ void LpReader::constraint() {
     const double lower = (rising ? left.constant : right) - middle.constant;
     const double upper = (rising ? right : left.constant) - middle.constant;
     if (lower > upper || lower >= kInfinityThreshold || upper <= -kInfinityThreshold)
-        source_.fail(lexer_.line, "the sides of the range exclude each other");
+        source_.fail(line, "the sides of the range exclude each other");
     close_row(name, lower, upper);
 }
 
-void LpReader::one_sided(std::string_view name, LpToken op, double rhs) {
+void LpReader::one_sided(int line, std::string_view name, LpToken op, double rhs) {
     const double right = clipped(rhs);
     if ((op != LpToken::kLess && right == kInfinity) || (op != LpToken::kGreater && right == -kInfinity))
-        source_.fail(lexer_.line, "the constraint has its right side on the wrong side of infinity");
+        source_.fail(line, "the constraint has its right side on the wrong side of infinity");
     close_row(name, 0.0, 0.0);
     out_.rows.sense.back() = op == LpToken::kLess ? '<' : op == LpToken::kGreater ? '>' : '=';
     out_.rows.rhs.back() = right;
@@ -186,6 +191,7 @@ void LpReader::close_row(std::string_view name, double lower, double upper) {
     Rows& rows = out_.rows;
     auto to = static_cast<std::size_t>(rows.start.back());
     for (std::size_t k = to; k < rows.col.size(); ++k) {
+        entry_[rows.col[k]] = -1;
         if (rows.val[k] == 0.0) continue;
         rows.col[to] = rows.col[k];
         rows.val[to++] = rows.val[k];
@@ -251,7 +257,7 @@ void LpReader::add_term(std::string_view name, double coeff) {
         source_.fail(lexer_.line, "the coefficient of " + quoted(name) + " is too large");
     const int col = new_column(name);
     Rows& rows = out_.rows;
-    if (entry_[col] >= rows.start.back()) {
+    if (entry_[col] >= 0) {
         rows.val[entry_[col]] += coeff;
         return;
     }

@@ -57,6 +57,7 @@ public:
     MpsReader(const Source& source, bool fixed) : source_(source), lines_(source.text, fixed) {}
     ModelData read();
     const std::vector<std::string>& warnings() const { return warnings_; }
+    int num_columns() const { return col_names_.size(); }
 
 private:
     struct Section {
@@ -68,7 +69,6 @@ private:
     static const Section kSections[];
     // The first of several right-hand sides, ranges or bounds is used; others are passed over.
     struct ChosenSet {
-        bool chosen = false;
         bool warned = false;
         std::string_view name;
     };
@@ -368,9 +368,8 @@ void MpsReader::set_bound(const MpsLine& line, const BoundCode& bound, int col, 
 }
 
 bool MpsReader::in_chosen_set(ChosenSet& set, std::string_view name, const char* what) {
-    if (!set.chosen) set.name = name;
-    set.chosen = true;
-    if (set.name == name) return true;
+    if (set.name.empty()) set.name = name;
+    if (name.empty() || set.name == name) return true;
     if (!set.warned)
         warnings_.push_back(std::string("Warning: ") + what + " " + quoted(name) + " ignored, only the first, " +
                             quoted(set.name) + ", is used");
@@ -491,7 +490,8 @@ ModelData read_mps(const Source& source, const Warn& warn) {
         try {
             data = fixed_form.read();
         } catch (const ReadError& second) {
-            if (second.line() > first.line()) throw;
+            // A file that isn't in fixed form fails there at its first numbers.
+            if (second.line() > first.line() && fixed_form.num_columns() > 1) throw;
             throw ReadError(first);
         }
     }

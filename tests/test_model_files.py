@@ -1,0 +1,787 @@
+"""MPS and LP files: what is read from texts in all their dialects, what is written, and what is refused."""
+
+import ctypes
+import gzip
+import os
+import stat
+import subprocess
+import sys
+
+import pytest
+from hypothesis import given
+from hypothesis import strategies as st
+from native import INFINITY, Content, Environment, LibraryError, array, highs_library
+
+INF = INFINITY
+
+
+@pytest.fixture(scope="module")
+def env():
+    environment = Environment(UpdateMode=0, LogToConsole=1)
+    yield environment
+    environment.close()
+
+
+def read_text(env, folder, ending, text):
+    path = folder / ("model" + ending)
+    path.write_text(text)
+    env.log.clear()
+    with env.read(path) as model:
+        return model.content()
+
+
+def write_text(env, model, path):
+    """The text of a written file and the warnings on the way."""
+    env.warnings()
+    model.write(path)
+    return path.read_bytes(), env.warnings()
+
+
+def bounds(content):
+    return {name: (kind, lb, ub) for name, kind, lb, ub, _ in content.columns}
+
+
+def rows(content):
+    names = [column[0] for column in content.columns]
+    return [(name, sense, rhs, {names[j]: v for j, v in entries}) for name, sense, rhs, entries in content.rows]
+
+
+# --- MPS ---------------------------------------------------------------------------------------------------------
+
+MPS = """* a comment
+NAME          sample
+{0}ROWS
+ N  cost
+ L  c1
+ G  c2
+ E  c3
+COLUMNS
+    x         cost      1.5          c1        1.0
+    x         c3        +2
+    MARKER    'MARKER'  'INTORG'
+    y         cost      -1e0         c2        .5
+    z         c1        3D0
+    MARKER    'MARKER'  'INTEND'
+    u         c3        1
+RHS
+    RHS       c1        4.           c2        1
+    RHS       cost      -7
+{1}BOUNDS
+{2}ENDATA
+"""
+
+
+def mps(env, tmp_path, before_rows="", ranges="", bound_lines=""):
+    lines = "".join(" %s\n" % line for line in bound_lines.split("; ") if line)
+    return read_text(env, tmp_path, ".mps", MPS.format(before_rows, ranges, lines))
+
+
+def test_mps_sample(env, tmp_path):
+    content = mps(env, tmp_path, bound_lines="PL B z")
+    assert (content.name, content.sense, content.constant) == ("sample", 1, 7.0)
+    assert content.columns == [
+        ("x", "C", 0, INF, 1.5),
+        ("y", "I", 0, 1, -1),
+        ("z", "I", 0, INF, 0),
+        ("u", "C", 0, INF, 0),
+    ]
+    assert rows(content) == [
+        ("c1", "<", 4, {"x": 1, "z": 3}),
+        ("c2", ">", 1, {"y": 0.5}),
+        ("c3", "=", 0, {"x": 2, "u": 1}),
+    ]
+    assert env.warnings() == ["Warning: 1 integer column(s) without bounds: bounds 0 and 1 assumed"]
+
+
+@pytest.mark.parametrize(
+    "lines, name, expected",
+    [
+        ("LO B x -2; UP B x 5", "x", ("C", -2, 5)),
+        ("UP x 5", "x", ("C", 0, 5)),
+        ("UP B x 1e30", "x", ("C", 0, INF)),
+        ("UP B x inf", "x", ("C", 0, INF)),
+        ("LO B x -Infinity", "x", ("C", -INF, INF)),
+        ("FX B x 3", "x", ("C", 3, 3)),
+        ("FR B x", "x", ("C", -INF, INF)),
+        ("FR x", "x", ("C", -INF, INF)),
+        ("MI B x; UP B x -1", "x", ("C", -INF, -1)),
+        ("UP B x -1; LO B x 0", "x", ("C", 0, -1)),
+        ("BV B x", "x", ("B", 0, 1)),
+        ("BV B x; FX B x 0", "x", ("B", 0, 0)),
+        ("LI B x 2", "x", ("I", 2, INF)),
+        ("UI B x 7", "x", ("I", 0, 7)),
+        ("SC B x 9; LO B x 2", "x", ("S", 2, 9)),
+        ("SC B x", "x", ("S", 0, INF)),
+        ("SI B x 9", "x", ("N", 0, 9)),
+        ("SC B y 9", "y", ("S", 0, 9)),
+        ("LO B y 2", "y", ("I", 2, INF)),
+        ("MI B y", "y", ("I", -INF, INF)),
+    ],
+)
+def test_mps_bounds(env, tmp_path, lines, name, expected):
+    assert bounds(mps(env, tmp_path, bound_lines=lines + "; PL B z"))[name] == expected
+
+
+def test_mps_negative_upper_bound(env, tmp_path):
+    assert bounds(mps(env, tmp_path, bound_lines="UP B x -1; PL B y; PL B z"))["x"] == ("C", -INF, -1)
+    [warning] = env.warnings()
+    assert "'x'" in warning and "lower bound -infinity" in warning
+
+
+@pytest.mark.parametrize(
+    "text",
+    ["OBJSENSE\n    MAX\n", "OBJSENSE MAXIMIZE\n", "OBJSENSE\nMAX\n", "OBJSENSE\n maximize\nOBJNAME\n cost\n", "MAX\n"],
+)
+def test_mps_sense(env, tmp_path, text):
+    assert mps(env, tmp_path, before_rows=text).sense == -1
+
+
+def test_mps_sense_among_rows(env, tmp_path):
+    text = MPS.format("", "", "").replace(" N  cost\n", " OBJSENSE MAX\n N  cost\n")
+    assert read_text(env, tmp_path, ".mps", text).sense == -1
+
+
+def range_text(content, env, tmp_path):
+    """Rows as LP text, which shows both sides."""
+    path = tmp_path / "ranges.lp"
+    with env.read(tmp_path / "model.mps") as model:
+        return [line.strip() for line in write_text(env, model, path)[0].decode().splitlines() if ": " in line][1:]
+
+
+def test_mps_ranges(env, tmp_path):
+    sides = []
+    for sign in "+-":
+        ranges = f"RANGES\n R c1 {sign}2 c2 {sign}3\n R c3 {sign}4\n"
+        content = mps(env, tmp_path, ranges=ranges)
+        assert [row[1] for row in content.rows] == ["R"] * 3
+        sides.append(range_text(content, env, tmp_path))
+    first_two = ["c1: 2 <= x + 3 z <= 4", "c2: 1 <= 0.5 y <= 4"]
+    assert sides[0] == first_two + ["c3: 0 <= 2 x + u <= 4"]
+    assert sides[1] == first_two + ["c3: -4 <= 2 x + u <= 0"]
+    content = mps(env, tmp_path, ranges="RANGES\n R c1 0 c2 1e30\n")
+    assert [row[1:3] for row in content.rows] == [("=", 4), (">", 1), ("=", 0)]
+
+
+def test_mps_rows_of_type_n(env, tmp_path):
+    text = MPS.format("", "", "").replace(" L  c1\n", " L  c1\n N  other\n").replace("    u ", "    u  other 9\n    u ")
+    text = text.replace("BOUNDS\n", "BOUNDS\n PL B y\n PL B z\n")
+    content = read_text(env, tmp_path, ".mps", text)
+    assert [row[0] for row in content.rows] == ["c1", "c2", "c3"]
+    assert env.warnings() == ["Warning: 1 further row(s) of type N dropped, only one is the objective"]
+    content = read_text(env, tmp_path, ".mps", text.replace("ROWS", "OBJNAME\n other\nROWS", 1))
+    assert [column[4] for column in content.columns] == [0, 0, 0, 9]
+
+
+def test_mps_several_sets(env, tmp_path):
+    text = MPS.format("", "", " UP B x 4\n UP B2 x 5\n PL B y\n PL B z\n").replace("RHS       cost", "RHS2      cost")
+    content = read_text(env, tmp_path, ".mps", text)
+    assert bounds(content)["x"] == ("C", 0, 4) and content.constant == 0
+    assert env.warnings() == [
+        "Warning: right-hand side 'RHS2' ignored, only the first, 'RHS', is used",
+        "Warning: bounds 'B2' ignored, only the first, 'B', is used",
+    ]
+
+
+FIXED = """NAME          FIXED   and more
+ROWS
+ N  THE COST
+ L  ROW 1
+ G   2
+COLUMNS
+    COL A     THE COST           1.5   ROW 1              1.0
+    COL A      2                 1.0
+    MARKER                 'MARKER'                 'INTORG'
+    B         ROW 1              2.0
+    MARKER                 'MARKER'                 'INTEND'
+RHS
+              ROW 1              4.0    2                 1.0
+BOUNDS
+ UP BND       COL A              4.0
+ UP           B                  3.0
+ENDATA
+"""
+
+
+def test_mps_fixed_form(env, tmp_path):
+    content = read_text(env, tmp_path, ".mps", FIXED)
+    assert content.name == "FIXED"
+    assert content.columns == [("COL A", "C", 0, 4, 1.5), ("B", "I", 0, 3, 0)]
+    assert rows(content) == [("ROW 1", "<", 4, {"COL A": 1, "B": 2}), ("2", ">", 1, {"COL A": 1})]
+
+
+def faulty_mps(old, new):
+    return MPS.format("", "", " UP B x 4\n").replace(old, new, 1)
+
+
+@pytest.mark.parametrize(
+    "text, line, words",
+    [
+        ("", 0, "ends here, expected ENDATA"),
+        ("NAME\nENDATA\n", 2, "before section ROWS"),
+        ("NAME\nROWS\n N c\nENDATA\n", 4, "before section COLUMNS"),
+        ("x1 c1 4\n", 1, "unknown section 'x1'"),
+        ("NAME\n x1 c1 4\n", 2, "outside of a section"),
+        (faulty_mps("ENDATA\n", ""), 20, "ends here, expected ENDATA"),
+        (faulty_mps("RHS  ", "RHS x\0y"), 17, "binary data"),
+        (faulty_mps(" L  c1", " Q  c1"), 5, "'Q' is no type of a row"),
+        (faulty_mps(" G  c2", " G  c1"), 6, "row 'c1' appears twice"),
+        (faulty_mps(" L  c1", " L  c1  c4"), 5, "expected the type and the name"),
+        (faulty_mps("    z         c1  ", "    z         c9  "), 13, "unknown row 'c9'"),
+        (faulty_mps("    u         c3  ", "    x         c3  "), 15, "column 'x' appears in two places"),
+        (faulty_mps("    x         c3  ", "    x         c1  "), 10, "two entries in row 'c1'"),
+        (faulty_mps("3D0", "3,0"), 13, "'3,0' is not a number"),
+        (faulty_mps("3D0", "nan"), 13, "'nan' is not a number"),
+        (faulty_mps("3D0", "1e400"), 13, "'1e400' is too large"),
+        (faulty_mps("3D0", ""), 13, "expected a column, a row and a number"),
+        (faulty_mps("'INTORG'", "'SOSORG'"), 11, "special ordered sets are not supported"),
+        (faulty_mps("c2        1\n", "c1        1\n"), 17, "row 'c1' has two right-hand sides"),
+        (faulty_mps("cost      -7", "c3        inf"), 18, "wrong side of infinity"),
+        (faulty_mps("UP B x", "XX B x"), 20, "'XX' is no type of a bound"),
+        (faulty_mps("UP B x", "UP B q"), 20, "unknown column 'q'"),
+        (faulty_mps("UP B x 4", "FX B x 1e25"), 20, "wrong side of infinity"),
+        (faulty_mps("UP B x 4", "UP B"), 20, "expected a bound"),
+        (faulty_mps("BOUNDS", "QUADOBJ"), 19, "section QUADOBJ is not supported"),
+        (faulty_mps("BOUNDS", "SOS2"), 19, "section SOS2 is not supported"),
+        (faulty_mps("BOUNDS", "RHS"), 19, "section RHS appears twice"),
+        (faulty_mps("    z    ", "    " + 300 * "z" + " "), 13, "is longer than 255 bytes"),
+        (FIXED.replace("UP BND       COL A ", "UP BND       COL B "), 15, "unknown column 'COL B'"),
+    ],
+)
+def test_mps_faults(env, tmp_path, text, line, words):
+    refuse(env, tmp_path / "faulty.mps", text, line, words)
+
+
+def refuse(env, path, text, line, words):
+    path.write_text(text)
+    with pytest.raises(LibraryError) as caught:
+        env.read(path)
+    assert caught.value.code == 10012
+    assert words in caught.value.text
+    assert "File '%s', line %d:" % (path, line) in caught.value.text
+
+
+# --- LP ----------------------------------------------------------------------------------------------------------
+
+
+def test_lp_sample(env, tmp_path):
+    text = """\\ Model name: my model
+MAXIMIZE  \\ comment
+  profit: 3 x1 + 2.5x2 - .5e+1 x3
+    + 4. x[1,2] - x3 + 10 - 2
+Such That
+  c1: x1 + x2
+      + x3 <= 10
+  c2: -1 <= x1 - x2
+      + 2 x[1,2] <= 1E1
+  c3: x1 => 1
+  x1 + x1 - x2 - 3 >= 2 - x3
+  -x1 + 3 x2 =< 4
+  5 >= x2
+  c4 : 2 * x1 == 3
+bounds
+  x1 free
+  -inf <= x2 <= 5
+  1 <= x3
+  x[1,2] <= 1e30
+  b <= 7
+End of it all
+"""
+    text = text.replace("4. x[1,2]", "4. x[1,2] + b + g + s + n")
+    text = text.replace("End of", "GENERAL\n g n\nBinary\n b\nSemis s\n n\nEnd\nEnd of")
+    content = read_text(env, tmp_path, ".lp", text)
+    assert (content.name, content.sense, content.constant) == ("my model", -1, 8.0)
+    assert [(column[0], column[4]) for column in content.columns] == [
+        ("x1", 3),
+        ("x2", 2.5),
+        ("x3", -6),
+        ("x[1,2]", 4),
+        ("b", 1),
+        ("g", 1),
+        ("s", 1),
+        ("n", 1),
+    ]
+    assert bounds(content) == {
+        "x1": ("C", -INF, INF),
+        "x2": ("C", -INF, 5),
+        "x3": ("C", 1, INF),
+        "x[1,2]": ("C", 0, INF),
+        "b": ("B", 0, 7),
+        "g": ("I", 0, INF),
+        "s": ("S", 0, INF),
+        "n": ("N", 0, INF),
+    }
+    assert rows(content) == [
+        ("c1", "<", 10, {"x1": 1, "x2": 1, "x3": 1}),
+        ("c2", "R", 10, {"x1": 1, "x2": -1, "x[1,2]": 2}),
+        ("c3", ">", 1, {"x1": 1}),
+        ("R3", ">", 5, {"x1": 2, "x2": -1, "x3": 1}),
+        ("R4", "<", 4, {"x1": -1, "x2": 3}),
+        ("R5", "<", 5, {"x2": 1}),
+        ("c4", "=", 3, {"x1": 2}),
+    ]
+
+
+@pytest.mark.parametrize(
+    "line, expected",
+    [
+        ("x >= -5", (-5, INF)),
+        ("-5 <= x", (-5, INF)),
+        ("x = 3", (3, 3)),
+        ("3 = x", (3, 3)),
+        ("-3 <= x <= +4", (-3, 4)),
+        ("4 >= x >= -3", (-3, 4)),
+        ("x <= - 4 x >= -infinity", (-INF, -4)),
+        ("-Infinity <= x < +INF", (-INF, INF)),
+        ("x Free", (-INF, INF)),
+        ("x > 1e-2", (0.01, INF)),
+        ("x =< 1.5e+2\n x => 1", (1, 150)),
+    ],
+)
+def test_lp_bounds(env, tmp_path, line, expected):
+    content = read_text(env, tmp_path, ".lp", "min x\nst\nc: x + y >= 0\nBound\n %s\nEnd" % line)
+    assert content.columns[0][2:4] == expected
+
+
+@pytest.mark.parametrize("keyword, sense", [("Minimum", 1), ("max:", -1), ("MAXIMISE", -1), ("min", 1)])
+def test_lp_keywords(env, tmp_path, keyword, sense):
+    """Keywords count at the start of a line only, and not before an operator or a colon."""
+    text = keyword + " bin + end\n + x\ns.t.\n bound: bin + end >= 1\n st >= 2\n gen: st + x >= 1\nIntegers\nx\nend"
+    content = read_text(env, tmp_path, ".lp", text)
+    assert content.sense == sense
+    assert [column[:2] for column in content.columns] == [("bin", "C"), ("end", "C"), ("x", "I"), ("st", "C")]
+    assert [row[0] for row in content.rows] == ["bound", "R1", "gen"]
+
+
+@pytest.mark.parametrize(
+    "text, line, words",
+    [
+        ("", 1, "the file ends here, expected Minimize or Maximize"),
+        ("x + y >= 2\n", 1, "found 'x', expected Minimize or Maximize"),
+        ("min x\nst\nc: x >= 1\n", 4, "the file ends here, expected End"),
+        ("min x\nst\nc: x >= \n\nEnd\n", 5, "found 'End', expected a number or an expression"),
+        ("min x\nst\nc: x y >= 1\nEnd\n", 3, "found 'y', expected <=, >= or ="),
+        ("min x\nst\nc: x + >= 1\nEnd\n", 3, "found '>=', expected a number or a variable"),
+        ("min x\nst\nc: x >= 1 1\nEnd\n", 3, "found '1', expected"),
+        ("min x\nst\nc: x >= 1\nc: x >= 2\nEnd\n", 4, "constraint 'c' appears twice"),
+        ("min x\nst\nc: 1 <= x >= 1\nEnd\n", 3, "the same operator twice"),
+        ("min x\nst\nc: 4 <= x <= 1\nEnd\n", 3, "exclude each other"),
+        ("min x\nst\nc: x >= inf\nEnd\n", 3, "wrong side of infinity"),
+        ("min 1e99 x\nst\nEnd\n", 1, "coefficient of 'x' is too large"),
+        ("min [ x ^2 ] / 2\nst\nEnd\n", 1, "quadratic terms are not supported"),
+        ("min x * y\nst\nEnd\n", 1, "quadratic terms are not supported"),
+        ("min x\nst\nc: b = 1 -> x >= 3\nEnd\n", 3, "indicator constraints are not supported"),
+        ("min x\nst\nc: x >= 1\nBounds\n y <= 3\nEnd\n", 5, "found 'y', expected a variable of the objective"),
+        ("min x\nst\nc: x >= 1\nBounds\n x <= nan\nEnd\n", 5, "found 'nan', expected a number"),
+        ("min x\nst\nc: x >= 1\nBinaries\n 3\nEnd\n", 5, "found '3', expected the name of a variable"),
+        ("min x\nst\nc: x >= 1\nSOS2\nEnd\n", 4, "section SOS2 is not supported"),
+        ("min x\nst\nc: x >= 1\nGeneral Constraints\nEnd\n", 4, "section General Constraints is not supported"),
+        ("min x\nst\nc: x >= 1\nMax y\nEnd\n", 4, "a second objective 'Max'"),
+        ("min 3 (x + y)\nst\nEnd\n", 1, "found '('"),
+        ("min x\nst\n%s: x >= 1\nEnd\n" % (300 * "c"), 3, "is longer than 255 bytes"),
+    ],
+)
+def test_lp_faults(env, tmp_path, text, line, words):
+    refuse(env, tmp_path / "faulty.lp", text, line, words)
+
+
+# --- real instances, and HiGHS as second opinion --------------------------------------------------------------------
+
+REFUSED = ("primal1.mps", "qjh_quadobj.mps")  # quadratic
+
+
+def instances(shared_data):
+    return sorted(p for p in shared_data.iterdir() if p.suffix in (".mps", ".lp") and p.name not in REFUSED)
+
+
+def test_instances_round_trip(env, shared_data, tmp_path):
+    for path in instances(shared_data):
+        with env.read(path) as model:
+            content = model.content()
+            for ending in (".mps", ".lp", ".mps.gz", ".lp.gz"):
+                copy = tmp_path / ("copy" + ending)
+                text, warnings = write_text(env, model, copy)
+                with env.read(copy) as read_back:
+                    expected = numbered(content) if warnings else content
+                    assert same_names(read_back.content(), warnings) == same_names(expected, warnings), path.name
+                    assert write_text(env, read_back, copy) == (text, []), path.name
+                assert not warnings or ".lp" in ending, path.name
+
+
+def numbered(content):
+    return Content(
+        content.name,
+        content.sense,
+        content.constant,
+        [("C%d" % j, *column[1:]) for j, column in enumerate(content.columns)],
+        [("R%d" % i, *row[1:]) for i, row in enumerate(content.rows)],
+    )
+
+
+def same_names(content, warnings):
+    """With the kinds left out whose names were not replaced."""
+    warning = " ".join(warnings)
+    columns = numbered(content).columns if warnings and "variables" not in warning else content.columns
+    rows_ = numbered(content).rows if warnings and "constraints" not in warning else content.rows
+    return Content(content.name, content.sense, content.constant, columns, rows_)
+
+
+def highs_content(path):
+    """Columns (type number, lb, ub, obj) and rows (lower, upper, entries) as HiGHS reads them."""
+    highs = highs_library()
+    highs.Highs_create.restype = ctypes.c_void_p
+    handle = ctypes.c_void_p(highs.Highs_create())
+    try:
+        highs.Highs_setBoolOptionValue(handle, b"output_flag", 0)
+        assert highs.Highs_readModel(handle, str(path).encode()) in (0, 1)
+        n, m, nz = (getattr(highs, "Highs_getNum" + what)(handle) for what in ("Col", "Row", "Nz"))
+        integers = [ctypes.c_int() for _ in range(4)]
+        offset = ctypes.c_double()
+        columns = [array(ctypes.c_double, n * [0]) for _ in range(3)]
+        sides = [array(ctypes.c_double, m * [0]) for _ in range(2)]
+        start, index = array(ctypes.c_int, (m + 1) * [0]), array(ctypes.c_int, nz * [0])
+        value, kind = array(ctypes.c_double, nz * [0]), array(ctypes.c_int, n * [0])
+        pointers = [ctypes.byref(x) for x in [*integers, offset]]
+        code = highs.Highs_getLp(handle, 2, *pointers, *columns, *sides, start, index, value, kind)
+        assert code == 0
+        obj, lb, ub = (list(a[:n]) for a in columns)
+        kinds = list(kind[:n]) if any(kind[:n]) else n * [0]
+        starts = [*start[:m], nz]
+        entries = [sorted(zip(index[s:e], value[s:e])) for s, e in zip(starts, starts[1:])]
+        rows_ = list(zip(sides[0][:m], sides[1][:m], entries))
+        return integers[3].value, offset.value, list(zip(kinds, lb, ub, obj)), rows_
+    finally:
+        highs.Highs_destroy(handle)
+
+
+HIGHS_TYPE = {"C": 0, "B": 1, "I": 1, "S": 2, "N": 3}
+
+
+def infinite(value):
+    return value if abs(value) < 1e20 else value * float("inf")
+
+
+def as_highs(content):
+    columns = [(HIGHS_TYPE[kind], infinite(lb), infinite(ub), obj) for _, kind, lb, ub, obj in content.columns]
+    rows_ = []
+    for _, sense, rhs, entries in content.rows:
+        # HiGHS drops coefficients up to this size.
+        entries = [(j, value) for j, value in entries if abs(value) > 1e-9]
+        rows_.append((rhs if sense in "=>" else -float("inf"), rhs if sense in "=<" else float("inf"), entries))
+    return content.sense, content.constant, columns, rows_
+
+
+def test_instances_as_highs_reads_them(env, shared_data, tmp_path):
+    """The source files, and what is written of them."""
+    for path in instances(shared_data):
+        with env.read(path) as model:
+            content = model.content()
+            expected = as_highs(content)
+            assert highs_content(path) == expected, path.name
+            # In LP form HiGHS takes a name that begins with "inf" for infinity.
+            taken_for_infinity = any(column[0][:3].lower() == "inf" for column in content.columns)
+            for ending in (".mps",) if taken_for_infinity else (".mps", ".lp"):
+                model.write(tmp_path / ("copy" + ending))
+                assert highs_content(tmp_path / ("copy" + ending)) == expected, path.name + ending
+
+
+# --- writing -----------------------------------------------------------------------------------------------------
+
+numbers = st.one_of(
+    st.sampled_from([0.0, 1.0, -1.0, 0.1, 1e-300, 5e-324, 1e15, 123456789.0, -2.5e19, 1 / 3]),
+    st.integers(-20, 20).map(float),
+    st.floats(-1e19, 1e19, allow_nan=False),
+)
+plain_names = st.from_regex(r"[a-df-zA-Z_][a-zA-Z0-9_\[\],.]{0,8}", fullmatch=True)
+odd_names = st.one_of(
+    plain_names, st.text(st.characters(blacklist_categories=["Cs"], blacklist_characters="\0"), max_size=9)
+)
+column_tails = st.tuples(
+    st.sampled_from("CBISN"), st.one_of(st.just(-INF), numbers), st.one_of(st.just(INF), numbers), numbers
+)
+KEYWORDS = {"st", "min", "max", "bin", "gen", "gens", "int", "sin", "free", "inf", "nan", "semi", "sos", "end"}
+
+
+@st.composite
+def models(draw, names):
+    count = draw(st.integers(0, 5))
+    columns = [(draw(names), *draw(column_tails)) for _ in range(count)]
+    columns = [(name, k, 0.0 if k == "B" else lb, 1.0 if k == "B" else ub, obj) for name, k, lb, ub, obj in columns]
+    rows_ = []
+    for _ in range(draw(st.integers(0, 5))):
+        cols = draw(st.lists(st.integers(0, count - 1), unique=True)) if count else []
+        entries = [(j, v) for j, v in ((j, draw(numbers)) for j in sorted(cols)) if v != 0.0]
+        lower, upper = sorted([draw(numbers), draw(numbers)])
+        rows_.append((draw(names), draw(st.sampled_from("<>=R")), upper, entries, lower))
+    return Content(draw(odd_names), draw(st.sampled_from([1, -1])), draw(numbers), columns, rows_)
+
+
+def build(env, content):
+    model = env.new()
+    model.set_text("ModelName", content.name)
+    model.call("ZVNsetintattr", b"ModelSense", content.sense)
+    model.call("ZVNsetdblattr", b"ObjCon", ctypes.c_double(content.constant))
+    model.add_columns(content.columns)
+    model.update()
+    for row in content.rows:
+        model.add_row(*row)
+    model.update()
+    return model
+
+
+def check_writing(env, folder, content):
+    with build(env, content) as model:
+        built = model.content()
+        texts_ = {}
+        for ending in (".mps", ".lp", ".lp.gz"):
+            path = folder / ("written" + ending)
+            text, warnings = write_text(env, model, path)
+            assert len(warnings) <= 1
+            with env.read(path) as read_back:
+                again = read_back.content()
+                expected = settled(built, content)
+                assert again.sense == expected.sense and again.constant == expected.constant
+                assert again.name == expected.name or "name is left out" in warnings[0]
+                if "variables" not in " ".join(warnings):
+                    assert [column[0] for column in again.columns] == [column[0] for column in expected.columns]
+                if "constraints" not in " ".join(warnings):
+                    assert [row[0] for row in again.rows] == [row[0] for row in expected.rows]
+                assert numbered(again) == numbered(Content(again.name, *dataclass_tail(expected)))
+                assert write_text(env, read_back, path) == (text, [])
+                # Both sides of a range, which no attribute shows.
+                texts_[ending] = write_text(env, read_back, folder / "sides.mps")[0] if warnings == [] else None
+        assert texts_[".mps"] == texts_[".lp"] or None in texts_.values()
+
+
+def dataclass_tail(content):
+    return content.sense, content.constant, content.columns, content.rows
+
+
+def settled(built, content):
+    """A range whose sides agree is read back as an equality."""
+    rows_ = [
+        (name, "=" if sense == "R" and source[2] == source[4] else sense, *rest)
+        for (name, sense, *rest), source in zip(built.rows, content.rows)
+    ]
+    return Content(*[built.name, built.sense, built.constant, built.columns, rows_])
+
+
+@given(models(plain_names))
+def test_written_models_come_back(env, tmp_path_factory, content):
+    check_writing(env, tmp_path_factory.getbasetemp(), content)
+
+
+@given(models(odd_names))
+def test_odd_names(env, tmp_path_factory, content):
+    check_writing(env, tmp_path_factory.getbasetemp(), content)
+
+
+def test_files_as_they_are(env, tmp_path):
+    """The exact text, for the eye."""
+    columns = [("x", "C", -1.0, 4.0, 0.0), ("b", "B", 0.0, 1.0, 2.0), ("k", "I", 0.0, INF, -1.0)]
+    columns += [("s", "S", 0.0, 10.0, 0.0), ("n", "N", 1.0, INF, 0.0), ("f", "C", -INF, INF, 0.5)]
+    content = Content("small one", -1, 3.0, columns, [("r1", "<", 4.0, [(0, 1.0), (1, -2.5)], 0.0)])
+    content.rows += [("r2", "R", 7.0, [(4, 1.0), (5, 1.0)], -1.0), ("", "=", 0.1, [], 0.0)]
+    with build(env, content) as model:
+        assert write_text(env, model, tmp_path / "a.lp")[0].decode() == LP_TEXT
+        assert write_text(env, model, tmp_path / "a.mps")[0].decode() == MPS_TEXT
+
+
+LP_TEXT = """\\ Model name: small one
+Maximize
+  0 x + 2 b - k + 0 s + 0 n + 0.5 f + 3
+Subject To
+ r1: x - 2.5 b <= 4
+ r2: -1 <= n + f <= 7
+ R2: 0 x = 0.1
+Bounds
+ -1 <= x <= 4
+ s <= 10
+ n >= 1
+ f free
+Binaries
+ b
+Generals
+ k n
+Semi-Continuous
+ s n
+End
+"""
+MPS_TEXT = """NAME small one
+OBJSENSE
+    MAX
+ROWS
+ N OBJ
+ L r1
+ L r2
+ E R2
+COLUMNS
+    x r1 1
+    b OBJ 2
+    b r1 -2.5
+    MARKER 'MARKER' 'INTORG'
+    k OBJ -1
+    MARKER 'MARKER' 'INTEND'
+    s OBJ 0
+    n r2 1
+    f OBJ 0.5
+    f r2 1
+RHS
+    RHS OBJ -3
+    RHS r1 4
+    RHS r2 7
+    RHS R2 0.1
+RANGES
+    RNG r2 8
+BOUNDS
+ LO BND x -1
+ UP BND x 4
+ BV BND b
+ PL BND k
+ SC BND s 10
+ SI BND n 1e+100
+ LO BND n 1
+ FR BND f
+ENDATA
+"""
+
+
+@pytest.mark.parametrize(
+    "ending, name, held",
+    [
+        (".mps", "a b", False),
+        (".mps", "3x+y", True),
+        (".mps", "'MARKER'", False),
+        (".mps", "naïve", True),
+        (".mps", "a\tb", False),
+        (".lp", "a b", False),
+        (".lp", "x[1,(2)]", True),
+        (".lp", "x-1", False),
+        (".lp", "2x", False),
+        (".lp", ".x", False),
+        (".lp", "e9", True),
+        (".lp", "Inf", False),
+        (".lp", "Bounds", False),
+        (".lp", "subject", False),
+        (".lp", "a:b", False),
+        (".lp", "y", False),  # twice
+    ],
+)
+def test_names_a_format_can_hold(env, tmp_path, ending, name, held):
+    columns = [("y", "C", 0.0, 1.0, 1.0), (name, "C", 0.0, 1.0, 2.0)]
+    with build(env, Content("", 1, 0.0, columns, [("row", ">", 1.0, [(1, 1.0)], 0.0)])) as model:
+        path = tmp_path / ("names" + ending)
+        _, warnings = write_text(env, model, path)
+        with env.read(path) as read_back:
+            names = [column[0] for column in read_back.content().columns]
+            assert names == (["y", name] if held else ["C0", "C1"])
+            assert read_back.content().rows[0][0] == "row"
+        assert len(warnings) == (0 if held else 1)
+
+
+# --- the file system -------------------------------------------------------------------------------------------------
+
+
+@pytest.fixture
+def small(env):
+    columns = [("x%d" % j, "C", 0.0, 1.0 + j / 7, 1.0) for j in range(300)]
+    with build(env, Content("", 1, 0.0, columns, [])) as model:
+        yield model
+
+
+def test_unreadable_files(env, tmp_path):
+    for path, reason in ((tmp_path / "none.lp", "No such file"), (tmp_path / "folder.lp", "Is a directory")):
+        if path.name == "folder.lp":
+            path.mkdir()
+        with pytest.raises(LibraryError, match="'%s': %s" % (path, reason)) as caught:
+            env.read(path)
+        assert caught.value.code == 10012
+    with pytest.raises(LibraryError, match="expected .mps or .lp"):
+        env.read(tmp_path / "model.xyz")
+
+
+def test_compressed_files(env, small, tmp_path):
+    path = tmp_path / "model.lp.gz"
+    small.write(path)
+    packed = path.read_bytes()
+    small.write(tmp_path / "model.lp")
+    plain = (tmp_path / "model.lp").read_bytes()
+    assert gzip.decompress(packed) == plain
+    # Several parts, and a compressed file that doesn't say so.
+    half = len(plain) // 2
+    (tmp_path / "parts.lp").write_bytes(gzip.compress(plain[:half]) + gzip.compress(plain[half:]) + bytes(10))
+    with env.read(tmp_path / "parts.lp") as model:
+        assert model.content() == small.content()
+    for damaged, reason in ((packed[:-20], "ends too early"), (packed[:40] + b"????" + packed[44:], "is damaged")):
+        path.write_bytes(damaged)
+        with pytest.raises(LibraryError, match="'%s': the compressed data %s" % (path, reason)):
+            env.read(path)
+
+
+def test_failed_writes_leave_the_file(env, small, tmp_path):
+    with pytest.raises(LibraryError, match="No such file or directory") as caught:
+        small.write(tmp_path / "missing" / "model.lp")
+    assert caught.value.code == 10013
+    (tmp_path / "folder.mps").mkdir()
+    with pytest.raises(LibraryError, match="Is a directory"):
+        small.write(tmp_path / "folder.mps")
+    full = tmp_path / "full.lp"
+    full.symlink_to("/dev/full")
+    with pytest.raises(LibraryError, match="No space left on device"):
+        small.write(full)
+    assert stat.S_ISCHR(os.stat("/dev/full").st_mode)
+    assert sorted(p.name for p in tmp_path.iterdir()) == ["folder.mps", "full.lp"]
+
+
+LIMITED_WRITE = """
+import resource, signal, sys
+sys.path.insert(0, sys.argv[2])
+from native import Environment, LibraryError
+signal.signal(signal.SIGXFSZ, signal.SIG_IGN)
+with Environment(LogToConsole=0).new() as model:
+    model.add_columns([("x%d" % j, "C", 0.0, 1.0, 1.0) for j in range(1000)])
+    resource.setrlimit(resource.RLIMIT_FSIZE, (2000, resource.RLIM_INFINITY))
+    try:
+        model.write(sys.argv[1])
+    except LibraryError as error:
+        print(error.code, error.text)
+"""
+
+
+def test_disk_full_leaves_the_file(tmp_path):
+    path = tmp_path / "model.lp"
+    path.write_text("as it was")
+    command = [sys.executable, "-c", LIMITED_WRITE, str(path), os.path.dirname(__file__)]
+    result = subprocess.run(command, stdout=subprocess.PIPE, check=True)
+    assert result.stdout.decode() == "10013 Unable to write file '%s': File too large\n" % path
+    assert path.read_text() == "as it was"
+    assert list(tmp_path.iterdir()) == [path]
+
+
+def test_writing_keeps_permissions_and_links(small, tmp_path):
+    path = tmp_path / "model.lp"
+    small.write(path)
+    mask = os.umask(0)
+    os.umask(mask)
+    assert stat.S_IMODE(path.stat().st_mode) == 0o666 & ~mask
+    path.chmod(0o640)
+    link = tmp_path / "link.lp"
+    link.symlink_to(path)
+    text = path.read_bytes()
+    path.write_text("old")
+    small.write(link)
+    assert link.is_symlink() and path.read_bytes() == text
+    assert stat.S_IMODE(path.stat().st_mode) == 0o640
+    if os.geteuid() != 0:
+        path.chmod(0o440)
+        with pytest.raises(LibraryError, match="Permission denied"):
+            small.write(path)
+
+
+def test_unknown_endings(small, tmp_path):
+    for path in (tmp_path / "model.xyz", tmp_path / "model"):
+        for call in ("ZVNread", "ZVNwrite"):
+            with pytest.raises(LibraryError) as caught:
+                small.call(call, str(path).encode())
+            assert caught.value.code == 10024
+            assert ("'.xyz'" if path.suffix else "no ending") in caught.value.text
+    assert list(tmp_path.iterdir()) == []

@@ -1,0 +1,88 @@
+"""Model files with random damage: they are read or refused in order, and what was read can be written and read."""
+
+import os
+import random
+import re
+import time
+
+import pytest
+from native import Environment, LibraryError
+from test_model_files import FIXED, LP_TEXT, MPS, MPS_TEXT
+
+COUNT = 10000 if "ZELVAN_SANITIZED" in os.environ else 2000
+RANGES = "RANGES\n    RNG       c1        2.5          c3        -1\n"
+BOUNDS = " UP BND       x         4\n FR BND       u\n SC BND       z         9\n LI BND       y         -3\n"
+SOURCES = {
+    ".mps": [MPS.format("OBJSENSE\n    MAX\n", RANGES, BOUNDS), FIXED, MPS_TEXT],
+    ".lp": [
+        LP_TEXT,
+        LP_TEXT.replace("r2: -1 <=", "r2:").replace("  0 x", " obj: 1.5e-3 x\n\n +"),
+        LP_TEXT.replace("\n", " \n "),
+    ],
+}
+WORDS = re.findall(
+    r"\S+",
+    """0 1 -1 nan inf -infinity 1e400 1e-400 .5. 1e+ 0x1F +-3 -- : <= >= = < > + - * / ^ [ ] ( ) \\ -> $ ; "
+    x r1 c1 c2 OBJ RHS BOUNDS ROWS COLUMNS RANGES ENDATA NAME OBJSENSE MAX QUADOBJ N L G E UP LO FX MI BV SI
+    'MARKER' 'INTORG' Minimize Subject To st Bounds Generals Binaries Semi-Continuous End free""",
+) + ["\t", "\r", "\0", "\x1a", "\x7f", "\xe9", "\ufeff", ""]
+
+
+def mutate(rng, text):
+    """One to four changes of bytes, words or lines."""
+    for _ in range(rng.randint(1, 4)):
+        kind = rng.randrange(8)
+        lines = text.split("\n")
+        i, j = rng.randrange(len(lines)), rng.randrange(len(lines))
+        if kind == 0:
+            text = text[: rng.randrange(len(text) + 1)]
+        elif kind == 1:
+            at = rng.randrange(len(text) + 1)
+            text = text[:at] + chr(rng.randrange(1, 256)) * rng.choice([1, 1, 2, 300]) + text[at + rng.randrange(3) :]
+        elif kind == 2:
+            lines[i], lines[j] = lines[j], lines[i]
+        elif kind == 3:
+            lines.insert(i, lines[j])
+        elif kind == 4:
+            del lines[min(i, j) : max(i, j)]
+        elif kind == 5:
+            words = lines[i].split(" ")
+            words[rng.randrange(len(words))] = rng.choice(WORDS)
+            lines[i] = " ".join(words)
+        elif kind == 6:
+            lines[i] += rng.choice(["", " ", "\n"]) + rng.choice(WORDS)
+        else:
+            lines[i] = lines[i].replace(" ", rng.choice(["", "\t", "   "]), rng.randint(1, 3))
+        if kind >= 2:
+            text = "\n".join(lines)
+    return text
+
+
+@pytest.mark.parametrize("ending", [".mps", ".lp"])
+def test_mutated_files(ending, tmp_path):
+    env = Environment(UpdateMode=0, LogToConsole=0)
+    rng = random.Random(20 + len(ending))
+    path = tmp_path / ("mutated" + ending)
+    accepted = 0
+    for _ in range(COUNT):
+        encoding = rng.choice(["utf-8", "utf-8", "latin-1"])
+        path.write_bytes(mutate(rng, rng.choice(SOURCES[ending])).encode(encoding, "replace"))
+        begin = time.process_time()
+        try:
+            model = env.read(path)
+        except LibraryError as error:
+            assert error.code == 10012 and error.text.startswith("File '%s'" % path)
+            continue
+        finally:
+            assert time.process_time() - begin < 1
+        accepted += 1
+        with model:
+            content = model.content()
+            for other in (".mps", ".lp"):
+                model.write(tmp_path / ("copy" + other))
+                with env.read(tmp_path / ("copy" + other)) as copy:
+                    assert [c[1:] for c in copy.content().columns] == [c[1:] for c in content.columns]
+                    assert len(copy.content().rows) == len(content.rows)
+    env.close()
+    # Enough of both outcomes, or the test shows nothing.
+    assert COUNT // 20 < accepted < COUNT * 19 // 20
