@@ -348,9 +348,7 @@ def test_help_for_other_arguments(capsys):
     assert help_of("Cloud*", capsys) == (
         "Matching parameters: ['CloudAccessID', 'CloudSecretKey', 'CloudPool', 'CloudHost']\n"
     )
-    assert help_of("MIP*Abs", capsys).startswith("  PARAMETER NAME:
-    MIPGapAbs
-")
+    assert help_of("MIP*Abs", capsys).startswith("  PARAMETER NAME:\n    MIPGapAbs\n")
     for name in ("threads", "nix", ""):
         with pytest.raises(ZelvanError, match=f"^No help found for parameter {name}$") as caught:
             zelvanpy.paramHelp(name)
