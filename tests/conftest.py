@@ -88,3 +88,29 @@ def lp(env_silent, tmp_path):
     m = zelvanpy.read(str(path), env_silent)
     yield m
     m.dispose()
+
+
+@pytest.fixture
+def env():
+    """An environment of the C interface (library.py) that logs nothing to the console."""
+    import library
+
+    env = library.Env()
+    yield env
+    env.free()
+
+
+@pytest.fixture
+def make(env):
+    """A function that makes models of the C interface on `env`; they are freed after the test."""
+    import library
+
+    models = []
+
+    def build(*args, **kwargs):
+        models.append(library.Model(env, *args, **kwargs))
+        return models[-1]
+
+    yield build
+    for model in models:
+        model.free()

@@ -18,7 +18,7 @@ bool first_selected(const Model& m) { return m.env.params.get_int(Param::ObjNumb
 
 }  // namespace
 
-bool is_multi_objective(const Model& m) { return !m.data.objectives.empty(); }
+bool is_multi_objective(const Model& m) { return m.data.objectives.size() > 1; }
 
 double is_multi_objective_number(const Model& m) { return is_multi_objective(m); }
 

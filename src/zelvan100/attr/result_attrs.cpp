@@ -27,11 +27,11 @@ int selected_solution(const Model& m) {
     return number;
 }
 
-// The basis of the latest solve, otherwise the one that was set.
+// The basis that was set for the next solve, otherwise the one of the latest solve.
 Values basis(const std::vector<int>& solved, const Values& set) {
-    if (!solved.empty()) return Values::of(solved);
-    if (!set.doubles) throw missing("no basis is available");
-    return set;
+    if (set.doubles) return set;
+    if (solved.empty()) throw missing("no basis is available");
+    return Values::of(solved);
 }
 
 }  // namespace

@@ -1,0 +1,70 @@
+#include "io/data_files.h"
+
+#include "io/basis_file.h"
+#include "io/io.h"
+#include "io/json.h"
+#include "io/prm.h"
+#include "io/values.h"
+
+namespace zelvan {
+
+namespace {
+
+struct DataFile {
+    std::string_view ending;
+    bool attributes;  // holds attribute values, so the queued changes belong into it
+    void (*read)(Model& model, const std::string& path);
+    void (*write)(Model& model, const std::string& path);
+};
+
+constexpr DataFile kDataFiles[] = {
+    {".prm", false, [](Model& m, const std::string& path) { read_params(m.env, path); },
+     [](Model& m, const std::string& path) { write_params(m.env, path); }},
+    {".sol", true, read_start, write_solution},
+    {".mst", true, read_start, write_start},
+    {".ord", true, read_priorities, write_priorities},
+    {".bas", true, read_basis, write_basis},
+    {".json", false, nullptr, [](Model& m, const std::string& path) { write_file(path, json_solution(m)); }},
+};
+
+const DataFile* data_file(std::string_view path) {
+    if (path.size() > 3 && path.substr(path.size() - 3) == ".gz") path.remove_suffix(3);
+    for (const DataFile& file : kDataFiles)
+        if (path.size() > file.ending.size() && path.substr(path.size() - file.ending.size()) == file.ending)
+            return &file;
+    return nullptr;
+}
+
+[[noreturn]] void refuse_ending(const std::string& path, const char* action) {
+    const std::size_t slash = path.rfind('/') + 1;  // 0 when there is none
+    const std::size_t dot = path.rfind('.');
+    const std::string ending = dot == path.npos || dot < slash ? "no ending" : "the ending '" + path.substr(dot) + "'";
+    throw Error(ZVN_ERROR_NOT_SUPPORTED,
+                std::string(action) + " a file with " + ending + " is not supported: '" + path + "'");
+}
+
+}  // namespace
+
+void read_data(Model& model, const std::string& path) {
+    const DataFile* file = data_file(path);
+    if (!file || !file->read) refuse_ending(path, "Reading");
+    file->read(model, path);
+}
+
+void write_any(Model& model, const std::string& path) {
+    if (model_format(path) != FileFormat::kNone) {
+        model.update();
+        return write_model(model.data, path, [&](std::string_view line) { model.env.log(std::string(line) + "\n"); });
+    }
+    const DataFile* file = data_file(path);
+    if (!file) refuse_ending(path, "Writing");
+    if (file->attributes) model.update();
+    file->write(model, path);
+}
+
+bool is_attribute_file(std::string_view path) {
+    const DataFile* file = data_file(path);
+    return file && file->attributes;
+}
+
+}  // namespace zelvan

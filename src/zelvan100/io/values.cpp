@@ -1,0 +1,128 @@
+#include "io/values.h"
+
+#include <cmath>
+
+#include "attr/access.h"
+#include "io/io.h"
+#include "io/number.h"
+#include "io/source.h"
+
+namespace zelvan {
+
+namespace {
+
+constexpr std::string_view kBlank = " \t\r";
+
+void append_line(std::string& text, const ModelData& data, int j, double value) {
+    const std::string name = data.col_name(j);
+    if (!is_clean_name(name) || name[0] == '#' || kBlank.find(name.front()) != kBlank.npos ||
+        kBlank.find(name.back()) != kBlank.npos)
+        throw Error(ZVN_ERROR_FILE_WRITE,
+                    "Name " + quoted(name) + " of variable " + std::to_string(j) + " can't stand in a file of values");
+    text += name + " ";
+    append_number(text, value);
+    text += '\n';
+}
+
+const std::vector<double>* optional_values(const Model& model, Attr attr) {
+    const auto found = model.data.cols.optional.find(static_cast<int>(attr));
+    return found == model.data.cols.optional.end() ? nullptr : &found->second.values;
+}
+
+void write_some(const Model& model, std::string text, const std::vector<double>& values, double unset,
+                const std::string& path) {
+    for (int j = 0; j < model.num_cols(); ++j)
+        if (values[j] != unset) append_line(text, model.data, j, values[j]);
+    write_file(path, text);
+}
+
+struct NamedValues {
+    std::vector<int> col;
+    std::vector<double> value;
+    int unknown = 0;
+};
+
+void read_line(Model& model, const Source& file, int line, std::string_view text, NamedValues& read) {
+    const std::size_t first = text.find_first_not_of(kBlank);
+    if (first == text.npos || text[first] == '#') return;
+    text = text.substr(first, text.find_last_not_of(kBlank) - first + 1);
+    const std::size_t blank = text.find_last_of(kBlank);
+    double value = 0.0;
+    if (blank == text.npos) file.fail(line, "found " + quoted(text) + ", a name and a number were expected");
+    if (!parse_number(text.substr(blank + 1), value))
+        file.fail(line, "found " + quoted(text.substr(blank + 1)) + " where a number was expected");
+    const int col = model.find_col(text.substr(0, text.find_last_not_of(kBlank, blank) + 1));
+    if (col < 0) {
+        ++read.unknown;
+        return;
+    }
+    read.col.push_back(col);
+    read.value.push_back(value);
+}
+
+NamedValues read_values(Model& model, const std::string& path) {
+    const Source file = Source::read(path);
+    NamedValues read;
+    int line = 0;
+    for (std::size_t at = 0; at < file.text.size();) {
+        const std::size_t end = std::min(file.text.find('\n', at), file.text.size());
+        read_line(model, file, ++line, std::string_view(file.text).substr(at, end - at), read);
+        at = end + 1;
+    }
+    if (read.unknown > 0)
+        model.env.log("File '" + path + "': " + std::to_string(read.unknown) +
+                      " values left out, whose variables are not in the model\n");
+    return read;
+}
+
+}  // namespace
+
+void write_solution(const ModelData& data, const std::vector<double>& x, double objective, const std::string& path) {
+    std::string text = "# Objective value = ";
+    append_number(text, objective);
+    text += '\n';
+    for (int j = 0; j < data.cols.size(); ++j) append_line(text, data, j, x[j]);
+    write_file(path, text);
+}
+
+void write_solution(Model& model, const std::string& path) {
+    if (model.solution.count() == 0)
+        throw Error(ZVN_ERROR_DATA_NOT_AVAILABLE, "There is no solution to write to file '" + path + "'");
+    write_solution(model.data, model.solution.x, model.solution.obj_val, path);
+}
+
+void write_start(Model& model, const std::string& path) {
+    const std::string header = "# MIP start\n";
+    if (model.solution.count() > 0) return write_some(model, header, model.solution.x, kUndefined, path);
+    const std::vector<double>* start = optional_values(model, Attr::Start);
+    if (!start)
+        throw Error(ZVN_ERROR_DATA_NOT_AVAILABLE, "There is no solution or start to write to file '" + path + "'");
+    write_some(model, header, *start, kUndefined, path);
+}
+
+void write_priorities(Model& model, const std::string& path) {
+    const std::vector<double>* priorities = optional_values(model, Attr::BranchPriority);
+    write_some(model, "# Branching priorities\n", priorities ? *priorities : std::vector<double>(model.num_cols(), 0.0),
+               0.0, path);
+}
+
+void read_start(Model& model, const std::string& path) {
+    const NamedValues read = read_values(model, path);
+    write_numbers(model, static_cast<int>(Attr::Start), static_cast<int>(read.col.size()), read.col.data(),
+                  read.value.data());
+}
+
+void read_priorities(Model& model, const std::string& path) {
+    const NamedValues read = read_values(model, path);
+    std::vector<int> priority;
+    for (std::size_t k = 0; k < read.value.size(); ++k) {
+        if (!(std::fabs(read.value[k]) <= ZVN_MAXINT) || read.value[k] != std::floor(read.value[k]))
+            throw Error(ZVN_ERROR_FILE_READ, "File '" + path + "': the priority of variable " +
+                                                 quoted(model.data.col_name(read.col[k])) + " is not an integer");
+        priority.push_back(static_cast<int>(read.value[k]));
+    }
+    write_numbers(model, static_cast<int>(Attr::BranchPriority), static_cast<int>(read.col.size()), read.col.data(),
+                  priority.data());
+}
+
+}  // namespace zelvan

@@ -1,0 +1,117 @@
+"""Solutions, starts, branching priorities and bases in files, through the C interface."""
+
+import random
+
+import pytest
+from library import FILE_READ, INF, NOT_AVAILABLE, UNDEFINED, Refused
+
+N, M = 8, 6
+
+
+def build(make, vtype=""):
+    rng = random.Random(17)
+    rows = [({j: rng.randint(1, 9) for j in rng.sample(range(N), 4)}, "<", rng.randint(20, 40)) for _ in range(M - 1)]
+    rows.append((dict.fromkeys(range(N), 1), ">", 1))
+    model = make([0] * N, [3] * (N - 1) + [INF], [-rng.randint(1, 9) for _ in range(N)], vtype, rows)
+    model.set("VarName", ["x y", "x#1"] + ["v%d" % j for j in range(2, N)], range(N))
+    model.update()
+    return model
+
+
+def write(model, path):
+    model.call("ZVNwrite", str(path).encode())
+
+
+def read(model, path):
+    model.call("ZVNread", str(path).encode())
+
+
+def test_a_solution_comes_back_as_a_start_and_priorities_as_they_were(make, tmp_path):
+    model, fresh = build(make, "I" * N), build(make, "I" * N)
+    with pytest.raises(Refused) as caught:
+        write(model, tmp_path / "none.sol")
+    assert caught.value.code == NOT_AVAILABLE and not (tmp_path / "none.sol").exists()
+    model.set("BranchPriority", [5, -2], [0, 3])
+    model.call("ZVNoptimize")
+    x = model.get("X", range(N))
+    for ending in (".sol", ".mst", ".sol.gz"):
+        path = tmp_path / ("a" + ending)
+        write(model, path)
+        read(fresh, path)
+        fresh.update()
+        assert fresh.get("Start", range(N)) == x
+        fresh.call("ZVNreset", 1)
+        assert fresh.get("Start", 0) == UNDEFINED
+    assert "Objective value = %d" % model.get("ObjVal") in (tmp_path / "a.sol").read_text()
+    write(model, tmp_path / "a.ord")
+    read(fresh, tmp_path / "a.ord")
+    fresh.update()
+    assert fresh.get("BranchPriority", range(4)) == [5, 0, 0, -2]
+
+
+def test_a_basis_comes_back_and_ends_the_next_solve_at_once(make, tmp_path):
+    model, fresh = build(make), build(make)
+    for m in (model, fresh):
+        m.env.set("Presolve", 0)
+        m.env.set("Method", 1)
+    model.call("ZVNoptimize")
+    assert model.get("IterCount") > 0
+    write(model, tmp_path / "a.bas")
+    read(fresh, tmp_path / "a.bas")
+    fresh.update()
+    for name, size in (("VBasis", N), ("CBasis", M)):
+        assert fresh.get(name, range(size)) == model.get(name, range(size))
+    fresh.call("ZVNoptimize")
+    assert fresh.get("ObjVal") == pytest.approx(model.get("ObjVal")) and fresh.get("IterCount") == 0
+
+
+@pytest.mark.parametrize(
+    "ending, fault, word",
+    [
+        (".mst", "v2 two", "two"),
+        (".sol", "v2", "number"),
+        (".bas", " XL v2 nowhere", "nowhere"),
+        (".bas", " ZZ v2", "ZZ"),
+        (".bas", " UL v2 R0 R1", "column"),
+    ],
+)
+def test_a_faulty_file_is_refused_with_its_line_and_queues_nothing(make, tmp_path, ending, fault, word):
+    model = build(make)
+    path = tmp_path / ("faulty" + ending)
+    path.write_text("%s\n%s\nENDATA 1\n" % (" UL v3" if ending == ".bas" else "v3 1", fault))
+    with pytest.raises(Refused) as caught:
+        read(model, path)
+    assert caught.value.code == FILE_READ and word in caught.value.text
+    assert "line 2" in caught.value.text and path.name in caught.value.text
+    model.update()
+    assert model.get("Start", 3) == UNDEFINED
+    with pytest.raises(Refused):
+        model.get("VBasis", 3)
+
+
+def test_values_of_unknown_names_are_left_out_with_a_line_in_the_log(make, tmp_path):
+    model = build(make)
+    model.env.set("LogFile", str(tmp_path / "log"))
+    (tmp_path / "a.mst").write_text("# start\nnobody 4\n\nv2 1.5\nx y 1e-3\n")
+    read(model, tmp_path / "a.mst")
+    model.update()
+    assert model.get("Start", range(3)) == [1e-3, UNDEFINED, 1.5]
+    assert "1 values left out" in (tmp_path / "log").read_text()
+
+
+def test_the_result_file_is_written_when_a_solve_ends(make, tmp_path):
+    model = build(make)
+    model.env.set("ResultFile", str(tmp_path / "result.sol"))
+    model.env.set("LogFile", str(tmp_path / "log"))
+    model.call("ZVNoptimize")
+    lines = (tmp_path / "result.sol").read_text().splitlines()
+    assert len(lines) == N + 1 and lines[0].startswith("# Objective value = ")
+    (tmp_path / "result.sol").unlink()
+    model.add_row({0: 1}, "<", -1)
+    model.call("ZVNoptimize")
+    assert model.get("SolCount") == 0 and not (tmp_path / "result.sol").exists()
+    assert "result.sol' was not written" in (tmp_path / "log").read_text()
+    model.env.set("ResultFile", str(tmp_path / "result.xyz"))
+    with pytest.raises(Refused) as caught:
+        model.call("ZVNoptimize")
+    assert "xyz" in caught.value.text
