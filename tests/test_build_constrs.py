@@ -50,7 +50,7 @@ def test_both_doors_build_the_same_row(model, xyz, tmp_path):
     chained = LinExpr()
     for _ in range(250):
         chained = chained + x
-    for comparison in (x + 2 * y - 3 <= z, chained - y >= chained * 0.5 + 4, x == y, 2 * x <= x, x + 1 >= 3.5):
+    for comparison in (x + 2 * y - 3 <= z, chained - y >= z + 4, x == y, 2 * x <= x, x + 1 >= 3.5):
         first = model.addConstr(comparison, "same")
         second = model.addLConstr(comparison, "same")
         model.update()
