@@ -36,8 +36,8 @@ class Function {
 public:
     Function(const PwlPoints& points, double lower, double upper) : lower_(lower), upper_(upper) {
         for (const auto& [x, y] : points) points_.push_back({x, y});
-        left_slope_ = end_slope(points_.front(), points_[points_.size() > 1]);
-        right_slope_ = end_slope(points_[points_.size() - 1 - (points_.size() > 1)], points_.back());
+        left_slope_ = end_slope(points_[0], points_[1]);
+        right_slope_ = end_slope(points_[points_.size() - 2], points_.back());
         cut_left();
         cut_right();
     }
@@ -68,8 +68,8 @@ public:
 private:
     // Without value where the function jumps at its end, and so ends there.
     static std::optional<double> end_slope(Point a, Point b) {
-        if (a.x == b.x && a.y != b.y) return std::nullopt;
-        return a.x == b.x ? 0.0 : (b.y - a.y) / (b.x - a.x);
+        if (a.x == b.x) return std::nullopt;
+        return (b.y - a.y) / (b.x - a.x);
     }
 
     static double value_between(Point a, Point b, double x) { return a.y + (b.y - a.y) / (b.x - a.x) * (x - a.x); }
@@ -196,7 +196,7 @@ double pwl_value(const PwlPoints& points, double x, double direction) {
     double best = direction * kInf;
     for (const auto& [at, value] : points)
         if (at == x && direction * value < direction * best) best = value;
-    if (std::isfinite(best) || points.size() == 1) return points.size() == 1 ? points[0].second : best;
+    if (std::isfinite(best)) return best;
     // The segment around x, or the end segment that is prolonged to it.
     std::size_t right = 1;
     while (right + 1 < points.size() && points[right].first < x) ++right;

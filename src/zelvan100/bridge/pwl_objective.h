@@ -11,7 +11,7 @@
 // Takes
 //   the terms of ModelData::pwl_obj. Beyond its ends f goes on with the slope of its first and last
 //   segment; where two points share an x, f jumps and has the better value there. A jump at an end is an
-//   end of f: x can't go beyond it. One point alone means a constant.
+//   end of f: x can't go beyond it.
 //
 // Makes
 //   a column for each segment; with several pieces also a binary for each piece and a row for each segment.

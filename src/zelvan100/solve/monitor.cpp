@@ -9,6 +9,8 @@
 #include <limits>
 #include <utility>
 
+#include "io/values.h"
+
 namespace zelvan {
 
 namespace {
@@ -108,6 +110,7 @@ int Monitor::bound_reached(const Progress& progress) const {
     const auto given = [](double value) { return std::abs(value) < kInfinityThreshold; };
     if (num_solutions_ && given(good_objective) && sense * progress.primal_bound <= sense * good_objective)
         return ZVN_USER_OBJ_LIMIT;
+    if (num_solutions_ >= params_.get_int(Param::SolutionLimit)) return ZVN_SOLUTION_LIMIT;
     return given(good_bound) && sense * progress.dual_bound >= sense * good_bound ? ZVN_USER_OBJ_LIMIT : 0;
 }
 
@@ -125,10 +128,12 @@ int Monitor::memory_status() {
 
 void Monitor::incumbent(double objective, const double* x) {
     std::lock_guard lock(mutex_);
+    Found found{objective, std::vector<double>(x, x + model_.num_cols())};
+    if (const std::string& prefix = params_.get_str(Param::SolFiles); !prefix.empty())
+        write_solution(model_.data, found.x, objective, prefix + "_" + std::to_string(num_files_++) + ".sol");
     ++num_solutions_;
-    const std::size_t most = static_cast<std::size_t>(params_.get_int(Param::PoolSolutions));
-    if (found_.size() == most) found_.erase(found_.begin());
-    found_.push_back({objective, std::vector<double>(x, x + model_.num_cols())});
+    if (static_cast<int>(found_.size()) == params_.get_int(Param::PoolSolutions)) found_.erase(found_.begin());
+    found_.push_back(std::move(found));
 }
 
 void Monitor::log(std::string_view text) {

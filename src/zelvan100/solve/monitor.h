@@ -63,6 +63,7 @@ private:
 
     std::mutex mutex_;  // guards what follows
     std::vector<Found> found_;
+    int num_files_ = 0;           // written for SolFiles
     double line_shown_ = -1e100;  // elapsed() of the latest progress line
     std::string held_line_;
 };

@@ -1,6 +1,7 @@
 #include "solve/options.h"
 
 #include <algorithm>
+#include <cmath>
 #include <limits>
 
 namespace zelvan {
@@ -48,7 +49,8 @@ struct ChoiceOption {
 constexpr ChoiceOption kChoiceOptions[] = {
     {"simplex_scale_strategy", Param::ScaleFlag, -1, {2, 0, 2, 3, 4}},
     {"simplex_dual_edge_weight_strategy", Param::SimplexPricing, -1, {-1, 0, 2, 1, 2}},
-    {"simplex_primal_edge_weight_strategy", Param::SimplexPricing, -1, {-1, 0, 2, 1, 2}},
+    // Steepest edge of the primal simplex is unfinished in HiGHS: devex comes closest.
+    {"simplex_primal_edge_weight_strategy", Param::SimplexPricing, -1, {-1, 0, 1, 1, 1}},
     {"simplex_strategy", Param::Method, -1, {1, 4, 1, 1, 1, 1, 1}},
     {"simplex_update_limit", Param::NumericFocus, 0, {5000, 1000, 200, 50}},
 };
@@ -72,10 +74,10 @@ double pivot_threshold(const ParamValues& params) {
     return std::clamp(params.get_dbl(Param::MarkowitzTol), 8e-4, 0.5);
 }
 
-// HiGHS counts single reductions where we have passes: a pass is taken for one on each row and column.
+// HiGHS counts single reductions where we have passes: a pass is taken for one on each 20th row or column.
 void set_presolve_passes(HighsSession& session, int passes, const SolverModel& model) {
     if (passes == 0) session.set_option("presolve", "off");
-    const double reductions = static_cast<double>(passes) * (model.num_cols() + model.num_rows());
+    const double reductions = std::ceil(passes * (static_cast<double>(model.num_cols()) + model.num_rows()) / 20.0);
     session.set_option("presolve_reduction_limit", passes > 0 ? clamped(reductions) : -1);
 }
 

@@ -45,6 +45,7 @@ Run::~Run() { session().attach(nullptr); }
 SolverResult Run::solve(const SolverModel& problem, const Start& start) {
     monitor.begin_run(problem);
     SolverResult result;
+    result.bound = -problem.sense * std::numeric_limits<double>::infinity();
     result.outcome = Outcome::kStopped;
     if (monitor.stop(Progress())) return result;
     if (is_trivial(problem)) return solve_trivial(problem, params_.get_dbl(Param::FeasibilityTol));

@@ -41,13 +41,13 @@ int side_status(int slack_status, char sense) {
 
 void store_result(const ModelData& data, SolverResult result, Solution& solution) {
     store_basis(data, std::move(result.basis), solution);
+    const int status = solution.status;
+    if (status == ZVN_INFEASIBLE || status == ZVN_INF_OR_UNBD || status == ZVN_UNBOUNDED || status == ZVN_CUTOFF)
+        return;
     if (solution.is_mip) {
         solution.obj_bound = stored(result.bound);
         solution.mip_gap = kInfinity;
     }
-    const int status = solution.status;
-    if (status == ZVN_INFEASIBLE || status == ZVN_INF_OR_UNBD || status == ZVN_UNBOUNDED || status == ZVN_CUTOFF)
-        return;
     if (result.x.empty() && status != ZVN_OPTIMAL) return;
 
     solution.obj_val = result.objective;
