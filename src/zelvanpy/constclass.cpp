@@ -20,8 +20,10 @@ void dealloc(PyObject* self) {
     PyObject_GC_UnTrack(self);
     clear(self);
     PyTypeObject* type = Py_TYPE(self);
+    PyTypeObject* own = type;  // below it lie classes written in Python
+    while (own->tp_dealloc != dealloc) own = own->tp_base;
     type->tp_free(self);
-    release_type(type, type);
+    release_type(type, own);
 }
 
 PyMemberDef members[] = {
@@ -47,7 +49,8 @@ PyTypeObject* make_const_class(py::module_& module, const char* name, const char
         {Py_tp_getset, properties},
         {},
     };
-    PyType_Spec spec = {name, sizeof(ConstObject), 0, Py_TPFLAGS_DEFAULT | Py_TPFLAGS_HAVE_GC, slots};
+    PyType_Spec spec = {name, sizeof(ConstObject), 0, Py_TPFLAGS_DEFAULT | Py_TPFLAGS_BASETYPE | Py_TPFLAGS_HAVE_GC,
+                        slots};
     return make_type(module, spec);
 }
 

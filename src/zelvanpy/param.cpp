@@ -340,7 +340,7 @@ bool is_private(PyObject* name) { return PyUnicode_GET_LENGTH(name) && PyUnicode
 PyObject* value_of(Params& self, PyObject* name) {
     py::object value = param_value(env_pointer(env_of(self)), CString(name));
     if (!value) {
-        PyErr_Format(PyExc_AttributeError, "No parameter named '%U'", name);
+        PyErr_Format(PyExc_AttributeError, "No parameter named '%S'", name);
         throw PythonError{};
     }
     return value.release().ptr();
@@ -371,6 +371,8 @@ int ParamClass_setattro(Params& self, PyObject* name, PyObject* value) {
     if (!self.dict) self.dict = steal(PyDict_New()).release().ptr();
     return PyDict_SetItem(self.dict, name, value);
 }
+
+PyObject* ParamClass_getattr(Params& self, py::handle name) { return value_of(self, name.ptr()); }
 
 py::object ParamClass_dir(Params& self) {
     auto* object = reinterpret_cast<PyObject*>(&self);
@@ -414,6 +416,8 @@ void ParamClass_dealloc(PyObject* self) {
 }
 
 PyMethodDef params_methods[] = {
+    {"__getattr__", method<ParamClass_getattr>, METH_O,
+     "__getattr__($self, name, /)\n--\n\nValue of a parameter. Raises AttributeError for an unknown name."},
     {"__dir__", method<ParamClass_dir>, METH_NOARGS, "__dir__($self, /)\n--\n\nNames of all parameters and fields."},
     {"_getChangeList", method<ParamClass_getChangeList>, METH_NOARGS,
      "_getChangeList($self, /)\n--\n\nText that lists the parameters that differ from their defaults."},
