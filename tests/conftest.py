@@ -62,7 +62,7 @@ def model(env_silent):
     m.dispose()
 
 
-LP_TEXT = """\\ Model small
+LP_TEXT = """\\ Model name: small
 Maximize
  obj: 3 x + 2 y + z
 Subject To

@@ -103,7 +103,14 @@ def test_repr_shows_the_value_of_a_solution(lp):
 
 
 @pytest.mark.parametrize(
-    "kind, field, number", [(Var, "_colno", 1), (Constr, "_rowno", 2), (SOS, "_sosno", 3), (QConstr, "_qconstrno", 4), (GenConstr, "_genconstrno", 5)]
+    "kind, field, number",
+    [
+        (Var, "_colno", 1),
+        (Constr, "_rowno", 2),
+        (SOS, "_sosno", 3),
+        (QConstr, "_qconstrno", 4),
+        (GenConstr, "_genconstrno", 5),
+    ],
 )
 def test_fields_and_directory(lp, kind, field, number):
     handle = kind(lp._cmodel, 0)

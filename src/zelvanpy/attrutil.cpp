@@ -311,10 +311,7 @@ PyObject* stored_attribute(PyObject* object, PyObject* dict, PyObject* name) {
     return value;
 }
 
-py::object module_member(const char* name) {
-    PyObject* member = PyDict_GetItemString(PyModule_GetDict(this_module), name);
-    return member ? borrow(member) : py::object();
-}
+py::object module_member(const char* name) { return steal(PyObject_GetAttrString(this_module, name)); }
 
 namespace {
 

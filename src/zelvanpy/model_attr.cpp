@@ -28,24 +28,45 @@ bool is_of_kind(PyObject* object, int kind) {
     raise_no_attribute(object, attribute.text());
 }
 
-// Indices of objects of which some are no plain handles of the right kind.
-std::vector<int> indices_of_any(PyObject* const* objects, Py_ssize_t num, const Attribute& attribute) {
-    std::vector<int> indices(num);
-    for (Py_ssize_t i = 0; i < num; ++i)
-        if (!is_of_kind(objects[i], attribute->kind)) refuse_kind(objects[i], attribute);
-    for (Py_ssize_t i = 0; i < num; ++i) indices[i] = cindex_of(objects[i]);
+// The fast half of reading indices: false at the first object that is no plain handle of the type. It runs
+// no code of the user, so that the list stays as it is.
+bool plain_indices(py::handle list, PyTypeObject* type, std::vector<int>& indices) {
+    const Py_ssize_t num = PySequence_Fast_GET_SIZE(list.ptr());
+    PyObject* const* objects = PySequence_Fast_ITEMS(list.ptr());
+    indices.resize(num);
+    for (Py_ssize_t i = 0; i < num; ++i) {
+        if (Py_TYPE(objects[i]) != type) return false;
+        indices[i] = as_handle(objects[i])->cindex();
+    }
+    return true;
+}
+
+// __cindex__() of each object of a list or tuple.
+std::vector<int> any_indices(const py::object& list) {
+    const py::tuple objects(list);
+    std::vector<int> indices;
+    indices.reserve(objects.size());
+    for (py::handle object : objects) indices.push_back(cindex_of(object.ptr()));
     return indices;
 }
 
-std::vector<int> indices_of_kind(PyObject* const* objects, Py_ssize_t num, const Attribute& attribute) {
-    if (attribute->kind == 0) return indices_of_any(objects, num, attribute);
-    PyTypeObject* const type = *handle_kind(static_cast<Kind>(attribute->kind)).type;
-    std::vector<int> indices(num);
-    for (Py_ssize_t i = 0; i < num; ++i) {
-        if (Py_TYPE(objects[i]) != type) return indices_of_any(objects, num, attribute);
-        indices[i] = as_handle(objects[i])->cindex();
-    }
-    return indices;
+// The indices of objects that must be of the attribute's kind.
+std::vector<int> indices_of_kind(const py::object& list, const Attribute& attribute) {
+    std::vector<int> indices;
+    if (attribute->kind != 0 && plain_indices(list, *handle_kind(static_cast<Kind>(attribute->kind)).type, indices))
+        return indices;
+    const py::tuple objects(list);
+    for (py::handle object : objects)
+        if (!is_of_kind(object.ptr(), attribute->kind)) refuse_kind(object.ptr(), attribute);
+    return any_indices(objects);
+}
+
+// The indices of objects of any kind.
+std::vector<int> indices_of_objects(const py::object& list) {
+    std::vector<int> indices;
+    if (PySequence_Fast_GET_SIZE(list.ptr()) == 0) return indices;
+    const HandleKind* kind = find_handle_kind(PySequence_Fast_GET_ITEM(list.ptr(), 0));
+    return kind && plain_indices(list, *kind->type, indices) ? indices : any_indices(list);
 }
 
 // Keys and values of a dict; those of a subclass in the order of its own keys().
@@ -68,12 +89,10 @@ struct Pairs {
     }
 };
 
-PyObject** list_items(const py::object& list) { return PySequence_Fast_ITEMS(list.ptr()); }
-
 py::object values_by_key(Model& model, const Attribute& attribute, PyObject* dict) {
     const Pairs pairs(dict);
     const Py_ssize_t num = PyList_GET_SIZE(pairs.values.ptr());
-    const auto indices = indices_of_kind(list_items(pairs.values), num, attribute);
+    const auto indices = indices_of_kind(pairs.values, attribute);
     const py::object values = get_attribute_list(as_object(model), *attribute.operator->(), indices);
     const py::object result = steal(PyObject_CallObject(module_member(kTupledict.text()).ptr(), nullptr));
     for (Py_ssize_t i = 0; i < num; ++i)
@@ -83,7 +102,7 @@ py::object values_by_key(Model& model, const Attribute& attribute, PyObject* dic
 
 py::object values_in_order(Model& model, const Attribute& attribute, PyObject* objects) {
     const py::object items = steal(PySequence_Fast(objects, "the objects are not iterable"));
-    const auto indices = indices_of_kind(list_items(items), PySequence_Fast_GET_SIZE(items.ptr()), attribute);
+    const auto indices = indices_of_kind(items, attribute);
     return get_attribute_list(as_object(model), *attribute.operator->(), indices);
 }
 
@@ -137,8 +156,7 @@ BulkWrite write_by_key(const Attribute& attribute, PyObject* dict, py::handle va
     } else {
         raise_attribute("Attribute '%U' argument types do not match", attribute.text());
     }
-    write.indices.reserve(num);
-    for (Py_ssize_t i = 0; i < num; ++i) write.indices.push_back(cindex_of(list_items(pairs.values)[i]));
+    write.indices = indices_of_objects(pairs.values);
     return write;
 }
 
@@ -164,8 +182,7 @@ BulkWrite write_in_order(const Attribute& attribute, py::handle objs, py::handle
     write.broadcast = is_single_value(values);
     if (!write.broadcast && checked(PyObject_Length(values.ptr())) != num)
         raise_attribute("Attribute '%U' inconsistent lengths of both arguments", attribute.text());
-    write.indices.reserve(num);
-    for (Py_ssize_t i = 0; i < num; ++i) write.indices.push_back(cindex_of(list_items(objects)[i]));
+    write.indices = indices_of_objects(objects);
     return write;
 }
 

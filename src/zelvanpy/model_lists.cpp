@@ -227,8 +227,7 @@ py::object handle_by_position(Model& self, py::handle position) {
     model_setup(self);
     const Py_ssize_t i = PyNumber_AsSsize_t(position.ptr(), PyExc_IndexError);
     if (i == -1 && PyErr_Occurred()) throw PythonError{};
-    PyObject* list = self.*list_row(K).list;
-    return steal(PySequence_GetItem(list, i < 0 ? i + PyList_GET_SIZE(list) : i));
+    return steal(PySequence_GetItem(self.*list_row(K).list, i));
 }
 
 template <Kind K>

@@ -111,12 +111,12 @@ Py_ssize_t find_separator(py::handle text, py::handle separators, Py_ssize_t sta
     return found;
 }
 
-// Where the line from `start` ends: at the last separator before the limit that leaves a line at all, or else,
-// behind the limit, at the next one.
+// Where the line from `start` ends: at the last separator before the limit that leaves a line at all, or else at
+// the next one, wherever that is.
 Py_ssize_t line_end(py::handle text, py::handle separators, Py_ssize_t start, Py_ssize_t limit) {
     const Py_ssize_t size = PyUnicode_GET_LENGTH(text.ptr());
     Py_ssize_t end = find_separator(text, separators, start, limit, -1);
-    if (end <= start) end = find_separator(text, separators, std::max(limit, start + 1), size, 1);
+    if (end <= start) end = find_separator(text, separators, start + 1, size, 1);
     return end < 0 ? size : end;
 }
 
