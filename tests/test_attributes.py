@@ -140,7 +140,7 @@ def test_unavailable_values(lp):
     lp.optimize()
     assert lp.getAttr("X", lp.getVars()) == lp.X == [v.X for v in lp.getVars()]
     with pytest.raises(ZelvanError, match="'Pi'"):
-        lp.Pi  # duals of a model with an integer variable
+        _ = lp.Pi  # duals of a model with an integer variable
 
 
 def test_objects_to_read_from(lp):

@@ -7,7 +7,7 @@ import weakref
 import pytest
 
 import zelvanpy
-from zelvanpy import Constr, GenConstr, Model, QConstr, SOS, Var, ZelvanError
+from zelvanpy import SOS, Constr, GenConstr, Model, QConstr, Var, ZelvanError
 
 
 def update_after_removal(model, *items):
@@ -48,12 +48,12 @@ def test_states_of_a_variable(lp):
         with pytest.raises(ZelvanError, match="Variable has not yet been added to the model"):
             hash(v)
         with pytest.raises(AttributeError, match="'zelvanpy.Var' object has no attribute 'UB'"):
-            v.UB
+            _ = v.UB
     # Dropped from the list before the disposal, so that it still holds the capsule.
     assert y._cmodel is not None and y.__numcols__() == 0
     assert repr(y) == "<zelvan.Var *Removed*>"
     with pytest.raises(AttributeError):
-        y.UB
+        _ = y.UB
 
 
 def test_pending_handles(lp):
@@ -69,9 +69,9 @@ def test_pending_handles(lp):
             attempt()
         assert refusal.value.errno == 0
     with pytest.raises(AttributeError):
-        x.NoSuchAttribute
+        _ = x.NoSuchAttribute
     with pytest.raises(AttributeError):
-        ahead.X
+        _ = ahead.X
 
 
 def test_texts_of_the_other_kinds(lp):

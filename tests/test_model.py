@@ -116,7 +116,7 @@ def test_disposal(lp):
     with pytest.raises(ZelvanError, match="Failed to create copy") as refusal:
         lp.copy()
     assert refusal.value.errno == -1
-    for call in (lp.reset, lp.getJSONSolution, lambda: lp.write("a.sol"), lambda: lp.read("a.sol")):
+    for call in (lp.reset, lp.getJSONSolution, lambda: lp.write("a.lp.x"), lambda: lp.read("a.sol")):
         with pytest.raises(ZelvanError) as refusal:
             call()
         assert refusal.value.errno == 10002
@@ -136,7 +136,7 @@ def test_two_models_on_one_handle(env_silent):
     assert second._uenv is None
     first.dispose()
     with pytest.raises((AttributeError, ZelvanError)):
-        second.NumVars
+        _ = second.NumVars
     second.dispose()
 
 
@@ -262,6 +262,53 @@ def test_names(lp):
     assert lp._owns(x) and lp._owns(lp) and not lp._owns(Var(None, 0))
     with pytest.raises(AttributeError):
         lp._owns(5)
+
+
+def test_new_objects(lp):
+    """Under UpdateMode 1 a new handle knows its index at once, otherwise from the update on."""
+    for mode in (1, 0):
+        lp.Params.UpdateMode = mode
+        lp.update()
+        columns, rows = lp.NumVars, lp.NumConstrs
+        old = lp.getVars()
+        v, w = lp.addVar(name="v%d" % mode), lp.addVar(ub=5, name="w%d" % mode)
+        c = lp.addConstr(old[0] + 2 * old[1] <= 9, name="d%d" % mode)
+        assert (v.index, w.index, c.index) == ((columns, columns + 1, rows) if mode else (-1, -1, -1))
+        assert lp.getVars() == old and repr(v) == "<zelvan.Var *Awaiting Model Update*>"
+        if mode:
+            lp.remove([v, c])  # new ones are marked, and gone with the update
+        else:
+            for pending, word in ((v, "variable"), (c, "constraint")):
+                with pytest.raises(ZelvanError, match="Tried to remove a %s that does not exist" % word):
+                    lp.remove(pending)
+        lp.update()
+        assert (v.index, w.index) == ((-2, columns) if mode else (columns, columns + 1))
+        assert lp.getVars() == old + ([w] if mode else [v, w]) and w.VarName == "w%d" % mode
+        lp.remove([v, c])
+        lp.update()
+        assert lp.NumVars == columns + 1 == w.index + 1 and w.UB == 5.0 and lp.NumConstrs == rows
+
+
+def test_helpers_of_ranges(lp):
+    """Range rows bring one column each under UpdateMode 1, behind all others; what has none brings no handle."""
+    x, y, z = lp.getVars()
+    lp.addRange(x + y, 1, 5, "r0")
+    lp.addRange(x + y, -1e100, 5, "one-sided")
+    with pytest.raises(ZelvanError):
+        lp.addRange(x + y, 5, 1, "refused")
+    lp.remove(y)
+    v = lp.addVar(name="v")
+    assert len(lp.getVars()) == 3
+    lp.update()
+    assert lp.NumVars == 4 and [u.index for u in lp.getVars()] == [0, 1, 2, 3]
+    assert lp.getVars()[:3] == [x, z, v] and lp.getVars()[3].UB == 4.0
+    lp.update()
+    assert len(lp.getVars()) == 4
+    lp.Params.UpdateMode = 0
+    lp.update()
+    lp.addRange(x + z, 1, 5, "two-sided")
+    lp.update()
+    assert lp.NumVars == len(lp.getVars()) == 4 and lp.getConstrByName("two-sided").Sense == "R"
 
 
 def test_update_mode(lp):
