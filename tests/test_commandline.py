@@ -1,5 +1,6 @@
 """python -m zelvanpy as a user calls it."""
 
+import json
 import os
 import pathlib
 import subprocess
@@ -34,7 +35,8 @@ def test_shipped_models(name, objective, variables, tmp_path):
     assert len(lines) == 3 + int(lines[2].split()[2])
     again = zelvan(tmp_path / "copy.lp", "outputflag=0", cwd=tmp_path)
     assert again.stdout.splitlines()[1:3] == ["Status: OPTIMAL", "Objective: " + objective]
-    assert objective in (tmp_path / "answer.json").read_text()
+    solution = json.loads((tmp_path / "answer.json").read_text())
+    assert solution["SolutionInfo"]["ObjVal"] == pytest.approx(float(objective), rel=1e-9)
 
 
 def test_no_answer(tmp_path):
