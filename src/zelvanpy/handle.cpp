@@ -112,7 +112,8 @@ int handle_traverse(PyObject* object, visitproc visit, void* arg) {
 }
 
 int handle_clear(PyObject* object) {
-    Py_CLEAR(as_handle(object)->dict);
+    // The dict stays: that the handle has one tells that it is tracked.
+    if (PyObject* dict = as_handle(object)->dict) PyDict_Clear(dict);
     return 0;
 }
 

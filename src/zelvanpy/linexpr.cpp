@@ -40,8 +40,9 @@ void init_fields(LinExpr* e, double constant) {
     e->tail = nullptr;
 }
 
+// Backwards: the variables added last are most likely still in the cache.
 void release_terms(Term* terms, std::uint32_t size) {
-    for (std::uint32_t i = 0; i < size; ++i) Py_DECREF(terms[i].var);
+    while (size > 0) Py_DECREF(terms[--size].var);
 }
 
 // Gives a chain back block by block: a long one must not use the C stack.
@@ -58,10 +59,10 @@ void free_array(LinExpr* e) {
     if (e->terms != e->inline_terms) PyMem_Free(e->terms);
 }
 
-// Room for at least `terms`: half more while small, later little more, as realloc mostly moves pages then.
+// Half more while small; later little more, as realloc then moves pages or extends the array where it is.
 std::size_t grown_capacity(std::size_t terms) {
     if (terms <= 8) return 8;
-    return terms + (terms < 4096 ? terms / 2 : terms / 16);
+    return terms + (terms < 32768 ? terms / 2 : terms / 16);
 }
 
 void set_capacity(LinExpr* e, std::size_t capacity) {
@@ -250,11 +251,12 @@ void linexpr_shrink(LinExpr* e) {
     if (e->terms != e->inline_terms && e->size > kInlineTerms && e->size < e->capacity) set_capacity(e, e->size);
 }
 
+void grow_linexpr(LinExpr* e) { set_capacity(e, grown_capacity(std::size_t{e->size} + 1)); }
+void double_linexpr(LinExpr* e) { set_capacity(e, 2 * std::size_t{e->size}); }
+
 void linexpr_append(LinExpr* e, double coeff, Handle* var) {
-    if (e->size == e->capacity) set_capacity(e, grown_capacity(std::size_t{e->size} + 1));
-    Py_INCREF(var);
-    e->terms[e->size++] = {coeff, var};
-    if (!is_inert(var)) wake_linexpr(e);
+    if (e->size == e->capacity) grow_linexpr(e);
+    append_term(e, coeff, var);
 }
 
 void linexpr_add(LinExpr* e, LinExpr* other, double mult) {

@@ -33,6 +33,15 @@ private:
 LinExpr* allocate_linexpr(PyTypeObject* type);
 // The collector gets to know e, which has taken in something that may lead back to it.
 void wake_linexpr(LinExpr* e);
+// Room for at least one more term: little, or as much again for a sum that is cut to size at its end.
+void grow_linexpr(LinExpr* e);
+void double_linexpr(LinExpr* e);
+// Appends where there is room.
+inline void append_term(LinExpr* e, double coeff, Handle* var) {
+    Py_INCREF(var);
+    e->terms[e->size++] = {coeff, var};
+    if (!is_inert(var)) wake_linexpr(e);
+}
 // e exchanges its terms with those of the buffer.
 void swap_terms(LinExpr* e, TermBuffer& buffer);
 // Sets the older blocks of e; tail may be null.

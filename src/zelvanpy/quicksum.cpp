@@ -6,47 +6,69 @@
 
 namespace zelvanpy {
 
-py::object accumulate(py::object result, py::handle term) {
-    if (Py_TYPE(result.ptr()) != LinExpr_Type) return steal(PyNumber_InPlaceAdd(result.ptr(), term.ptr()));
-    LinExpr* e = as_linexpr(result);
-    PyTypeObject* type = Py_TYPE(term.ptr());
-    if (type == Var_Type)
-        linexpr_append(e, 1.0, as_handle(term));
-    else if (type == LinExpr_Type)
-        linexpr_add(e, as_linexpr(term), 1.0);
-    else if (type == &PyFloat_Type)
-        linexpr_add_constant(e, PyFloat_AS_DOUBLE(term.ptr()));
-    else
-        return steal(PyNumber_InPlaceAdd(result.ptr(), term.ptr()));
-    return result;
-}
-
 namespace {
 
-// The collector may have nothing to gain from memory that the caller keeps for good.
-py::object finished(py::object result) {
-    if (Py_TYPE(result.ptr()) == LinExpr_Type) linexpr_shrink(as_linexpr(result));
-    return result;
+// e += term for a term of known class, which runs no Python code; false for any other.
+inline bool add_known(LinExpr* e, PyObject* term) {
+    PyTypeObject* type = Py_TYPE(term);
+    if (type == Var_Type) {
+        if (e->size == e->capacity) double_linexpr(e);
+        append_term(e, 1.0, as_handle(term));
+        return true;
+    }
+    if (type == LinExpr_Type) {
+        LinExpr* other = as_linexpr(term);
+        if (other->size == 1 && !other->tail) {
+            if (e->size == e->capacity) double_linexpr(e);
+            append_term(e, other->terms[0].coeff, other->terms[0].var);
+            e->constant += other->constant;
+        } else {
+            linexpr_add(e, other, 1.0);
+        }
+        return true;
+    }
+    if (type != &PyFloat_Type) return false;
+    linexpr_add_constant(e, PyFloat_AS_DOUBLE(term));
+    return true;
+}
+
+void sum_list(py::object& result, PyObject* list) {
+    linexpr_reserve(as_linexpr(result), PyList_GET_SIZE(list));
+    for (Py_ssize_t i = 0; i < PyList_GET_SIZE(list); ++i) {
+        PyObject* term = PyList_GET_ITEM(list, i);
+        if (Py_TYPE(result.ptr()) != LinExpr_Type || !add_known(as_linexpr(result), term))
+            result = steal(PyNumber_InPlaceAdd(result.ptr(), borrow(term).ptr()));
+    }
+}
+
+void sum_iterable(py::object& result, py::handle terms) {
+    const py::object iterator = steal(PyObject_GetIter(terms.ptr()));
+    const iternextfunc next = Py_TYPE(iterator.ptr())->tp_iternext;
+    while (PyObject* element = next(iterator.ptr())) {
+        const py::object term = py::reinterpret_steal<py::object>(element);
+        if (Py_TYPE(result.ptr()) != LinExpr_Type || !add_known(as_linexpr(result), element))
+            result = steal(PyNumber_InPlaceAdd(result.ptr(), element));
+    }
+    if (!PyErr_Occurred()) return;
+    if (!PyErr_ExceptionMatches(PyExc_StopIteration)) throw PythonError{};
+    PyErr_Clear();
 }
 
 }  // namespace
 
+py::object accumulate(py::object result, py::handle term) {
+    if (Py_TYPE(result.ptr()) == LinExpr_Type && add_known(as_linexpr(result), term.ptr())) return result;
+    return steal(PyNumber_InPlaceAdd(result.ptr(), term.ptr()));
+}
+
 py::object quicksum(py::handle terms) {
     py::object result = owned(new_linexpr());
-    if (PyList_CheckExact(terms.ptr())) {
-        for (Py_ssize_t i = 0; i < PyList_GET_SIZE(terms.ptr()); ++i)
-            result = accumulate(std::move(result), borrow(PyList_GET_ITEM(terms.ptr(), i)));
-        return finished(std::move(result));
-    }
-    const py::object iterator = steal(PyObject_GetIter(terms.ptr()));
-    const iternextfunc next = Py_TYPE(iterator.ptr())->tp_iternext;
-    while (PyObject* term = next(iterator.ptr()))
-        result = accumulate(std::move(result), py::reinterpret_steal<py::object>(term));
-    if (PyErr_Occurred()) {
-        if (!PyErr_ExceptionMatches(PyExc_StopIteration)) throw PythonError{};
-        PyErr_Clear();
-    }
-    return finished(std::move(result));
+    if (PyList_CheckExact(terms.ptr()))
+        sum_list(result, terms.ptr());
+    else
+        sum_iterable(result, terms);
+    if (Py_TYPE(result.ptr()) == LinExpr_Type) linexpr_shrink(as_linexpr(result));
+    return result;
 }
 
 py::object simple_expr(py::handle arg) {

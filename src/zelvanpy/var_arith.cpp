@@ -40,6 +40,8 @@ bool converts_to_float(py::handle operand, double& value) {
 }
 
 PyObject* Var_multiply(py::handle left, py::handle right) {
+    if (PyFloat_CheckExact(left.ptr()))
+        return as_result(linexpr_of_var(as_handle(right), PyFloat_AS_DOUBLE(left.ptr())));
     const bool is_left = is_var(left);
     const py::handle var = is_left ? left : right, operand = is_left ? right : left;
     double value;
