@@ -97,7 +97,7 @@ py::object matching_file(py::handle name) {
     if (!contains(name, "*") && !contains(name, "?")) return borrow(name);
     const py::object files = py::module_::import("glob").attr("glob")(name);
     if (PyList_GET_SIZE(files.ptr()) == 0) {
-        print_line(steal(PyUnicode_FromFormat("No file matching '%U' found", name.ptr())));
+        print_line(steal(PyUnicode_FromFormat("No file matching '%S' found", name.ptr())));
         raise_zelvan(0, "Unable to read model");
     }
     return borrow(PyList_GET_ITEM(files.ptr(), 0));
