@@ -121,9 +121,7 @@ def measure_set_objective(count, repeats):
     model = ctypes.c_void_p(get_pointer(m._cmodel, None))
 
     def direct():
-        library.ZVNsetobjective(
-            model, 0, ctypes.c_double(0.0), count, indices, values, 0, None, None, None
-        )
+        library.ZVNsetobjective(model, 0, ctypes.c_double(0.0), count, indices, values, 0, None, None, None)
 
     subject, baseline = [], []
     for _ in range(2 if timing.SHORT else repeats):

@@ -75,10 +75,7 @@ class Table:
     def __init__(self, title):
         self.over = []
         print(title)
-        print(
-            "%-52s %8s %17s %8s %11s %11s %7s"
-            % ("", "median", "quartiles", "best", "subject", "baseline", "bar")
-        )
+        print("%-52s %8s %17s %8s %11s %11s %7s" % ("", "median", "quartiles", "best", "subject", "baseline", "bar"))
 
     def row(self, name, ratio, bar=None, per=1):
         """Print `ratio` (a `Ratio`) under `name`; `bar` is the highest ratio wanted, `per` divides the times shown.

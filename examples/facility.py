@@ -13,11 +13,15 @@ SITES, CUSTOMERS = 12, 40
 FIXED_COST, CAPACITY = 1.2, 12
 
 
+def apart(p, q):
+    return math.hypot(p[0] - q[0], p[1] - q[1])
+
+
 def instance(seed=7):
     draw = random.Random(seed)
     sites = [(draw.random(), draw.random()) for _ in range(SITES)]
     customers = [(draw.random(), draw.random()) for _ in range(CUSTOMERS)]
-    distance = {(s, c): math.dist(sites[s], customers[c]) for s in range(SITES) for c in range(CUSTOMERS)}
+    distance = {(s, c): apart(sites[s], customers[c]) for s in range(SITES) for c in range(CUSTOMERS)}
     return sites, customers, distance
 
 

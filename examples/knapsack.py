@@ -1,42 +1,22 @@
-"""What to pack under a weight limit: a binary model, solved again with a side condition."""
+"""What to pack under a weight limit: a binary model, solved again with a side condition. The README's tour."""
 
 import zelvanpy as zp
 from zelvanpy import ZVN
 
-ITEMS, VALUE, WEIGHT = zp.multidict(
-    {
-        "tent": [60, 3.2],
-        "stove": [35, 1.1],
-        "sleeping bag": [55, 1.8],
-        "camera": [30, 0.9],
-        "books": [12, 1.5],
-        "rope": [28, 2.4],
-        "food": [80, 4.0],
-        "water": [75, 3.0],
-    }
+items, value, weight = zp.multidict(  # one dict for each column of figures
+    {"tent": [60, 3.2], "stove": [35, 1.1], "rope": [28, 2.4], "food": [80, 4.0], "water": [75, 3.0]}
 )
-LIMIT = 11.0
+m = zp.Model("knapsack", env=zp.Env(params={"OutputFlag": 0}))  # no log
+take = m.addVars(items, vtype=ZVN.BINARY, name="take")
+m.addConstr(take.prod(weight) <= 10, name="weight")
+m.setObjective(take.prod(value), ZVN.MAXIMIZE)
+m.optimize()
+print("worth %g: %s" % (m.ObjVal, [i for i in items if take[i].X > 0.5]))
 
-
-def packed(take):
-    return [item for item in ITEMS if take[item].X > 0.5]
-
-
-def solve():
-    with zp.Env(params={"OutputFlag": 0}) as env, zp.Model("knapsack", env=env) as m:
-        take = m.addVars(ITEMS, vtype=ZVN.BINARY, name="take")
-        m.addConstr(take.prod(WEIGHT) <= LIMIT, name="weight")
-        m.setObjective(take.prod(VALUE), ZVN.MAXIMIZE)
-        m.optimize()
-        best = m.ObjVal
-        print("Packed for a value of %g: %s" % (best, ", ".join(packed(take))))
-
-        m.addConstr(take["stove"] >= take["food"], name="cook")
-        m.addConstr(take["camera"] + take["books"] >= 1, name="leisure")
-        m.optimize()
-        print("With a stove for the food and some leisure, %g: %s" % (m.ObjVal, ", ".join(packed(take))))
-        return best, m.ObjVal
-
-
-if __name__ == "__main__":
-    solve()
+m.addConstr(take["rope"] >= take["tent"], name="pitch")  # no tent without a rope
+take["food"].LB = 1  # changes wait for the next update, which optimize() runs
+m.optimize()
+print("worth %g: %s" % (m.ObjVal, [i for i in items if take[i].X > 0.5]))
+for c in m.getConstrs():
+    print("%s: %g to spare" % (c.ConstrName, c.Slack))
+m.write("knapsack.lp")  # or .mps, .sol, .json, each also with .gz behind

@@ -9,8 +9,8 @@ from zelvanpy import ZVN
 
 DEMAND = [120, 80, 150, 210, 260, 300, 310, 280, 190, 140, 110, 90]
 MONTHS = range(len(DEMAND))
-REGULAR, OVERTIME = 180, 60  # units a month
-REGULAR_COST, OVERTIME_COST, SETUP_COST = 10.0, 14.0, 150.0
+REGULAR, OVERTIME = 200, 80  # units a month
+REGULAR_COST, OVERTIME_COST, STOCK_COST, SETUP_COST = 10.0, 12.0, 0.3, 150.0
 
 
 def build(env):
@@ -20,10 +20,7 @@ def build(env):
     stock = m.addVars(MONTHS, name="stock")
     run = m.addVars(MONTHS, vtype=ZVN.BINARY, name="run")
     m.addConstrs(
-        (
-            (stock[t - 1] if t > 0 else 100) + regular[t] + overtime[t] == DEMAND[t] + stock[t]
-            for t in MONTHS
-        ),
+        ((stock[t - 1] if t > 0 else 100) + regular[t] + overtime[t] == DEMAND[t] + stock[t] for t in MONTHS),
         name="balance",
     )
     m.addConstrs((regular[t] + overtime[t] <= (REGULAR + OVERTIME) * run[t] for t in MONTHS), name="setup")
@@ -38,7 +35,7 @@ def solve():
             cost = (
                 REGULAR_COST * regular.sum()
                 + OVERTIME_COST * overtime.sum()
-                + 0.8 * stock.sum()
+                + STOCK_COST * stock.sum()
                 + SETUP_COST * run.sum()
             )
             m.setObjectiveN(cost, 0, priority=2, reltol=0.01, name="cost")

@@ -22,8 +22,11 @@ def written_rows(m, tmp_path):
     path = tmp_path / "rows.lp"
     m.write(str(path))
     text = path.read_text()
-    return [line.strip() for line in text[text.index("Subject To") : text.index("Bounds") if "Bounds" in text else -1]
-            .splitlines()[1:] if ":" in line]
+    return [
+        line.strip()
+        for line in text[text.index("Subject To") : text.index("Bounds") if "Bounds" in text else -1].splitlines()[1:]
+        if ":" in line
+    ]
 
 
 def test_forms_of_a_row(model, xyz, tmp_path):

@@ -61,7 +61,13 @@ class ModelEdits(RuleBasedStateMachine):
         drawn = data.draw(st.lists(st.tuples(COEFFICIENTS, st.integers(0, len(entries) - 1)), max_size=5))
         return [(coeff, entries[position]) for coeff, position in drawn]
 
-    @rule(lb=st.integers(-3, 1), width=st.integers(0, 5), obj=COEFFICIENTS, vtype=st.sampled_from("CCIB"), named=st.booleans())
+    @rule(
+        lb=st.integers(-3, 1),
+        width=st.integers(0, 5),
+        obj=COEFFICIENTS,
+        vtype=st.sampled_from("CCIB"),
+        named=st.booleans(),
+    )
     def add_var(self, lb, width, obj, vtype, named):
         name = "v%d" % (len(self.columns) + len(self.new_columns) + 100) if named else ""
         handle = self.model.addVar(lb=lb, ub=lb + width, obj=obj, vtype=vtype, name=name)

@@ -35,8 +35,12 @@ def test_refused_variables_leave_nothing(model):
         with pytest.raises(ZelvanError, match=fault):
             model.addVar(**arguments)
         with pytest.raises(ZelvanError, match=fault):
-            model.addVars(2, **{key: [0, value] if key != "name" else ["a", value] for key, value in arguments.items()}
-                          if "vtype" not in arguments else {"vtype": ["C", "Q"]})
+            model.addVars(
+                2,
+                **{key: [0, value] if key != "name" else ["a", value] for key, value in arguments.items()}
+                if "vtype" not in arguments
+                else {"vtype": ["C", "Q"]},
+            )
     for arguments, error in (
         (dict(lb="1"), TypeError),
         (dict(vtype=""), IndexError),

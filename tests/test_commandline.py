@@ -24,9 +24,13 @@ def zelvan(*arguments, cwd):
     )
 
 
-@pytest.mark.parametrize("name, objective, variables", [("transport.mps", "8945", "of 48"), ("shifts.lp", "11905", "of 35")])
+@pytest.mark.parametrize(
+    "name, objective, variables", [("transport.mps", "8945", "of 48"), ("shifts.lp", "11905", "of 35")]
+)
 def test_shipped_models(name, objective, variables, tmp_path):
-    result = zelvan(DATA / name, "TimeLimit=100", "OutputFlag=0", "--write", "answer.json", "--write", "copy.lp", cwd=tmp_path)
+    result = zelvan(
+        DATA / name, "TimeLimit=100", "OutputFlag=0", "--write", "answer.json", "--write", "copy.lp", cwd=tmp_path
+    )
     assert (result.returncode, result.stderr) == (0, "")
     lines = result.stdout.strip().splitlines()
     assert lines[0] == "Status: OPTIMAL"

@@ -93,7 +93,11 @@ def test_arguments(tmp_path, capsys):
     assert "to both\n" in log.read_text() and capsys.readouterr().out == "to both\n"
     with pytest.raises(ZelvanError, match="Threads"):
         Env(params={"Threads": -1})
-    for wrong, error in (({"params": 5}, AttributeError), ({"logfilename": 5}, AttributeError), ({"nix": 1}, TypeError)):
+    for wrong, error in (
+        ({"params": 5}, AttributeError),
+        ({"logfilename": 5}, AttributeError),
+        ({"nix": 1}, TypeError),
+    ):
         with pytest.raises(error):
             Env(**wrong)
 

@@ -168,6 +168,10 @@ def test_exceptions_travel(env_silent):
     caught.value.note = "kept"
     for protocol in range(pickle.HIGHEST_PROTOCOL + 1):
         again = pickle.loads(pickle.dumps(caught.value, protocol))
-        assert (type(again), again.errno, again.message) == (ZelvanError, ZVN.ERROR_VALUE_OUT_OF_RANGE, str(caught.value))
+        assert (type(again), again.errno, again.message) == (
+            ZelvanError,
+            ZVN.ERROR_VALUE_OUT_OF_RANGE,
+            str(caught.value),
+        )
         assert again.note == "kept"
     assert type(copy.copy(Mine(1, "a"))) is Mine

@@ -183,12 +183,19 @@ def test_refusals():
             assert (caught.value.errno, str(caught.value)) == (code, text)
 
     nan, inf = math.nan, math.inf
-    no_divisor, no_truth = "Divisor must be a constant", 'Constraint has no bool value (are you trying "lb <= expr <= ub"?)'
-    refused(no_divisor, 10003, lambda: 2 / e, lambda: e / X, lambda: X / 0, lambda: X / Y, lambda: X / e, lambda: e / "2")
+    no_divisor, no_truth = (
+        "Divisor must be a constant",
+        'Constraint has no bool value (are you trying "lb <= expr <= ub"?)',
+    )
+    refused(
+        no_divisor, 10003, lambda: 2 / e, lambda: e / X, lambda: X / 0, lambda: X / Y, lambda: X / e, lambda: e / "2"
+    )
     refused("Constant is Nan", 10003, lambda: e + nan, lambda: nan + e, lambda: X - nan, lambda: quicksum([nan, X]))
     refused("Multiplier is Nan or Inf", 10003, lambda: e * nan, lambda: inf * e, lambda: X / nan, lambda: X / 1e-320)
     refused("Inequality constraints not supported", 0, lambda: e != 1, lambda: e != None, lambda: X != 1)  # noqa: E711
-    refused(no_truth, 0, lambda: bool(X <= 1), lambda: 0 <= X <= 1, lambda: (X <= 1).__nonzero__(), lambda: [X].index(Y))
+    refused(
+        no_truth, 0, lambda: bool(X <= 1), lambda: 0 <= X <= 1, lambda: (X <= 1).__nonzero__(), lambda: [X].index(Y)
+    )
     refused("Constraint comparison not implemented", 0, lambda: (X <= 1) <= 2, lambda: 2 <= (X <= 1))
     for error, function in [
         (ZeroDivisionError, lambda: e / 0),
