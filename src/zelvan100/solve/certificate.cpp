@@ -51,14 +51,35 @@ std::vector<double> scaled(std::vector<double> ray, double sign) {
     return ray;
 }
 
-void store_proof(const ModelData& data, const std::vector<double>& ray, Solution& solution) {
+// Whether y or -y proves the model infeasible; if so it is stored.
+bool store_proof(const ModelData& data, const std::vector<double>& ray, Solution& solution) {
     for (double sign : {1.0, -1.0}) {
         std::vector<double> y = scaled(ray, sign);
-        if (y.empty()) return;
+        if (y.empty()) return false;
         const double value = proof(data, y);
         if (!(value > 0.0)) continue;
         solution.farkas = std::move(y);
         solution.farkas_proof = value;
+        return true;
+    }
+    return false;
+}
+
+// HiGHS has no certificates for an LP without matrix: a row that excludes 0, or a column by itself.
+void store_without_matrix(const ModelData& data, Solution& solution) {
+    if (solution.status == ZVN_INFEASIBLE) {
+        for (int i = 0; i < data.rows.size() && solution.farkas.empty(); ++i) {
+            std::vector<double> unit(data.rows.size(), 0.0);
+            unit[i] = 1.0;
+            store_proof(data, unit, solution);
+        }
+        return;
+    }
+    for (int j = 0; j < data.cols.size(); ++j) {
+        const double downhill = -data.sense * data.cols.obj[j];
+        if (downhill == 0.0 || std::abs(downhill > 0.0 ? data.cols.ub[j] : data.cols.lb[j]) < kInfinity) continue;
+        solution.ray.assign(data.cols.size(), 0.0);
+        solution.ray[j] = std::copysign(1.0, downhill);
         return;
     }
 }
@@ -66,6 +87,7 @@ void store_proof(const ModelData& data, const std::vector<double>& ray, Solution
 }  // namespace
 
 void store_certificate(const ModelData& data, HighsSession& session, Solution& solution) {
+    if (data.rows.num_entries() == 0) return store_without_matrix(data, solution);
     if (solution.status == ZVN_UNBOUNDED) {
         std::vector<double> ray = session.primal_ray();
         if (ray.empty()) return;
