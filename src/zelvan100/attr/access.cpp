@@ -305,6 +305,7 @@ void write_numbers(Model& model, int attr, int n, const int* ind, const T* value
     check_write_indices(model, spec, n, ind);
     for (int k = 0; k < n; ++k) checked(model, attr, spec, ind[k], values[k]);
     const int number = objective_number(model, attr, spec);
+    model.reserve_writes(n);
     for (int k = 0; k < n; ++k) model.write_number(attr, ind[k], checked(model, attr, spec, ind[k], values[k]), number);
 }
 

@@ -118,6 +118,8 @@ public:
     // (index -1: ModelSense, ObjCon, ...). The caller has checked index and value. `number` selects the
     // objective of an ObjN... attribute.
     void write_number(int attr, int index, double value, int number = 0);
+    // Makes room for so many writes: they can't fail any more, and the queue isn't moved between them.
+    void reserve_writes(int num);
     void write_text(int attr, int index, std::string_view value, int number = 0);
 
     void update();

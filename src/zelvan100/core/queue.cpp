@@ -294,6 +294,11 @@ void Model::set_pwl_obj(int col, PwlPoints points) {
     queue.pwl.push_back({col, std::move(points)});
 }
 
+void Model::reserve_writes(int num) {
+    const std::size_t needed = queue.writes.size() + static_cast<std::size_t>(num);
+    if (needed > queue.writes.capacity()) queue.writes.reserve(std::max(needed, 2 * queue.writes.capacity()));
+}
+
 void Model::write_number(int attr, int index, double value, int number) {
     queue.writes.push_back({attr, number, index, value});
     if (attr == static_cast<int>(Attr::NumObj)) queue.num_objectives = static_cast<int>(value);
