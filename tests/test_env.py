@@ -429,6 +429,21 @@ def test_logging_while_the_interpreter_ends_is_dropped():
     assert run(script) == ("", "")
 
 
+def test_threads_that_log_while_the_process_exits():
+    script = (
+        "import threading, time, zelvanpy\n"
+        "env = zelvanpy.Env()\n"
+        "started = threading.Barrier(4)\n"
+        "def work():\n"
+        "    started.wait()\n"
+        "    while True: env._message('line')\n"
+        "for _ in range(3): threading.Thread(target=work, daemon=True).start()\n"
+        "started.wait()\n"
+    )
+    for _ in range(5):
+        run(script)
+
+
 def test_interactive_use_logs_to_a_file(tmp_path):
     script = (
         "import zelvanpy\n"

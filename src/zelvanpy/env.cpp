@@ -1,5 +1,6 @@
 #include "env.h"
 
+#include <cstring>
 #include <vector>
 
 #include "exception.h"
@@ -180,20 +181,6 @@ py::object Env_getCommStats(Env& env) {
     return result;
 }
 
-// Runs with the interpreter lock held.
-void write_log_text(const char* message) {
-    py::object text = message_to_str(message);
-    PyObject* out = PySys_GetObject("stdout");
-    if (!out) raise(PyExc_AttributeError, "module 'sys' has no attribute 'stdout'");
-    const py::object stream = borrow(out);
-    steal(PyObject_CallMethodObjArgs(stream.ptr(), kWrite.get(), text.ptr(), nullptr));
-    steal(PyObject_CallMethodObjArgs(stream.ptr(), kFlush.get(), nullptr));
-    const Py_ssize_t length = PyUnicode_GET_LENGTH(text.ptr());
-    if (length && PyUnicode_READ_CHAR(text.ptr(), length - 1) == '\n')
-        text = steal(PyUnicode_Substring(text.ptr(), 0, length - 1));
-    py::module_::import("logging").attr("getLogger")("zelvanpy").attr("info")(text);
-}
-
 PyMethodDef methods[] = {
     {"start", method<Env_start>, METH_NOARGS,
      "start($self, /)\n--\n\n"
@@ -250,21 +237,67 @@ PyMethodDef* all_methods() {
 
 }  // namespace
 
-int log_callback_stub(const char* message, void*) {
-    if (!python_alive()) return 0;
-    const PyGILState_STATE state = PyGILState_Ensure();
+// The interpreter may end a thread inside any call of Python code, so the frames of the log bridge hold plain
+// pointers: destructors would release objects without the lock.
+namespace {
+
+PyObject* without_newline(PyObject* text) {
+    const Py_ssize_t length = PyUnicode_GET_LENGTH(text);
+    const bool cut = length && PyUnicode_READ_CHAR(text, length - 1) == '\n';
+    return PyUnicode_Substring(text, 0, cut ? length - 1 : length);
+}
+
+bool write_to_stdout(PyObject* text) {
+    PyObject* stream = PySys_GetObject("stdout");
+    if (!stream) {
+        PyErr_SetString(PyExc_AttributeError, "module 'sys' has no attribute 'stdout'");
+        return false;
+    }
+    Py_INCREF(stream);
+    PyObject* written = PyObject_CallMethod(stream, "write", "O", text);
+    PyObject* flushed = written ? PyObject_CallMethod(stream, "flush", nullptr) : nullptr;
+    Py_DECREF(stream);
+    Py_XDECREF(written);
+    Py_XDECREF(flushed);
+    return flushed != nullptr;
+}
+
+bool write_to_logger(PyObject* line) {
+    PyObject* logging = PyImport_ImportModule("logging");
+    PyObject* logger = logging ? PyObject_CallMethod(logging, "getLogger", "s", "zelvanpy") : nullptr;
+    PyObject* logged = logger ? PyObject_CallMethod(logger, "info", "O", line) : nullptr;
+    Py_XDECREF(logging);
+    Py_XDECREF(logger);
+    Py_XDECREF(logged);
+    return logged != nullptr;
+}
+
+void log_with_lock(const char* message) {
     PyObject *type, *value, *traceback;
     PyErr_Fetch(&type, &value, &traceback);
-    try {
-        write_log_text(message);
-    } catch (...) {
-        translate_exception();
+    PyObject* text = PyUnicode_DecodeUTF8(message, static_cast<Py_ssize_t>(std::strlen(message)), "replace");
+    PyObject* line = text && write_to_stdout(text) ? without_newline(text) : nullptr;
+    if (!line || !write_to_logger(line)) {
         PyObject* context = PyUnicode_FromString("zelvanpy.logcallbackstub");
         PyErr_WriteUnraisable(context);
         Py_XDECREF(context);
     }
+    Py_XDECREF(text);
+    Py_XDECREF(line);
     PyErr_Restore(type, value, traceback);
-    PyGILState_Release(state);
+}
+
+}  // namespace
+
+int log_callback_stub(const char* message, void*) {
+    if (!python_alive()) return 0;
+    try {
+        const PyGILState_STATE state = PyGILState_Ensure();
+        log_with_lock(message);
+        PyGILState_Release(state);
+    } catch (...) {
+        translate_exception();
+    }
     return 0;
 }
 
