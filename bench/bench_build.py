@@ -154,9 +154,7 @@ print((resident() - before) / 1e6)
 
 
 def memory_of_model(count):
-    out = subprocess.run(
-        [sys.executable, "-c", MEMORY_PROGRAM % count], check=True, stdout=subprocess.PIPE, universal_newlines=True
-    )
+    out = subprocess.run([sys.executable, "-c", MEMORY_PROGRAM % count], check=True, stdout=subprocess.PIPE, text=True)
     return float(out.stdout)
 
 

@@ -5,7 +5,8 @@ import operator
 import random
 import sys
 
-from timing import SHORT, Table, compare, seconds
+from timing import SHORT, Table, compare
+
 from zelvanpy import LinExpr, Var, quicksum
 
 N = 20_000 if SHORT else 1_000_000

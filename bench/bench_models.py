@@ -109,9 +109,7 @@ def main():
     for name in names:
         runs = []
         for _ in range(1 if timing.SHORT else 3):
-            out = subprocess.run(
-                [sys.executable, __file__, name], check=True, stdout=subprocess.PIPE, universal_newlines=True
-            )
+            out = subprocess.run([sys.executable, __file__, name], check=True, stdout=subprocess.PIPE, text=True)
             runs.append([float(word) for word in out.stdout.split()])
         built, yardstick, columns, rows, entries, peak = min(runs)
         print("%-40s %9d %9d %9d %8.3f %7.2f %9.0f" % (name, columns, rows, entries, built, built / yardstick, peak))

@@ -1,7 +1,8 @@
 """Parameter reads, against an attribute read through a `__getattr__` written in Python."""
 
-import zelvanpy
 from timing import Table, compare
+
+import zelvanpy
 
 
 class Yardstick:

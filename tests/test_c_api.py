@@ -25,7 +25,7 @@ def clean_environment():
 
 def run(command):
     result = subprocess.run(
-        command, stdout=subprocess.PIPE, stderr=subprocess.STDOUT, universal_newlines=True, env=clean_environment()
+        command, stdout=subprocess.PIPE, stderr=subprocess.STDOUT, text=True, env=clean_environment()
     )
     assert result.returncode == 0, result.stdout
     return result.stdout

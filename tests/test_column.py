@@ -6,6 +6,7 @@ import math
 import weakref
 
 import pytest
+
 from zelvanpy import Column, Constr, ZelvanError
 
 ROWS = [Constr(None, i) for i in range(3)]

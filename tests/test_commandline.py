@@ -18,7 +18,7 @@ def zelvan(*arguments, cwd):
         [sys.executable, "-m", "zelvanpy", *map(str, arguments)],
         stdout=subprocess.PIPE,
         stderr=subprocess.PIPE,
-        universal_newlines=True,
+        text=True,
         cwd=str(cwd),
         env=dict(os.environ, PYTHONPATH=str(pathlib.Path(zelvanpy._zelvanpy.__file__).parent.parent)),
     )

@@ -118,9 +118,8 @@ def test_a_wrapper_frees_nothing_and_makes_no_call():
 
 
 def test_the_context_manager_closes_and_lets_exceptions_go_on():
-    with pytest.raises(KeyError):
-        with Env() as env:
-            raise KeyError
+    with pytest.raises(KeyError), Env() as env:
+        raise KeyError
     assert env._cenv is None
 
 

@@ -9,6 +9,7 @@ import numpy
 import pytest
 from hypothesis import given, settings
 from hypothesis import strategies as st
+
 from zelvanpy import ZVN, LinExpr, TempConstr, Var, ZelvanError, quicksum
 
 XS = [Var(None, i) for i in range(5)]

@@ -9,9 +9,9 @@ import pytest
 from hypothesis import assume, given
 from hypothesis import strategies as st
 from scipy.optimize import Bounds, LinearConstraint, linprog, milp
+from solvable import assignment, knapsacks
 
 import zelvanpy
-from solvable import assignment, knapsacks
 from zelvanpy import ZVN, ZelvanError
 
 INF = ZVN.INFINITY

@@ -3,9 +3,10 @@
     python -m zelvanpy MODEL [Parameter=value ...] [--write FILE ...]
 
 MODEL is an .mps or .lp file, also with .gz behind. Each --write names a file that is written after the solve, its kind
-chosen by the ending: .json for the solution, .mps or .lp for the model, .prm for the parameters. The exit code is 0 when
-an optimal solution was found, 1 when the solve ended otherwise, 2 when the command line, a parameter or a file is at
-fault.
+chosen by the ending: .json for the solution, .mps or .lp for the model, .prm for the parameters.
+
+The exit code is 0 when an optimal solution was found, 1 when the solve ended otherwise, 2 when the command line, a
+parameter or a file is at fault.
 """
 
 import argparse
