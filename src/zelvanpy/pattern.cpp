@@ -26,10 +26,10 @@ KeyIndex::KeyIndex(std::vector<std::size_t> pattern, bool scalar, std::shared_pt
       members_(std::move(members)),
       slots_(std::size_t{1} << kFirstBits),
       shift_(64 - kFirstBits) {
-    const std::size_t size = members_->list.size();
+    const std::size_t size = members_->size();
     if (size >= kNone) raise(PyExc_OverflowError, "Too many members for a selection");
     std::vector<std::uint32_t> group_of_member(size);
-    for (std::size_t i = 0; i < size; ++i) group_of_member[i] = add_member(members_->list[i].ptr(), scalar);
+    for (std::size_t i = 0; i < size; ++i) group_of_member[i] = add_member((*members_)[i].ptr(), scalar);
     sort(group_of_member);
 }
 
@@ -132,7 +132,7 @@ py::object KeyIndex::list_of(std::uint32_t group) {
         py::object plain = steal(PyList_New(end(group) - begin(group)));
         Py_ssize_t i = 0;
         for (const std::uint32_t* p = begin(group); p != end(group); ++p)
-            PyList_SET_ITEM(plain.ptr(), i++, borrow(members_->list[*p]).release().ptr());
+            PyList_SET_ITEM(plain.ptr(), i++, borrow((*members_)[*p]).release().ptr());
         lists_[group] = new_tuplelist(std::move(plain));
     }
     return lists_[group];
@@ -143,7 +143,7 @@ bool KeyIndex::is_intact(std::uint32_t group) const {
     PyObject* list = lists_[group].ptr();
     if (PyList_GET_SIZE(list) != end(group) - begin(group)) return false;
     for (const std::uint32_t* p = begin(group); p != end(group); ++p)
-        if (PyList_GET_ITEM(list, p - begin(group)) != members_->list[*p].ptr()) return false;
+        if (PyList_GET_ITEM(list, p - begin(group)) != (*members_)[*p].ptr()) return false;
     return true;
 }
 

@@ -11,12 +11,8 @@ namespace zelvanpy {
 
 struct TupleList;
 
-// The members of a list as they were when an index was built, and what a tupledict holds under them.
-struct Members {
-    std::vector<py::object> list;
-    std::vector<PyObject*> values;  // parallel to list, borrowed from the dict while it has this version; null: none
-    std::uint64_t version = 0;
-};
+// The members of a list as they were when an index was built.
+using Members = std::vector<py::object>;
 
 // Groups the members by the values of some of their fields, or by themselves, in the order of the list.
 class KeyIndex {
@@ -27,16 +23,24 @@ public:
     static constexpr std::uint32_t kNone = UINT32_MAX;
 
     const std::vector<std::size_t>& pattern() const { return pattern_; }
-    Members& members() const { return *members_; }
+    const Members& members() const { return *members_; }
     // The group that a pattern asks for, or kNone. TypeError where a value is unhashable.
     std::uint32_t find(bool scalar, PyObject* const* vals) const;
-    // Positions in `members` of a group.
+    // The positions of all members that have a key, group by group, and those of one group.
+    const std::vector<std::uint32_t>& order() const { return order_; }
     const std::uint32_t* begin(std::uint32_t group) const { return order_.data() + starts_[group]; }
     const std::uint32_t* end(std::uint32_t group) const { return order_.data() + starts_[group + 1]; }
     // The tuplelist of a group, made when first asked for; the same object from then on.
     py::object list_of(std::uint32_t group);
     // Whether a list that was given out still holds the group.
     bool is_intact(std::uint32_t group) const;
+
+    // What a tupledict holds under the members, parallel to order(): null for nothing, borrowed from the dict, to be
+    // read while that has this version.
+    struct Values {
+        std::vector<PyObject*> list;
+        std::uint64_t version = 0;
+    } values;
 
     int traverse(visitproc visit, void* arg) const;
 

@@ -51,6 +51,20 @@ void dealloc_container(PyObject* self, PyTypeObject* own, PyTypeObject* base, de
 #endif
 }
 
+// Takes over the state of a pickle or copy: the wildcard, and the instance dictionary or None.
+inline void restore_state(py::handle self, py::handle state, PyObject*& wild) {
+    PyObject* fields = state.ptr();
+    const bool is_pair = PyTuple_Check(fields) && PyTuple_GET_SIZE(fields) == 2;
+    PyObject* attributes = is_pair ? PyTuple_GET_ITEM(fields, 1) : nullptr;
+    if (!is_pair || (attributes != Py_None && !PyDict_Check(attributes)))
+        throw py::type_error("the state must be a tuple of a wildcard and a dict or None");
+    Py_INCREF(PyTuple_GET_ITEM(fields, 0));
+    Py_XSETREF(wild, PyTuple_GET_ITEM(fields, 0));
+    if (attributes == Py_None) return;
+    const py::object own = steal(PyObject_GenericGetDict(self.ptr(), nullptr));
+    checked(PyDict_Update(own.ptr(), attributes));
+}
+
 // Exchanges the contents of two lists without touching an element.
 inline void swap_lists(PyObject* a, PyObject* b) {
     auto* left = reinterpret_cast<PyListObject*>(a);

@@ -134,15 +134,7 @@ py::object TupleDict_getstate(TupleDict& t) {
     return py::make_tuple(get_wild(t), t.attributes ? borrow(t.attributes) : none());
 }
 
-void TupleDict_setstate(TupleDict& t, py::handle state) {
-    PyObject *wild, *attributes;
-    if (!PyTuple_Check(state.ptr()) || !PyArg_ParseTuple(state.ptr(), "OO:__setstate__", &wild, &attributes))
-        throw py::type_error("tupledict: the state must be a wildcard and a dict or None");
-    set_wild(t, wild, nullptr);
-    if (attributes == Py_None) return;
-    const py::object own = steal(PyObject_GenericGetDict(t.self().ptr(), nullptr));
-    checked(PyDict_Update(own.ptr(), attributes));
-}
+void TupleDict_setstate(TupleDict& t, py::handle state) { restore_state(t.self(), state, t.wild); }
 
 // Changes. Each drops the key list; only an assignment gives a position.
 

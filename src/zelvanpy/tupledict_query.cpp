@@ -18,7 +18,7 @@ const Name kIterValues("itervalues");
 const Name kGetItem("__getitem__");
 const Name kContains("__contains__");
 
-constexpr std::ptrdiff_t kAhead = 12;  // members whose values are fetched into the cache before their turn
+constexpr std::size_t kAhead = 12;  // members whose values are fetched into the cache before their turn
 
 // `visit` gets borrowed references to each key and value and holds what it needs before it runs Python code.
 
@@ -39,28 +39,32 @@ void visit_list(TupleDict& t, py::handle list, Visit& visit) {
     }
 }
 
-// Looks up the value of every member at once: in the order of the dict, that needs no hashing.
-void load_values(TupleDict& t, Members& members) {
+// Looks up the values of all members at once: in the order of the dict, that needs no hashing. Each group gets them
+// side by side, as its members may lie far apart.
+void load_values(TupleDict& t, KeyIndex& index) {
     const std::uint64_t version = version_of(t.dict);
-    if (members.version == version) return;
-    std::vector<PyObject*> values;
-    values.reserve(members.list.size());
+    if (index.values.version == version) return;
+    std::vector<PyObject*> by_member, by_group;
+    by_member.reserve(index.members().size());
     DictCursor cursor(t.self());
-    for (const py::object& member : members.list) values.push_back(cursor.find(member.ptr()));
-    members.values = std::move(values);
-    members.version = version;
+    for (const py::object& member : index.members()) by_member.push_back(cursor.find(member.ptr()));
+    by_group.reserve(index.order().size());
+    for (const std::uint32_t position : index.order()) by_group.push_back(by_member[position]);
+    index.values = {std::move(by_group), version};
 }
 
 template <class Visit>
 void visit_group(TupleDict& t, KeyIndex& index, std::uint32_t group, Visit& visit) {
     if (!index.is_intact(group)) return visit_list(t, index.list_of(group), visit);
-    Members& members = index.members();
-    load_values(t, members);
-    const std::uint32_t* const end = index.end(group);
-    for (const std::uint32_t* p = index.begin(group); p != end; ++p) {
-        if (end - p > kAhead) __builtin_prefetch(members.values[p[kAhead]]);
-        PyObject* value = members.version == version_of(t.dict) ? members.values[*p] : nullptr;
-        visit_value(t, members.list[*p].ptr(), value, visit);
+    load_values(t, index);
+    const std::size_t begin = index.begin(group) - index.order().data();
+    const std::size_t end = index.end(group) - index.order().data();
+    for (std::size_t i = begin; i < end; ++i) {
+        if (end - i > kAhead) __builtin_prefetch(index.values.list[i + kAhead], 1);
+        if (index.values.version == version_of(t.dict) && index.values.list[i])
+            visit(index.members()[index.order()[i]].ptr(), index.values.list[i]);
+        else
+            visit_value(t, index.members()[index.order()[i]].ptr(), nullptr, visit);
     }
 }
 
@@ -79,17 +83,59 @@ void visit_iteritems(TupleDict& t, const Args& args, Visit& visit) {
     if (PyErr_Occurred()) throw PythonError{};
 }
 
+// Calls visit(key, value) for each match; visit.expect(n) tells before how many they are, where that is known.
 template <class Visit>
 void visit_matches(TupleDict& t, const Args& args, Visit&& visit) {
     if (!is_plain(t)) return visit_iteritems(t, args, visit);
     const py::object keys = tupledict_keys(t);
     const Selection selection = select(as_tuplelist(keys), args.values, static_cast<std::size_t>(args.count));
+    if constexpr (requires { visit.expect(std::size_t{}); }) visit.expect(selection.size());
     for (const Selection::Part& part : selection.parts)
         if (part.list)
             visit_list(t, part.list, visit);
         else
             visit_group(t, *part.index, part.group, visit);
 }
+
+// A list of mostly known size under construction; the collector doesn't see it before it is complete.
+class NewList {
+public:
+    NewList() { expect(0); }
+    void expect(std::size_t size) {
+        list_ = steal(PyList_New(static_cast<Py_ssize_t>(size)));
+        PyObject_GC_UnTrack(list_.ptr());
+    }
+    void add(py::object element) {
+        if (next_ < PyList_GET_SIZE(list_.ptr()))
+            PyList_SET_ITEM(list_.ptr(), next_, element.release().ptr());
+        else
+            checked(PyList_Append(list_.ptr(), element.ptr()));
+        ++next_;
+    }
+    py::object result() && {
+        checked(PyList_SetSlice(list_.ptr(), next_, PyList_GET_SIZE(list_.ptr()), nullptr));
+        PyObject_GC_Track(list_.ptr());
+        return std::move(list_);
+    }
+
+private:
+    py::object list_;
+    Py_ssize_t next_ = 0;
+};
+
+struct ValueList : NewList {
+    void operator()(PyObject*, PyObject* value) { add(borrow(value)); }
+};
+
+struct PairList : NewList {
+    void operator()(PyObject* key, PyObject* value) {
+        py::object held_key = borrow(key), held_value = borrow(value);
+        py::object pair = steal(PyTuple_New(2));
+        PyTuple_SET_ITEM(pair.ptr(), 0, held_key.release().ptr());
+        PyTuple_SET_ITEM(pair.ptr(), 1, held_value.release().ptr());
+        add(std::move(pair));
+    }
+};
 
 // `key in dict` and `dict[key]` in one, for any dict.
 class Lookup {
@@ -118,8 +164,10 @@ private:
 // A running sum by the rules of quicksum: variables and floats directly, everything else by `+=`.
 class Sum {
 public:
-    void add(PyObject* term) {
-        if (native_ && Py_TYPE(term) == Var_Type) return linexpr_append(native_, 1.0, as_handle(term));
+    void expect(std::size_t terms) { expected_ = terms; }
+
+    void operator()(PyObject*, PyObject* term) {
+        if (native_ && Py_TYPE(term) == Var_Type) return append(1.0, term);
         if (native_ && PyFloat_CheckExact(term) && add_constant(PyFloat_AS_DOUBLE(term))) return;
         add_any(borrow(term));
     }
@@ -128,7 +176,7 @@ public:
     void add_product(PyObject* coeff, PyObject* value) {
         double c;
         if (native_ && read_coeff(coeff, c)) {
-            if (Py_TYPE(value) == Var_Type) return linexpr_append(native_, c, as_handle(value));
+            if (Py_TYPE(value) == Var_Type) return append(c, value);
             if (PyFloat_CheckExact(value) && add_constant(c * PyFloat_AS_DOUBLE(value))) return;
         }
         add_any(steal(PyNumber_Multiply(coeff, value)));
@@ -137,6 +185,10 @@ public:
     py::object result() && { return std::move(result_); }
 
 private:
+    void append(double coeff, PyObject* var) {
+        if (native_->size == 0) linexpr_reserve(native_, expected_);
+        linexpr_append(native_, coeff, as_handle(var));
+    }
     static bool read_coeff(PyObject* coeff, double& c) {
         if (!PyFloat_CheckExact(coeff) && !PyLong_CheckExact(coeff)) return false;
         c = PyFloat_AsDouble(coeff);
@@ -156,6 +208,7 @@ private:
 
     LinExpr* native_ = new_linexpr();  // the result while it is a LinExpr
     py::object result_ = steal(reinterpret_cast<PyObject*>(native_));
+    std::size_t expected_ = 0;
 };
 
 // Calls `visit` for each item of a dict as `for key, value in d.items()` does.
@@ -228,19 +281,16 @@ py::object tupledict_values(TupleDict& t) {
 }
 
 py::object tupledict_items(TupleDict& t) {
-    py::object pairs = steal(PyList_New(0));
-    visit_matches(t, Args{nullptr, 0, nullptr}, [&](PyObject* key, PyObject* value) {
-        const py::object pair = steal(PyTuple_Pack(2, key, value));
-        checked(PyList_Append(pairs.ptr(), pair.ptr()));
-    });
-    return pairs;
+    PairList pairs;
+    visit_matches(t, Args{nullptr, 0, nullptr}, pairs);
+    return std::move(pairs).result();
 }
 
 py::object tupledict_select(TupleDict& t, Args args) {
     refuse_keywords("select", args);
-    py::object values = steal(PyList_New(0));
-    visit_matches(t, args, [&](PyObject*, PyObject* value) { checked(PyList_Append(values.ptr(), value)); });
-    return values;
+    ValueList values;
+    visit_matches(t, args, values);
+    return std::move(values).result();
 }
 
 py::object tupledict_subset(TupleDict& t, Args args) {
@@ -261,7 +311,7 @@ py::object tupledict_subset(TupleDict& t, Args args) {
 py::object tupledict_sum(TupleDict& t, Args args) {
     refuse_keywords("sum", args);
     Sum sum;
-    visit_matches(t, args, [&](PyObject*, PyObject* value) { sum.add(value); });
+    visit_matches(t, args, sum);
     return std::move(sum).result();
 }
 

@@ -82,7 +82,7 @@ int TupleList_traverse(PyObject* object, visitproc visit, void* arg) {
     Py_VISIT(self->dict);
     if (const Derived* derived = self->derived) {
         for (const auto& members : derived->members)
-            for (const py::object& member : members->list) Py_VISIT(member.ptr());
+            for (const py::object& member : *members) Py_VISIT(member.ptr());
         for (const auto& index : derived->indices)
             if (const int stop = index->traverse(visit, arg)) return stop;
         Py_VISIT(derived->contents.ptr());
@@ -107,15 +107,7 @@ py::object TupleList_getstate(TupleList& self) {
 // Copying sets the state before the members come, unpickling after; members that came by list's own constructor
 // have told no kind yet.
 void TupleList_setstate(TupleList& self, py::handle state) {
-    PyObject *wild, *dict;
-    if (!PyTuple_Check(state.ptr()) || !PyArg_ParseTuple(state.ptr(), "OO:__setstate__", &wild, &dict))
-        throw py::type_error("tuplelist: the state must be a wildcard and a dict or None");
-    Py_INCREF(wild);
-    Py_XSETREF(self.wild, wild);
-    if (dict != Py_None) {
-        const py::object own = steal(PyObject_GenericGetDict(self.self().ptr(), nullptr));
-        checked(PyDict_Update(own.ptr(), dict));
-    }
+    restore_state(self.self(), state, self.wild);
     if (self.kind == TupleList::kUnknown) check_members(self, self.list.ob_item, std::min<Py_ssize_t>(self.size(), 1));
 }
 

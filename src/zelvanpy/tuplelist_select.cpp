@@ -87,13 +87,12 @@ std::shared_ptr<Members> members_of(TupleList& list) {
     if (list.derived && !list.derived->members.empty()) {
         const std::shared_ptr<Members>& latest = list.derived->members.back();
         const auto is_same = [](const py::object& member, PyObject* now) { return member.ptr() == now; };
-        if (latest->list.size() == size &&
-            std::equal(latest->list.begin(), latest->list.end(), list.list.ob_item, is_same))
+        if (latest->size() == size && std::equal(latest->begin(), latest->end(), list.list.ob_item, is_same))
             return latest;
     }
     auto members = std::make_shared<Members>();
-    members->list.reserve(size);
-    for (std::size_t i = 0; i < size; ++i) members->list.push_back(borrow(list.list.ob_item[i]));
+    members->reserve(size);
+    for (std::size_t i = 0; i < size; ++i) members->push_back(borrow(list.list.ob_item[i]));
     return members;
 }
 
