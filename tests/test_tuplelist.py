@@ -219,7 +219,7 @@ class Lists(RuleBasedStateMachine):
 
 
 TestLists = Lists.TestCase
-TestLists.settings = settings(max_examples=150, stateful_step_count=40, deadline=None)
+TestLists.settings = settings(max_examples=100, stateful_step_count=30, deadline=None)
 
 
 def test_results_of_select_are_shared_and_plain():
