@@ -3,7 +3,7 @@
 import io
 import types
 from collections.abc import Callable, Iterable, Iterator, Mapping, Sequence
-from typing import Any, ClassVar, Literal, NoReturn, SupportsFloat, SupportsIndex, SupportsInt, TypeVar
+from typing import Any, ClassVar, Literal, NoReturn, SupportsFloat, SupportsIndex, SupportsInt, TypeAlias, TypeVar
 
 _T = TypeVar("_T")
 _K = TypeVar("_K")
@@ -856,7 +856,7 @@ class ZVN:
     INFINITY: ClassVar[float]
     UNDEFINED: ClassVar[float]
 
-_Linear = SupportsFloat | Var | LinExpr
+_Linear: TypeAlias = "SupportsFloat | Var | LinExpr"
 _AttrValue = SupportsFloat | str
 _ModelT = TypeVar("_ModelT", bound="Model")
 

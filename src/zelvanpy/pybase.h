@@ -200,15 +200,14 @@ void* slot() {
 // The C function for a method table: method<LinExpr_add>. Takes (Self&), (Self&, py::handle) or
 // (Self&, Args); use with METH_NOARGS, METH_O, or kKeywords. void gives None.
 template <auto F>
-inline PyCFunction method = reinterpret_cast<PyCFunction>(
-    reinterpret_cast<void (*)()>(&trap_detail::MethodTrap<F>::call));
+inline PyCFunction method =
+    reinterpret_cast<PyCFunction>(reinterpret_cast<void (*)()>(&trap_detail::MethodTrap<F>::call));
 
 inline constexpr int kKeywords = METH_FASTCALL | METH_KEYWORDS;
 
 // A property of a getset table.
 template <auto F>
-inline constexpr getter getter_of = [](PyObject* self, void*) noexcept -> PyObject* {
-    return trap_detail::Trap<F>::call(self);
-};
+inline constexpr getter getter_of =
+    [](PyObject* self, void*) noexcept -> PyObject* { return trap_detail::Trap<F>::call(self); };
 
 }  // namespace zelvanpy

@@ -118,7 +118,7 @@ typedef struct ZVNmodel ZVNmodel; /* a model, with an environment of its own */
 /* ---- Environments, messages, version ------------------------------------------------------- */
 
 /* Receives the text of one log message; returns 0. It may be called on any thread during a solve. */
-typedef int (*ZVNlogcallback)(const char *message, void *userdata);
+typedef int (*ZVNlogcallback)(const char* message, void* userdata);
 
 /* Create an environment that is not started: parameters can be set, models can't be made yet.
  *   env        receives the handle, NULL on failure
@@ -127,147 +127,147 @@ typedef int (*ZVNlogcallback)(const char *message, void *userdata);
  *   server, router, password, group, priority, timeout, callback   for remote services, which this
  *              library doesn't have: NULL or 0, anything else is ZVN_ERROR_NOT_SUPPORTED.
  * Another major version is ZVN_ERROR_INVALID_ARGUMENT. */
-ZVN_API int ZVNemptyenvadvinternal(ZVNenv **env, int apitype, int major, int minor, int technical,
-                                   const char *server, const char *router, const char *password,
-                                   const char *group, int priority, int timeout, void *callback);
+ZVN_API int ZVNemptyenvadvinternal(ZVNenv** env, int apitype, int major, int minor, int technical, const char* server,
+                                   const char* router, const char* password, const char* group, int priority,
+                                   int timeout, void* callback);
 /* Start an environment: opens its log file. Starting twice is no error. */
-ZVN_API int ZVNstartenv(ZVNenv *env);
+ZVN_API int ZVNstartenv(ZVNenv* env);
 /* Free an environment. Models made on it stay usable: each has a copy. The handle that ZVNgetenv
  * returns is not freed by the caller. */
-ZVN_API void ZVNfreeenv(ZVNenv *env);
+ZVN_API void ZVNfreeenv(ZVNenv* env);
 /* Text of the latest error of an environment, or of a model; for an invalid handle the text of the
  * latest refusal of an invalid handle on this thread. Never NULL. */
-ZVN_API const char *ZVNgeterrormsg(ZVNenv *env);
-ZVN_API const char *ZVNgetmerrormsg(ZVNmodel *model);
+ZVN_API const char* ZVNgeterrormsg(ZVNenv* env);
+ZVN_API const char* ZVNgetmerrormsg(ZVNmodel* model);
 /* Write a text to the log of an environment, as it stands. */
-ZVN_API void ZVNmsg(ZVNenv *env, const char *message);
+ZVN_API void ZVNmsg(ZVNenv* env, const char* message);
 /* Set (or clear, with NULL) the function that receives log messages. Without one they go to the
  * standard output. Both ways ask OutputFlag and LogToConsole; LogFile receives them besides. */
-ZVN_API int ZVNsetlogcallbackfuncenv(ZVNenv *env, ZVNlogcallback callback, void *userdata);
-ZVN_API int ZVNsetlogcallbackfunc(ZVNmodel *model, ZVNlogcallback callback, void *userdata);
+ZVN_API int ZVNsetlogcallbackfuncenv(ZVNenv* env, ZVNlogcallback callback, void* userdata);
+ZVN_API int ZVNsetlogcallbackfunc(ZVNmodel* model, ZVNlogcallback callback, void* userdata);
 /* Communication statistics of remote services: all zero, as there are none. */
-ZVN_API int ZVNgetcommstats(ZVNenv *env, double *recvtime, double *recvbytes, double *recvmsgs,
-                            double *sendtime, double *sendbytes, double *sendmsgs);
-ZVN_API void ZVNversion(int *major, int *minor, int *technical);
+ZVN_API int ZVNgetcommstats(ZVNenv* env, double* recvtime, double* recvbytes, double* recvmsgs, double* sendtime,
+                            double* sendbytes, double* sendmsgs);
+ZVN_API void ZVNversion(int* major, int* minor, int* technical);
 /* Name of the platform that the library was built for, such as "linux64". */
-ZVN_API const char *ZVNplatform(void);
+ZVN_API const char* ZVNplatform(void);
 /* Whether the process runs in a container: 0 or 1. */
 ZVN_API int ZVNisContainer(void);
 /* Release a string that a function handed to the caller for keeping. */
-ZVN_API void ZVNfree(void *text);
+ZVN_API void ZVNfree(void* text);
 
 /* ---- Parameters ------------------------------------------------------------------------------- */
 
 /* Names are accepted in any letter case. Types: 1 int, 2 double, 3 string. Flags: bit 16 silent (not
  * listed among changes), bit 32 opaque (its value is not shown). */
-ZVN_API int ZVNgetnumparams(ZVNenv *env);
-ZVN_API int ZVNgetparamname(ZVNenv *env, int i, char **name);
+ZVN_API int ZVNgetnumparams(ZVNenv* env);
+ZVN_API int ZVNgetparamname(ZVNenv* env, int i, char** name);
 /* The type, negative for an unknown name. */
-ZVN_API int ZVNgetparamtype(ZVNenv *env, const char *name);
-ZVN_API int ZVNgetparamflags(ZVNenv *env, const char *name, unsigned int *flags);
+ZVN_API int ZVNgetparamtype(ZVNenv* env, const char* name);
+ZVN_API int ZVNgetparamflags(ZVNenv* env, const char* name, unsigned int* flags);
 /* One sentence that says what the parameter is for, and one that says what it drives here (the
  * second is "" when nothing under the library can honour the parameter). */
-ZVN_API int ZVNgetparamhelp(ZVNenv *env, const char *name, const char **purpose, const char **effect);
+ZVN_API int ZVNgetparamhelp(ZVNenv* env, const char* name, const char** purpose, const char** effect);
 /* Current value, minimum, maximum, default; any pointer may be NULL. */
-ZVN_API int ZVNgetintparaminfo(ZVNenv *env, const char *name, int *value, int *minimum, int *maximum, int *deflt);
-ZVN_API int ZVNgetdblparaminfo(ZVNenv *env, const char *name, double *value, double *minimum, double *maximum,
-                               double *deflt);
+ZVN_API int ZVNgetintparaminfo(ZVNenv* env, const char* name, int* value, int* minimum, int* maximum, int* deflt);
+ZVN_API int ZVNgetdblparaminfo(ZVNenv* env, const char* name, double* value, double* minimum, double* maximum,
+                               double* deflt);
 /* Buffers of ZVN_MAX_STRLEN bytes; longer values are cut. */
-ZVN_API int ZVNgetstrparaminfo(ZVNenv *env, const char *name, char *value, char *deflt);
+ZVN_API int ZVNgetstrparaminfo(ZVNenv* env, const char* name, char* value, char* deflt);
 /* Copy at most `size` bytes, NUL included; *length receives the length of the whole value. */
-ZVN_API int ZVNgetlongstrparam(ZVNenv *env, const char *name, char *value, int size, int *length);
-ZVN_API int ZVNsetintparam(ZVNenv *env, const char *name, int value);
-ZVN_API int ZVNsetdblparam(ZVNenv *env, const char *name, double value);
-ZVN_API int ZVNsetstrparam(ZVNenv *env, const char *name, const char *value);
+ZVN_API int ZVNgetlongstrparam(ZVNenv* env, const char* name, char* value, int size, int* length);
+ZVN_API int ZVNsetintparam(ZVNenv* env, const char* name, int value);
+ZVN_API int ZVNsetdblparam(ZVNenv* env, const char* name, double value);
+ZVN_API int ZVNsetstrparam(ZVNenv* env, const char* name, const char* value);
 /* Keep the current value of a parameter out of tuning. There is no tuning yet: the name is checked. */
-ZVN_API int ZVNfixtuneparam(ZVNenv *env, const char *name);
-ZVN_API int ZVNresetparams(ZVNenv *env);
+ZVN_API int ZVNfixtuneparam(ZVNenv* env, const char* name);
+ZVN_API int ZVNresetparams(ZVNenv* env);
 /* Read or write a .prm file: lines of name and value, comments from '#'. A file with a fault sets
  * nothing. Only values that differ from their default are written, passwords and keys not at all. */
-ZVN_API int ZVNreadparams(ZVNenv *env, const char *filename);
-ZVN_API int ZVNwriteparams(ZVNenv *env, const char *filename);
+ZVN_API int ZVNreadparams(ZVNenv* env, const char* filename);
+ZVN_API int ZVNwriteparams(ZVNenv* env, const char* filename);
 
 /* ---- Models: life, files ------------------------------------------------------------------------ */
 
 /* Create a model with numvars queued variables; arrays as in ZVNaddvars. */
-ZVN_API int ZVNnewmodel(ZVNenv *env, ZVNmodel **model, const char *name, int numvars, const double *obj,
-                        const double *lb, const double *ub, const char *vtype, char *const *varnames);
+ZVN_API int ZVNnewmodel(ZVNenv* env, ZVNmodel** model, const char* name, int numvars, const double* obj,
+                        const double* lb, const double* ub, const char* vtype, char* const* varnames);
 /* Free a model. A running solve of it must have ended. */
-ZVN_API void ZVNfreemodel(ZVNmodel *model);
+ZVN_API void ZVNfreemodel(ZVNmodel* model);
 /* A copy of the model as of its last update, parameters included; NULL on failure. */
-ZVN_API ZVNmodel *ZVNcopymodel(ZVNmodel *model);
+ZVN_API ZVNmodel* ZVNcopymodel(ZVNmodel* model);
 /* The model's own environment; NULL for an invalid handle. */
-ZVN_API ZVNenv *ZVNgetenv(ZVNmodel *model);
+ZVN_API ZVNenv* ZVNgetenv(ZVNmodel* model);
 /* Apply the queued changes: attribute writes in their order, then additions, then deletions. All
  * indices passed since the last update mean the numbering of that update, with queued additions
  * numbered behind it. */
-ZVN_API int ZVNupdatemodel(ZVNmodel *model);
+ZVN_API int ZVNupdatemodel(ZVNmodel* model);
 /* Discard the solution; with clearall also starts, hints and other information for the solver. */
-ZVN_API int ZVNreset(ZVNmodel *model, int clearall);
+ZVN_API int ZVNreset(ZVNmodel* model, int clearall);
 /* Read a model from a file: .mps, .lp, each also with .gz behind. */
-ZVN_API int ZVNreadmodel(ZVNenv *env, const char *filename, ZVNmodel **model);
+ZVN_API int ZVNreadmodel(ZVNenv* env, const char* filename, ZVNmodel** model);
 /* Read data into a model: .prm, .mst, .sol, .bas, ... by the name's ending. */
-ZVN_API int ZVNread(ZVNmodel *model, const char *filename);
+ZVN_API int ZVNread(ZVNmodel* model, const char* filename);
 /* Write the model or data of it, by the name's ending. An existing file stays as it was on failure. */
-ZVN_API int ZVNwrite(ZVNmodel *model, const char *filename);
+ZVN_API int ZVNwrite(ZVNmodel* model, const char* filename);
 /* Whether the name's ending is that of a model file, or of a file of attribute values. */
-ZVN_API int ZVNismodelfile(const char *filename);
-ZVN_API int ZVNisattrfile(const char *filename);
+ZVN_API int ZVNismodelfile(const char* filename);
+ZVN_API int ZVNisattrfile(const char* filename);
 /* The solution as JSON text, released with ZVNfree. */
-ZVN_API int ZVNgetjsonsolution(ZVNmodel *model, char **text);
+ZVN_API int ZVNgetjsonsolution(ZVNmodel* model, char** text);
 
 /* ---- Building ----------------------------------------------------------------------------------- */
 
 /* Queue one variable with numnz entries in existing or queued rows. name NULL or "": a default name. */
-ZVN_API int ZVNaddvar(ZVNmodel *model, int numnz, const int *ind, const double *val, double obj, double lb, double ub,
-                      char vtype, const char *name);
+ZVN_API int ZVNaddvar(ZVNmodel* model, int numnz, const int* ind, const double* val, double obj, double lb, double ub,
+                      char vtype, const char* name);
 /* Queue numvars variables. beg, ind, val hold numnz column entries (beg[j] is the start of column j);
  * NULL with numnz 0. Each other array may be NULL: obj 0, lb 0, ub infinite, vtype 'C', no names. */
-ZVN_API int ZVNaddvars(ZVNmodel *model, int numvars, int numnz, const int *beg, const int *ind, const double *val,
-                       const double *obj, const double *lb, const double *ub, const char *vtype, char *const *names);
+ZVN_API int ZVNaddvars(ZVNmodel* model, int numvars, int numnz, const int* beg, const int* ind, const double* val,
+                       const double* obj, const double* lb, const double* ub, const char* vtype, char* const* names);
 /* Queue the row  sum val[k] x[ind[k]]  sense  rhs. Indices must be distinct (see ZVNclean2). */
-ZVN_API int ZVNaddconstr(ZVNmodel *model, int numnz, const int *ind, const double *val, char sense, double rhs,
-                         const char *name);
+ZVN_API int ZVNaddconstr(ZVNmodel* model, int numnz, const int* ind, const double* val, char sense, double rhs,
+                         const char* name);
 /* Queue numconstrs rows; rbeg[i] is the start of row i in ind and val. names may be NULL. */
-ZVN_API int ZVNaddconstrs(ZVNmodel *model, int numconstrs, int numnz, const int *rbeg, const int *ind,
-                          const double *val, const char *sense, const double *rhs, char *const *names);
+ZVN_API int ZVNaddconstrs(ZVNmodel* model, int numconstrs, int numnz, const int* rbeg, const int* ind,
+                          const double* val, const char* sense, const double* rhs, char* const* names);
 /* Queue the row  lower <= sum val[k] x[ind[k]] <= upper; sides beyond +-1e25 count as infinite.
  * Under UpdateMode 1, a row with both sides finite (or both infinite) becomes
  * sum + s = upper with a helper variable 0 <= s <= upper - lower, which the update appends behind all
  * other new variables. Under UpdateMode 0 it stays one two-sided row, whose Sense reads as 'R', RHS as
  * its upper side. A row with one finite side becomes a one-sided row. lower > upper is refused. */
-ZVN_API int ZVNaddrangeconstr(ZVNmodel *model, int numnz, const int *ind, const double *val, double lower,
-                              double upper, const char *name);
+ZVN_API int ZVNaddrangeconstr(ZVNmodel* model, int numnz, const int* ind, const double* val, double lower, double upper,
+                              const char* name);
 /* Merge duplicate indices (at the place of the first) and drop entries of value 0, in place. */
-ZVN_API int ZVNclean2(int *numnz, int *ind, double *val);
+ZVN_API int ZVNclean2(int* numnz, int* ind, double* val);
 /* The same for quadratic terms, (i, j) and (j, i) being one. */
-ZVN_API int ZVNclean3(int *numqnz, int *qrow, int *qcol, double *qval);
+ZVN_API int ZVNclean3(int* numqnz, int* qrow, int* qcol, double* qval);
 /* Queue deletions, by the numbering of the last update. */
-ZVN_API int ZVNdelvars(ZVNmodel *model, int num, const int *ind);
-ZVN_API int ZVNdelconstrs(ZVNmodel *model, int num, const int *ind);
+ZVN_API int ZVNdelvars(ZVNmodel* model, int num, const int* ind);
+ZVN_API int ZVNdelconstrs(ZVNmodel* model, int num, const int* ind);
 /* These kinds can't be added yet, so every index is out of range. */
-ZVN_API int ZVNdelsos(ZVNmodel *model, int num, const int *ind);
-ZVN_API int ZVNdelqconstrs(ZVNmodel *model, int num, const int *ind);
-ZVN_API int ZVNdelgenconstrs(ZVNmodel *model, int num, const int *ind);
+ZVN_API int ZVNdelsos(ZVNmodel* model, int num, const int* ind);
+ZVN_API int ZVNdelqconstrs(ZVNmodel* model, int num, const int* ind);
+ZVN_API int ZVNdelgenconstrs(ZVNmodel* model, int num, const int* ind);
 /* Index of the variable or constraint of that name as of the last update, -1 when there is none. */
-ZVN_API int ZVNgetvarbyname(ZVNmodel *model, const char *name, int *index);
-ZVN_API int ZVNgetconstrbyname(ZVNmodel *model, const char *name, int *index);
+ZVN_API int ZVNgetvarbyname(ZVNmodel* model, const char* name, int* index);
+ZVN_API int ZVNgetconstrbyname(ZVNmodel* model, const char* name, int* index);
 /* Rows start .. start+num-1. With ind or val NULL only *numnz and beg (if not NULL) are set. */
-ZVN_API int ZVNgetconstrs(ZVNmodel *model, int *numnz, int *beg, int *ind, double *val, int start, int num);
+ZVN_API int ZVNgetconstrs(ZVNmodel* model, int* numnz, int* beg, int* ind, double* val, int start, int num);
 /* Replace the objective: sense 1 or -1, 0 leaves ModelSense; duplicates are added up. Quadratic
  * terms are ZVN_ERROR_NOT_SUPPORTED. */
-ZVN_API int ZVNsetobjective(ZVNmodel *model, int sense, double constant, int lnz, const int *lind, const double *lval,
-                            int qnz, const int *qrow, const int *qcol, const double *qval);
+ZVN_API int ZVNsetobjective(ZVNmodel* model, int sense, double constant, int lnz, const int* lind, const double* lval,
+                            int qnz, const int* qrow, const int* qcol, const double* qval);
 /* Set objective number `index` of a model with several objectives; see the ObjN... attributes. */
-ZVN_API int ZVNsetobjectiven(ZVNmodel *model, int index, int priority, double weight, double abstol, double reltol,
-                             const char *name, double constant, int lnz, const int *lind, const double *lval);
+ZVN_API int ZVNsetobjectiven(ZVNmodel* model, int index, int priority, double weight, double abstol, double reltol,
+                             const char* name, double constant, int lnz, const int* lind, const double* lval);
 /* Quadratic objective terms: *qnz is 0, there are none. */
-ZVN_API int ZVNgetq(ZVNmodel *model, int *qnz, int *qrow, int *qcol, double *qval);
+ZVN_API int ZVNgetq(ZVNmodel* model, int* qnz, int* qrow, int* qcol, double* qval);
 /* Piecewise-linear objective term of a variable: `count` points with x not decreasing; at most two
  * points share an x (a jump). count 0 removes the term. Setting Obj on the variable removes it too. */
-ZVN_API int ZVNsetpwlobj(ZVNmodel *model, int var, int count, const double *x, const double *y);
+ZVN_API int ZVNsetpwlobj(ZVNmodel* model, int var, int count, const double* x, const double* y);
 /* *npoints receives the number of points; x and y are filled unless NULL. */
-ZVN_API int ZVNgetpwlobj(ZVNmodel *model, int var, int *npoints, double *x, double *y);
+ZVN_API int ZVNgetpwlobj(ZVNmodel* model, int var, int* npoints, double* x, double* y);
 
 /* ---- Attributes ----------------------------------------------------------------------------------- */
 
@@ -279,47 +279,47 @@ ZVN_API int ZVNgetpwlobj(ZVNmodel *model, int var, int *npoints, double *x, doub
  * i, or constraint i - NumVars from NumVars on. Scaled measures belong to the model whose constraints are
  * divided by their largest coefficient, and whose variables then take units that make theirs 1.
  * Ranges such as MinCoeff leave out zeros and infinities, and are 0 where nothing is left. */
-ZVN_API int ZVNgetnumattributes(ZVNmodel *model);
-ZVN_API int ZVNgetattrname(ZVNmodel *model, int i, char **name);
-ZVN_API int ZVNgetattrinfo(ZVNmodel *model, const char *name, int *type, int *kind, int *settable);
+ZVN_API int ZVNgetnumattributes(ZVNmodel* model);
+ZVN_API int ZVNgetattrname(ZVNmodel* model, int i, char** name);
+ZVN_API int ZVNgetattrinfo(ZVNmodel* model, const char* name, int* type, int* kind, int* settable);
 /* Whether the attribute can be read now: 0 or 1. */
-ZVN_API int ZVNisattravailable(ZVNmodel *model, const char *name);
-ZVN_API int ZVNprefetchattr(ZVNmodel *model, const char *name);
+ZVN_API int ZVNisattravailable(ZVNmodel* model, const char* name);
+ZVN_API int ZVNprefetchattr(ZVNmodel* model, const char* name);
 
-ZVN_API int ZVNgetintattr(ZVNmodel *model, const char *name, int *value);
-ZVN_API int ZVNgetdblattr(ZVNmodel *model, const char *name, double *value);
-ZVN_API int ZVNgetstrattr(ZVNmodel *model, const char *name, char **value);
-ZVN_API int ZVNsetintattr(ZVNmodel *model, const char *name, int value);
-ZVN_API int ZVNsetdblattr(ZVNmodel *model, const char *name, double value);
-ZVN_API int ZVNsetstrattr(ZVNmodel *model, const char *name, const char *value);
+ZVN_API int ZVNgetintattr(ZVNmodel* model, const char* name, int* value);
+ZVN_API int ZVNgetdblattr(ZVNmodel* model, const char* name, double* value);
+ZVN_API int ZVNgetstrattr(ZVNmodel* model, const char* name, char** value);
+ZVN_API int ZVNsetintattr(ZVNmodel* model, const char* name, int value);
+ZVN_API int ZVNsetdblattr(ZVNmodel* model, const char* name, double value);
+ZVN_API int ZVNsetstrattr(ZVNmodel* model, const char* name, const char* value);
 
-ZVN_API int ZVNgetcharattrelement(ZVNmodel *model, const char *name, int i, char *value);
-ZVN_API int ZVNgetintattrelement(ZVNmodel *model, const char *name, int i, int *value);
-ZVN_API int ZVNgetdblattrelement(ZVNmodel *model, const char *name, int i, double *value);
-ZVN_API int ZVNgetstrattrelement(ZVNmodel *model, const char *name, int i, char **value);
-ZVN_API int ZVNsetcharattrelement(ZVNmodel *model, const char *name, int i, char value);
-ZVN_API int ZVNsetintattrelement(ZVNmodel *model, const char *name, int i, int value);
-ZVN_API int ZVNsetdblattrelement(ZVNmodel *model, const char *name, int i, double value);
-ZVN_API int ZVNsetstrattrelement(ZVNmodel *model, const char *name, int i, const char *value);
+ZVN_API int ZVNgetcharattrelement(ZVNmodel* model, const char* name, int i, char* value);
+ZVN_API int ZVNgetintattrelement(ZVNmodel* model, const char* name, int i, int* value);
+ZVN_API int ZVNgetdblattrelement(ZVNmodel* model, const char* name, int i, double* value);
+ZVN_API int ZVNgetstrattrelement(ZVNmodel* model, const char* name, int i, char** value);
+ZVN_API int ZVNsetcharattrelement(ZVNmodel* model, const char* name, int i, char value);
+ZVN_API int ZVNsetintattrelement(ZVNmodel* model, const char* name, int i, int value);
+ZVN_API int ZVNsetdblattrelement(ZVNmodel* model, const char* name, int i, double value);
+ZVN_API int ZVNsetstrattrelement(ZVNmodel* model, const char* name, int i, const char* value);
 
 /* n values, of the objects ind[0] .. ind[n-1]. */
-ZVN_API int ZVNgetcharattrlist(ZVNmodel *model, const char *name, int n, const int *ind, char *values);
-ZVN_API int ZVNgetintattrlist(ZVNmodel *model, const char *name, int n, const int *ind, int *values);
-ZVN_API int ZVNgetdblattrlist(ZVNmodel *model, const char *name, int n, const int *ind, double *values);
-ZVN_API int ZVNgetstrattrlist(ZVNmodel *model, const char *name, int n, const int *ind, char **values);
-ZVN_API int ZVNsetcharattrlist(ZVNmodel *model, const char *name, int n, const int *ind, const char *values);
-ZVN_API int ZVNsetintattrlist(ZVNmodel *model, const char *name, int n, const int *ind, const int *values);
-ZVN_API int ZVNsetdblattrlist(ZVNmodel *model, const char *name, int n, const int *ind, const double *values);
-ZVN_API int ZVNsetstrattrlist(ZVNmodel *model, const char *name, int n, const int *ind, char *const *values);
+ZVN_API int ZVNgetcharattrlist(ZVNmodel* model, const char* name, int n, const int* ind, char* values);
+ZVN_API int ZVNgetintattrlist(ZVNmodel* model, const char* name, int n, const int* ind, int* values);
+ZVN_API int ZVNgetdblattrlist(ZVNmodel* model, const char* name, int n, const int* ind, double* values);
+ZVN_API int ZVNgetstrattrlist(ZVNmodel* model, const char* name, int n, const int* ind, char** values);
+ZVN_API int ZVNsetcharattrlist(ZVNmodel* model, const char* name, int n, const int* ind, const char* values);
+ZVN_API int ZVNsetintattrlist(ZVNmodel* model, const char* name, int n, const int* ind, const int* values);
+ZVN_API int ZVNsetdblattrlist(ZVNmodel* model, const char* name, int n, const int* ind, const double* values);
+ZVN_API int ZVNsetstrattrlist(ZVNmodel* model, const char* name, int n, const int* ind, char* const* values);
 
 /* ---- Solving ------------------------------------------------------------------------------------------ */
 
 /* Update, then solve. The outcome is in the attribute Status; the code tells only of failures. */
-ZVN_API int ZVNoptimize(ZVNmodel *model);
+ZVN_API int ZVNoptimize(ZVNmodel* model);
 /* Ask a running solve to stop soon. May be called from any thread and from a callback. */
-ZVN_API void ZVNterminate(ZVNmodel *model);
+ZVN_API void ZVNterminate(ZVNmodel* model);
 /* Let Ctrl-C (SIGINT) stop the next solve of the model as ZVNterminate does. */
-ZVN_API void ZVNsetsignal(ZVNmodel *model);
+ZVN_API void ZVNsetsignal(ZVNmodel* model);
 
 #ifdef __cplusplus
 }
