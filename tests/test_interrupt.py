@@ -1,0 +1,102 @@
+"""Stopping a solve from outside: terminate, Ctrl-C, calls while it runs."""
+
+import os
+import signal
+import subprocess
+import sys
+import threading
+import time
+
+import pytest
+
+import zelvanpy
+from solvable import knapsacks
+from zelvanpy import ZVN, ZelvanError
+
+# Solves until Ctrl-C, then shows that Python's own handler is back and nothing is left to happen.
+CHILD = """
+import os, signal, sys, threading, time
+sys.path[:0] = {path!r}
+import zelvanpy
+from solvable import knapsacks
+{before}
+env = zelvanpy.Env(empty=True)
+env.setParam("OutputFlag", 0)
+env.start()
+m = knapsacks(env)
+m.Params.TimeLimit = 60
+handler = signal.getsignal(signal.SIGINT)
+threading.Timer(0.7, os.kill, (os.getpid(), signal.SIGINT)).start()
+start = time.time()
+m.optimize()
+print(m.Status, m.SolCount > 0, time.time() - start < 30, signal.getsignal(signal.SIGINT) is handler, flush=True)
+try:
+    time.sleep(0.3)
+    print("quiet", flush=True)
+    os.kill(os.getpid(), signal.SIGINT)
+    time.sleep(5)
+    print("nothing")
+except KeyboardInterrupt:
+    print("KeyboardInterrupt")
+"""
+
+
+def run_child(before=""):
+    program = CHILD.format(path=sys.path, before=before)
+    return subprocess.run([sys.executable, "-c", program], stdout=subprocess.PIPE, timeout=120).stdout.decode().split("\n")
+
+
+def test_interrupt_key_stops_the_solve_alone():
+    assert run_child()[:3] == ["11 True True True", "quiet", "KeyboardInterrupt"]
+
+
+def test_ignored_interrupt_stays_ignored():
+    lines = run_child("signal.signal(signal.SIGINT, signal.SIG_IGN); threading.Timer(2, lambda: m.terminate()).start()")
+    assert lines[:3] == ["11 True True True", "quiet", "nothing"]
+
+
+def test_terminate_from_another_thread(env_silent):
+    m = knapsacks(env_silent)
+    m.Params.TimeLimit = 60
+    m.terminate()  # nothing runs: without effect
+    timer = threading.Timer(0.7, m.terminate)
+    timer.start()
+    m.optimize()
+    timer.join()
+    assert m.Status == ZVN.INTERRUPTED and m.SolCount > 0 and m.Runtime < 30
+    m.Params.NodeLimit = 1
+    m.optimize()
+    assert m.Status == ZVN.NODE_LIMIT
+
+
+def test_several_solves_stop_at_one_interrupt(env_silent):
+    models = [knapsacks(env_silent, seed=seed) for seed in range(2)]
+    for m in models:
+        m.Params.TimeLimit = 60
+    threads = [threading.Thread(target=m.optimize) for m in models]
+    handler = signal.getsignal(signal.SIGINT)
+    for thread in threads:
+        thread.start()
+    while not all(m.Status == ZVN.INPROGRESS for m in models):
+        time.sleep(0.05)
+    time.sleep(0.5)
+    os.kill(os.getpid(), signal.SIGINT)
+    for thread in threads:
+        thread.join()
+    assert [m.Status for m in models] == [ZVN.INTERRUPTED] * 2
+    assert signal.getsignal(signal.SIGINT) is handler
+
+
+def test_calls_on_a_model_that_is_being_solved(env_silent):
+    m = knapsacks(env_silent)
+    m.Params.TimeLimit = 60
+    thread = threading.Thread(target=m.optimize)
+    thread.start()
+    while m.Status != ZVN.INPROGRESS:
+        time.sleep(0.01)
+    with pytest.raises(ZelvanError) as caught:
+        m.update()
+    assert caught.value.errno == ZVN.ERROR_OPTIMIZATION_IN_PROGRESS
+    m.terminate()
+    thread.join()
+    assert m.Status == ZVN.INTERRUPTED
