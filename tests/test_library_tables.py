@@ -476,3 +476,23 @@ def test_violations_are_measured_where_a_loose_tolerance_lets_them_be(make):
     assert quality(m, "DualVio", "DualVioIndex") == [pytest.approx(0.004), 2 + 2]
     assert m.get("MaxVio") == max(quality(m, "BoundVio", "ConstrVio", "DualVio"))
     assert quality(m, "IntVio", "IntVioIndex", "BoundVioIndex") == [0, -1, -1]
+
+
+def test_a_certificate_proves_what_the_status_says(make):
+    m = make([0, 0], [INF, INF], [-1, -1], "", [({0: 1, 1: -1}, "<", 2), ({0: -1, 1: 2}, ">", -4)])
+    m.env.set("InfUnbdInfo", 1)
+    m.call("ZVNoptimize")
+    assert m.get("Status") == 5
+    ray = m.get("UnbdRay", range(2))
+    assert min(ray) >= 0 and sum(ray) > 0 and ray[0] - ray[1] <= 1e-9 and 2 * ray[1] - ray[0] >= -1e-9
+    assert m.refused("get", "FarkasDual", 0).code == NOT_AVAILABLE
+    rows = [({0: 1, 1: 1}, "<", 2), ({0: 1, 1: 1}, ">", 5)]
+    m = make([0, 0], [4, 4], [1, 1], "", rows)
+    m.env.set("InfUnbdInfo", 1)
+    m.call("ZVNoptimize")
+    assert m.get("Status") == 3
+    dual = m.get("FarkasDual", range(2))
+    coeffs = [sum(y * row[0].get(j, 0) for y, row in zip(dual, rows)) for j in range(2)]
+    least = sum(min(0, 4 * a) for a in coeffs)
+    assert m.get("FarkasProof") == pytest.approx(least - sum(y * row[2] for y, row in zip(dual, rows)))
+    assert m.get("FarkasProof") > 0
