@@ -496,3 +496,15 @@ def test_a_certificate_proves_what_the_status_says(make):
     least = sum(min(0, 4 * a) for a in coeffs)
     assert m.get("FarkasProof") == pytest.approx(least - sum(y * row[2] for y, row in zip(dual, rows)))
     assert m.get("FarkasProof") > 0
+
+
+def test_the_condition_number_of_the_basis(make):
+    # At the optimum both columns are basic: B = [[1, 1], [1, 1.001]], with inverse [[1001, -1000], [-1000, 1000]].
+    m = make([0, 0], [INF, INF], [-1, -1], "", [({0: 1, 1: 1}, "<", 2), ({0: 1, 1: 1.001}, "=", 2.001)])
+    m.call("ZVNoptimize")
+    assert m.get("VBasis", range(2)) == [0, 0]
+    assert m.get("KappaExact") == pytest.approx(2.001 * 2001, rel=1e-6)
+    assert 0.3 * m.get("KappaExact") <= m.get("Kappa") <= m.get("KappaExact") * (1 + 1e-9)
+    m.set("UB", 9.0, 0)
+    m.update()
+    assert m.refused("get", "Kappa").code == NOT_AVAILABLE

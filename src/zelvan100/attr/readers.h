@@ -47,6 +47,8 @@ double node_count(const Model&);
 double barrier_iteration_count(const Model&);
 double farkas_proof(const Model&);
 double concurrent_winner(const Model&);
+double condition_estimate(const Model&);
+double condition(const Model&);
 Values primal_values(const Model&);
 Values pool_values(const Model&);
 Values reduced_costs(const Model&);

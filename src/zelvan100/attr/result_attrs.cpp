@@ -1,10 +1,12 @@
 #include "attr/readers.h"
+#include "solve/kappa.h"
 
 namespace zelvan {
 
 namespace {
 
 constexpr const char* kNoSolution = "no solution is available";
+constexpr const char* kNoBasisMatrix = "it takes a linear model with constraints, solved to a basis";
 constexpr const char* kNoDuals = "no dual solution is available";
 
 double defined(double value, const char* why) {
@@ -59,6 +61,9 @@ double iteration_count(const Model& m) { return m.solution.iterations; }
 double node_count(const Model& m) { return m.solution.nodes; }
 double barrier_iteration_count(const Model& m) { return m.solution.barrier_iterations; }
 double concurrent_winner(const Model& m) { return m.solution.concurrent_winner; }
+
+double condition_estimate(const Model& m) { return defined(basis_condition(m, false), kNoBasisMatrix); }
+double condition(const Model& m) { return defined(basis_condition(m, true), kNoBasisMatrix); }
 
 double farkas_proof(const Model& m) {
     return defined(m.solution.farkas_proof,

@@ -76,7 +76,6 @@ constexpr const char* kNoScenarios = "the model has no scenarios";
 constexpr const char* kNoBatch = "it belongs to batches, not to models";
 constexpr const char* kNoPresolved = "no presolved model has been kept";
 constexpr const char* kNoObject = "the model has no object of this kind";
-constexpr const char* kNoKappa = "the condition number of the basis has not been computed";
 constexpr const char* kNoBarX = "the barrier iterate before crossover is not kept";
 
 constexpr AttrSpec kAttrs[] = {
@@ -101,8 +100,8 @@ constexpr AttrSpec kAttrs[] = {
     model_int("IsQCP", none),
     model_int("IsMultiObj", is_multi_objective_number),
     absent("IISMinimal", kInt, kModel, kNoIis),
-    absent("Kappa", kDouble, kModel, kNoKappa),
-    absent("KappaExact", kDouble, kModel, kNoKappa),
+    model_dbl("Kappa", condition_estimate),
+    model_dbl("KappaExact", condition),
     model_dbl("MaxCoeff", max_coeff),
     model_dbl("MinCoeff", min_coeff),
     model_dbl("MaxBound", max_bound),

@@ -390,4 +390,16 @@ std::vector<double> HighsSession::primal_ray() {
     return found ? ray : std::vector<double>();
 }
 
+bool HighsSession::has_size(int num_rows, int num_cols) const {
+    return static_cast<int>(row_lower_.size()) == num_rows && static_cast<int>(cost_.size()) == num_cols;
+}
+
+bool HighsSession::solve_basis(bool transposed, std::vector<double>& v) {
+    std::vector<HighsInt> basic(row_lower_.size());
+    if (Highs_getBasicVariables(highs_, basic.data()) == kHighsStatusError) return false;  // factors the basis
+    const std::vector<double> rhs = v;
+    const auto solve = transposed ? Highs_getBasisTransposeSolve : Highs_getBasisSolve;
+    return solve(highs_, rhs.data(), v.data(), nullptr, nullptr) != kHighsStatusError;
+}
+
 }  // namespace zelvan

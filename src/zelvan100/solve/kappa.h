@@ -1,0 +1,12 @@
+#pragma once
+
+#include "core/model.h"
+
+namespace zelvan {
+
+// Condition number of the basis matrix of the LP that was just solved, in the norm of column sums: exact by
+// one solve for each row, or a lower bound that is mostly close, from a few solves (Higham 1988).
+// kUndefined when there is no basis, or none that HiGHS can factor.
+double basis_condition(const Model& model, bool exact);
+
+}  // namespace zelvan
