@@ -3,6 +3,7 @@
 import sys
 
 import timing
+
 import zelvanpy
 
 SIDE = 100 if timing.SHORT else 1000
@@ -63,7 +64,7 @@ def bench_index(table, x):
 
 
 def bench_products(table, x, floats):
-    shared = {key: 0.5 for key in x}
+    shared = dict.fromkeys(x, 0.5)
     equal = {(i, j): 0.5 for i in range(SIDE) for j in range(SIDE)}
     integers = dict.fromkeys(floats, 3)
     x.prod(shared)
@@ -84,9 +85,7 @@ def bench_iteration(table, x, plain):
     table.row("t.values()", timing.compare(x.values, lambda: list(plain.values())), bar=2.0)
     table.row("for v in t.values()", timing.compare(lambda: walk(x.values()), lambda: walk(plain.values())))
     table.row("t.items()", timing.compare(x.items, lambda: list(plain.items())), bar=2.0)
-    table.row(
-        "for k, v in t.items()", timing.compare(lambda: walk_pairs(x.items()), lambda: walk_pairs(plain.items()))
-    )
+    table.row("for k, v in t.items()", timing.compare(lambda: walk_pairs(x.items()), lambda: walk_pairs(plain.items())))
     table.row(
         "for k, v in t.iteritems()",
         timing.compare(lambda: walk_pairs(x.iteritems()), lambda: walk_pairs(plain.items())),

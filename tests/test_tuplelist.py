@@ -86,7 +86,7 @@ class PlainTupleList(list):
 
     def __contains__(self, x):
         if self.contents is None:
-            self.contents = {y: True for y in self}
+            self.contents = dict.fromkeys(self, True)
         return self.contents.get(x, False)
 
     def select(self, *vals):

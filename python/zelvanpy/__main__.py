@@ -31,7 +31,7 @@ def parse(arguments):
         action="append",
         default=[],
         metavar="FILE",
-        help="file to write after the solve, e.g. answer.json (may be given several times)",
+        help="file to write after the solve, e.g. answer.sol (may be given several times)",
     )
     options = parser.parse_intermixed_args(arguments)
     for setting in options.parameters:
@@ -73,7 +73,7 @@ def print_answer(model):
     for name, value in nonzero[:SHOWN]:
         print("  %-*s  %.10g" % (width, name, value))
     if len(nonzero) > SHOWN:
-        print("  and %d more; --write answer.json keeps them all" % (len(nonzero) - SHOWN))
+        print("  and %d more; --write answer.sol keeps them all" % (len(nonzero) - SHOWN))
 
 
 def main(arguments=None):
