@@ -43,7 +43,9 @@ except KeyboardInterrupt:
 
 def run_child(before=""):
     program = CHILD.format(path=sys.path, before=before)
-    return subprocess.run([sys.executable, "-c", program], stdout=subprocess.PIPE, timeout=120).stdout.decode().split("\n")
+    return (
+        subprocess.run([sys.executable, "-c", program], stdout=subprocess.PIPE, timeout=120).stdout.decode().split("\n")
+    )
 
 
 def test_interrupt_key_stops_the_solve_alone():

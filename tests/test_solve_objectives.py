@@ -94,7 +94,9 @@ coefficients = st.lists(st.integers(-4, 4), min_size=3, max_size=3)
 
 @given(
     st.lists(
-        st.tuples(coefficients, st.sampled_from([1.0, 2.0, -1.0]), st.sampled_from([0.0, 1.0]), st.sampled_from([0.0, 0.25])),
+        st.tuples(
+            coefficients, st.sampled_from([1.0, 2.0, -1.0]), st.sampled_from([0.0, 1.0]), st.sampled_from([0.0, 0.25])
+        ),
         min_size=2,
         max_size=4,
     ),

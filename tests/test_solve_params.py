@@ -168,7 +168,8 @@ def test_presolve(log_of, shared_data):
 
 
 @pytest.mark.parametrize(
-    "param, values", [("ScaleFlag", (0, 1, 3)), ("SimplexPricing", (0, 1, 2)), ("NumericFocus", (0, 3)), ("Seed", (0, 7))]
+    "param, values",
+    [("ScaleFlag", (0, 1, 3)), ("SimplexPricing", (0, 1, 2)), ("NumericFocus", (0, 3)), ("Seed", (0, 7))],
 )
 def test_simplex_goes_another_way(env_silent, shared_data, param, values):
     def solve(value):
