@@ -1,6 +1,6 @@
 #!/bin/sh
 # The wheel on the oldest and the newest supported Python that pyenv has, or on PYTHON alone where there is no pyenv.
-# Builds are unoptimized: what may break is the compile and the packing, not the speed.
+# Builds are unoptimized, and warnings are errors: what may break is the compile and the packing, not the speed.
 set -eu
 pythons=
 if command -v pyenv >/dev/null; then
@@ -10,5 +10,6 @@ if command -v pyenv >/dev/null; then
     done
 fi
 for python in ${pythons:-${PYTHON:-python3}}; do
-    "$(dirname "$0")/wheel_test.sh" "$python" --config-settings=cmake.build-type=Debug
+    "$(dirname "$0")/wheel_test.sh" "$python" --config-settings=cmake.build-type=Debug \
+        --config-settings=cmake.define.ZELVAN_WERROR=ON
 done

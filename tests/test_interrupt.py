@@ -8,9 +8,8 @@ import threading
 import time
 
 import pytest
-
-import zelvanpy
 from solvable import knapsacks
+
 from zelvanpy import ZVN, ZelvanError
 
 # Solves until Ctrl-C, then shows that Python's own handler is back and nothing is left to happen.

@@ -3,9 +3,9 @@
 import re
 
 import pytest
+from solvable import assignment, knapsacks
 
 import zelvanpy
-from solvable import assignment, knapsacks
 from zelvanpy import ZVN, ZelvanError
 
 
