@@ -141,6 +141,16 @@ class Model:
         else:
             self.call("ZVNaddconstr", *head, ctypes.c_char(sense.encode()), Double(rhs), name.encode())
 
+    def set_objective_n(self, index, priority, weight, abstol, reltol, name, constant, entries):
+        cols, values = zip(*entries) if entries else ((), ())
+        fields = [Double(value) for value in (weight, abstol, reltol)]
+        terms = (Double(constant), len(cols), array(Int, cols), array(Double, values))
+        self.call("ZVNsetobjectiven", index, priority, *fields, name.encode(), *terms)
+
+    def set_pwl(self, col, points):
+        x, y = zip(*points)
+        self.call("ZVNsetpwlobj", col, len(points), array(Double, x), array(Double, y))
+
     def set_text(self, attr, value):
         self.call("ZVNsetstrattr", attr.encode(), value.encode())
 

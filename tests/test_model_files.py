@@ -167,7 +167,7 @@ def test_mps_rows_of_type_n(env, tmp_path):
     text = text.replace("BOUNDS\n", "BOUNDS\n PL B y\n PL B z\n")
     content = read_text(env, tmp_path, ".mps", text)
     assert [row[0] for row in content.rows] == ["c1", "c2", "c3"]
-    assert env.warnings() == ["Warning: 1 further row(s) of type N dropped, only one is the objective"]
+    assert env.warnings() == ["Warning: 1 further row(s) of type N dropped, which are not the objective"]
     content = read_text(env, tmp_path, ".mps", text.replace("ROWS", "OBJNAME\n other\nROWS", 1))
     assert [column[4] for column in content.columns] == [0, 0, 0, 9]
 
@@ -513,6 +513,128 @@ def models(draw, names):
         lower, upper = sorted([draw(numbers), draw(numbers)])
         rows_.append((draw(names), draw(st.sampled_from("<>=R")), upper, entries, lower))
     return Content(draw(odd_names), draw(st.sampled_from([1, -1])), draw(numbers), columns, rows_)
+
+
+@st.composite
+def objectives(draw, count):
+    """The fields of several objectives, and piecewise-linear terms of some columns, in a model of `count` columns."""
+    several = []
+    for _ in range(draw(st.integers(0, 3))):
+        tolerances = (draw(st.sampled_from([0.0, 1e-6, 0.1])), draw(st.sampled_from([0.0, 1e-9, 2.0])))
+        entries = [(j, draw(numbers)) for j in sorted(draw(st.sets(st.integers(0, count - 1))))]
+        fields = (draw(st.integers(-9, 9)), draw(numbers), *tolerances, draw(st.one_of(st.just(""), plain_names)))
+        several.append((*fields, draw(numbers), entries))
+    terms = {}
+    for col in draw(st.sets(st.integers(0, count - 1), max_size=2)):
+        xs = sorted(draw(st.sets(st.integers(-5, 5), min_size=2)))
+        points = [(float(x), draw(numbers)) for x in xs]
+        terms[col] = points + draw(st.sampled_from([[], [(points[-1][0], 7.5)]]))
+    return several, terms
+
+
+@given(st.data())
+def test_written_objectives_come_back(env, tmp_path_factory, data):
+    folder = tmp_path_factory.getbasetemp()
+    content = data.draw(models(plain_names).filter(lambda c: c.columns))
+    several, terms = data.draw(objectives(len(content.columns)))
+    with build(env, content) as model:
+        for index, fields in enumerate(several):
+            model.set_objective_n(index, *fields)
+        model.update()
+        for col, points in terms.items():
+            model.set_pwl(col, points)
+        model.update()
+        texts_, replaced = {}, False
+        for ending in (".mps", ".lp"):
+            path = folder / ("objectives" + ending)
+            texts_[ending], warnings = write_text(env, model, path)
+            replaced = replaced or bool(warnings)
+            with env.read(path) as read_back:
+                assert write_text(env, read_back, path) == (texts_[ending], [])
+                assert read_back.number("NumObj") == max(1, len(several))
+                assert read_back.number("NumPWLObjVars") == len(terms)
+                other = write_text(env, read_back, folder / "other.lp")[0]
+        # What the first format holds is all that the second one shows.
+        assert replaced or other == texts_[".lp"]
+        with env.read(folder / "objectives.mps") as read_back:
+            read_back.write(folder / "other.lp")
+            assert replaced or (folder / "other.lp").read_bytes() == texts_[".lp"]
+
+
+SEVERAL_LP = """Minimize
+ cost: x + 1
+Subject To
+ c: x + y >= 1
+Objective 0 Priority 2 Weight 1 AbsTol 1e-06 RelTol 0
+Objective 1 Priority 1 Weight -0.5 AbsTol 0 RelTol 0.1
+ gain: 3 x - y - 4
+Objective 2 Priority 0 Weight 1 AbsTol 1e-06 RelTol 0
+ y
+PWLObj
+ y: (-1, 0) (0, 0) (2.5, 4)
+End
+"""
+SEVERAL_MPS = """NAME
+OBJECTIVES
+    cost 2 1 1e-06 0
+    gain 1 -0.5 0 0.1
+    OBJ2 0 1 1e-06 0
+ROWS
+ N cost
+ N gain
+ N OBJ2
+ G c
+COLUMNS
+    x cost 1
+    x gain 3
+    x c 1
+    y gain -1
+    y OBJ2 1
+    y c 1
+RHS
+    RHS cost -1
+    RHS gain 4
+    RHS c 1
+PWLOBJ
+    y -1 0
+    y 0 0
+    y 2.5 4
+ENDATA
+"""
+
+
+def test_several_objectives_in_files(env, tmp_path):
+    for ending, text in ((".lp", SEVERAL_LP), (".mps", SEVERAL_MPS)):
+        (tmp_path / ("several" + ending)).write_text(text)
+        with env.read(tmp_path / ("several" + ending)) as model:
+            assert write_text(env, model, tmp_path / "copy.lp")[0].decode() == SEVERAL_LP
+            assert write_text(env, model, tmp_path / "copy.mps")[0].decode() == SEVERAL_MPS
+
+
+@pytest.mark.parametrize(
+    "ending, old, new, line, words",
+    [
+        (".lp", "Objective 1", "Objective 2", 6, "found '2', expected the next number"),
+        (".lp", "Objective 0 ", "Objective 1 ", 5, "found '1', expected number 0"),
+        (".lp", "Weight -0.5", "Size -0.5", 6, "found 'Size', expected Priority"),
+        (".lp", "Priority 1", "Priority 1.5", 6, "Priority is out of range"),
+        (".lp", "AbsTol 0", "AbsTol -1", 6, "AbsTol is out of range"),
+        (".lp", "(2.5, 4)", "(-2.5, 4)", 11, "the point lies left of the point before it"),
+        (".lp", "(2.5, 4)", "(2.5 4)", 11, "found '4', expected ','"),
+        (".lp", " y: (", " z: (", 11, "found 'z', expected a variable"),
+        (".lp", " y: (", " x: (", 11, "has a coefficient and a piecewise-linear term"),
+        (".mps", "    cost 2 1", "    cost 2 x", 3, "'x' is not a number"),
+        (".mps", "    gain 1 -0.5", "    cost 1 -0.5", 4, "objective 'cost' appears twice"),
+        (".mps", "    OBJ2 0 1 ", "    c 0 1 ", 26, "'c' is no row of type N"),
+        (".mps", "    cost 2 1", "    cost 2.5 1", 3, "'2.5' is out of range for Priority"),
+        (".mps", "    y 0 0", "    y -1 1\n    y -1 2", 25, "the point is the third with the same x"),
+        (".mps", "    y -1 0\n    y 0 0\n", "", 24, "has one point only"),
+    ],
+)
+def test_faulty_objectives(env, tmp_path, ending, old, new, line, words):
+    text = SEVERAL_LP if ending == ".lp" else SEVERAL_MPS
+    assert old in text
+    refuse(env, tmp_path / ("faulty" + ending), text.replace(old, new, 1), line, words)
 
 
 def build(env, content):

@@ -7,15 +7,16 @@ import time
 
 import pytest
 from native import Environment, LibraryError
-from test_model_files import FIXED, LP_TEXT, MPS, MPS_TEXT
+from test_model_files import FIXED, LP_TEXT, MPS, MPS_TEXT, SEVERAL_LP, SEVERAL_MPS
 
 COUNT = 10000 if "ZELVAN_SANITIZED" in os.environ else 2000
 RANGES = "RANGES\n    RNG       c1        2.5          c3        -1\n"
 BOUNDS = " UP BND       x         4\n FR BND       u\n SC BND       z         9\n LI BND       y         -3\n"
 SOURCES = {
-    ".mps": [MPS.format("OBJSENSE\n    MAX\n", RANGES, BOUNDS), FIXED, MPS_TEXT],
+    ".mps": [MPS.format("OBJSENSE\n    MAX\n", RANGES, BOUNDS), FIXED, MPS_TEXT, SEVERAL_MPS],
     ".lp": [
         LP_TEXT,
+        SEVERAL_LP,
         LP_TEXT.replace("r2: -1 <=", "r2:").replace("  0 x", " obj: 1.5e-3 x\n\n +"),
         LP_TEXT.replace("\n", " \n "),
     ],

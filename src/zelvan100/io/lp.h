@@ -19,6 +19,8 @@ enum class LpSection {
     kMinimize,
     kMaximize,
     kSubjectTo,
+    kObjective,
+    kPwlObjective,
     kBounds,
     kGenerals,
     kBinaries,

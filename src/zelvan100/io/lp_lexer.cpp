@@ -28,9 +28,10 @@ constexpr auto kClasses = make_classes();
 std::uint8_t class_of(char c) { return kClasses[static_cast<unsigned char>(c)]; }
 
 struct Keyword {
-    std::string_view word, second;  // `second` follows on the same line
+    std::string_view word, second;  // `second` follows on the same line, kNumber: a number does
     LpSection section;
 };
+constexpr std::string_view kNumber = "0";
 constexpr Keyword kKeywords[] = {
     {"minimize", "", LpSection::kMinimize},
     {"minimise", "", LpSection::kMinimize},
@@ -45,6 +46,8 @@ constexpr Keyword kKeywords[] = {
     {"st", "", LpSection::kSubjectTo},
     {"s.t.", "", LpSection::kSubjectTo},
     {"st.", "", LpSection::kSubjectTo},
+    {"objective", kNumber, LpSection::kObjective},
+    {"pwlobj", "", LpSection::kPwlObjective},
     {"bounds", "", LpSection::kBounds},
     {"bound", "", LpSection::kBounds},
     {"general", "constraints", LpSection::kUnsupported},
@@ -135,11 +138,13 @@ bool LpLexer::read_section() {
     for (const auto* keyword = first; keyword != std::end(kKeywords); ++keyword) {
         if (keyword->word != first->word) continue;
         std::size_t length = word.size();
-        if (!keyword->second.empty()) {
-            length += blanks_on_line(rest_.substr(length));
-            const std::string_view second = first_word(rest_.substr(length));
+        const std::size_t gap = blanks_on_line(rest_.substr(length));
+        const std::string_view second = first_word(rest_.substr(length + gap));
+        if (keyword->second == kNumber) {
+            if (second.empty() || second[0] < '0' || second[0] > '9') continue;
+        } else if (!keyword->second.empty()) {
             if (lower_case(second) != keyword->second) continue;
-            length += second.size();
+            length += gap + second.size();
         }
         const std::size_t after = length + blanks_on_line(rest_.substr(length));
         const char follower = after < rest_.size() ? rest_[after] : '\n';
@@ -204,7 +209,7 @@ bool lp_holds_name(std::string_view name) {
     const std::string lower = lower_case(name);
     return lower != "free" && lower != "inf" && lower != "infinity" && lower != "nan" &&
            std::none_of(std::begin(kKeywords), std::end(kKeywords),
-                        [&](const Keyword& keyword) { return keyword.word == lower; });
+                        [&](const Keyword& keyword) { return keyword.word == lower && keyword.second != kNumber; });
 }
 
 }  // namespace zelvan

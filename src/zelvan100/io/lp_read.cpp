@@ -1,9 +1,11 @@
+#include <algorithm>
 #include <cmath>
 #include <cstdint>
 
 #include "io/letters.h"
 #include "io/lp.h"
 #include "io/name_table.h"
+#include "io/objectives.h"
 #include "io/row_kind.h"
 
 namespace zelvan {
@@ -28,6 +30,11 @@ private:
     void read_model_name();
     void read_sections();
     void objective();
+    std::vector<double> take_objective();
+    void objective_among_several();
+    void pwl_terms();
+    PwlPoints pwl_points();
+    void expect(std::string_view text);
     void constraints();
     void constraint();
     void bounds();
@@ -55,6 +62,7 @@ private:
     const Warn& warn_;
     LpLexer lexer_;
     ModelData out_;
+    std::string_view objective_label_;
     NameTable col_names_, row_names_;
     std::vector<std::int64_t> entry_;  // by column: its entry in the current row, or -1
     std::vector<std::uint8_t> bound_flags_;
@@ -101,6 +109,12 @@ void LpReader::read_sections() {
             case LpSection::kSubjectTo:
                 constraints();
                 break;
+            case LpSection::kObjective:
+                objective_among_several();
+                break;
+            case LpSection::kPwlObjective:
+                pwl_terms();
+                break;
             case LpSection::kBounds:
                 bounds();
                 break;
@@ -123,18 +137,98 @@ void LpReader::read_sections() {
 }
 
 void LpReader::objective() {
-    if (lexer_.kind == LpToken::kLabel) lexer_.next();
+    if (lexer_.kind == LpToken::kLabel) {
+        objective_label_ = lexer_.text;
+        lexer_.next();
+    }
     const Expression sum = expression(1.0, true);
     if (lexer_.kind != LpToken::kSection && lexer_.kind != LpToken::kEnd)
         unexpected("a term of the objective or Subject To");
     if (std::fabs(sum.constant) >= kInfinityThreshold)
         source_.fail(lexer_.line, "the constant of the objective is too large");
     out_.obj_constant = sum.constant;
+    out_.cols.obj = take_objective();
+}
+
+// The coefficients that an expression left in the row under construction, which is emptied.
+std::vector<double> LpReader::take_objective() {
     Rows& rows = out_.rows;
-    for (std::size_t k = 0; k < rows.col.size(); ++k) out_.cols.obj[rows.col[k]] = rows.val[k];
-    rows.col.clear();
-    rows.val.clear();
-    entry_.assign(entry_.size(), -1);
+    std::vector<double> coeff(out_.cols.size(), 0.0);
+    for (auto k = static_cast<std::size_t>(rows.start.back()); k < rows.col.size(); ++k) {
+        coeff[rows.col[k]] = rows.val[k];
+        entry_[rows.col[k]] = -1;
+    }
+    rows.col.resize(rows.start.back());
+    rows.val.resize(rows.start.back());
+    return coeff;
+}
+
+// "Objective 1 Priority 2 Weight 0.5", then label and expression; of objective 0 these stand at the top.
+void LpReader::objective_among_several() {
+    std::vector<Objective>& objectives = out_.objectives;
+    if (objectives.empty() && lexer_.number != 0.0) unexpected("number 0, the main objective");
+    if (lexer_.number != static_cast<double>(objectives.size())) unexpected("the next number of an objective");
+    lexer_.next();
+    Objective objective;
+    while (lexer_.kind == LpToken::kName && !lexer_.starts_line) {
+        const std::string name = lower_case(lexer_.text);
+        const auto* const field = std::find_if(std::begin(kObjectiveFields), std::end(kObjectiveFields),
+                                               [&](const ObjectiveField& f) { return lower_case(f.name) == name; });
+        if (field == std::end(kObjectiveFields)) unexpected("Priority, Weight, AbsTol or RelTol");
+        const int line = lexer_.line;
+        lexer_.next();
+        if (!field->set(objective, value("a number")))
+            source_.fail(line, "the value of " + std::string(field->name) + " is out of range");
+    }
+    std::string_view label = objectives.empty() ? objective_label_ : std::string_view();
+    if (!objectives.empty() && lexer_.kind == LpToken::kLabel) {
+        label = lexer_.text;
+        lexer_.next();
+    }
+    source_.check_name(lexer_.line, label);
+    objective.name = label;
+    if (!objectives.empty()) {
+        objective.constant = expression(1.0, true).constant;
+        if (std::fabs(objective.constant) >= kInfinityThreshold)
+            source_.fail(lexer_.line, "the constant of the objective is too large");
+        objective.coeff = take_objective();
+    }
+    objectives.push_back(std::move(objective));
+}
+
+void LpReader::pwl_terms() {
+    while (lexer_.kind == LpToken::kLabel) {
+        const int line = lexer_.line;
+        const std::string_view name = lexer_.text;
+        const int col = known_column(name);
+        lexer_.next();
+        if (!out_.pwl_obj.emplace(col, pwl_points()).second)
+            source_.fail(line, "variable " + quoted(name) + " has two piecewise-linear terms");
+        if (out_.cols.obj[col] != 0.0)
+            source_.fail(
+                line, "variable " + quoted(name) + " has a coefficient and a piecewise-linear term in the objective");
+    }
+}
+
+// "(0, 1) (2, 5)"
+PwlPoints LpReader::pwl_points() {
+    PwlPoints points;
+    while (points.size() < 2 || lexer_.text == "(") {
+        const int line = lexer_.line;
+        expect("(");
+        const double x = value("the x of a point");
+        expect(",");
+        points.emplace_back(x, value("the y of a point"));
+        expect(")");
+        if (const std::string fault = last_point_fault(points); !fault.empty())
+            source_.fail(line, "the point " + fault);
+    }
+    return points;
+}
+
+void LpReader::expect(std::string_view text) {
+    if (lexer_.kind != LpToken::kOther || lexer_.text != text) unexpected(("'" + std::string(text) + "'").c_str());
+    lexer_.next();
 }
 
 void LpReader::constraints() {
@@ -396,6 +490,7 @@ void LpReader::settle() {
                   " has a negative upper bound; its lower bound is 0, as none is given");
     }
     cols.tags.resize(cols.size());
+    for (std::size_t k = 1; k < out_.objectives.size(); ++k) out_.objectives[k].coeff.resize(cols.size(), 0.0);
     out_.rows.tags.resize(out_.rows.size());
 }
 

@@ -2,6 +2,7 @@
 
 #include "io/lp.h"
 #include "io/number.h"
+#include "io/objectives.h"
 #include "io/row_kind.h"
 #include "io/written_names.h"
 
@@ -19,6 +20,9 @@ public:
 private:
     int columns_in_objective() const;
     void objective();
+    void sum(const std::vector<double>& coeff, int count, bool zeros, double constant);
+    void several_objectives();
+    void pwl_terms();
     void constraint(int i);
     void bound(int j);
     void list(const char* keyword, std::string_view types);
@@ -39,6 +43,8 @@ std::string LpWriter::write() {
     objective();
     out_ += "Subject To\n";
     for (int i = 0; i < data_.rows.size(); ++i) constraint(i);
+    several_objectives();
+    pwl_terms();
     const std::size_t before = out_.size();
     out_ += "Bounds\n";
     const std::size_t header_end = out_.size();
@@ -69,21 +75,57 @@ int LpWriter::columns_in_objective() const {
 }
 
 void LpWriter::objective() {
-    bool first = true;
     line_start_ = out_.size();
-    out_ += " ";
-    const int count = columns_in_objective();
-    for (int j = 0; j < count; ++j) term(data_.cols.obj[j], j, first);
-    const double constant = data_.obj_constant;
+    out_ += ' ';
+    if (!data_.objectives.empty() && !names_.objective(0).empty()) out_ += names_.objective(0) + ":";
+    sum(data_.cols.obj, columns_in_objective(), true, data_.obj_constant);
+}
+
+// The terms of the first `count` columns and a constant, to the end of the line.
+void LpWriter::sum(const std::vector<double>& coeff, int count, bool zeros, double constant) {
+    bool first = true;
+    for (int j = 0; j < count; ++j)
+        if (zeros || coeff[j] != 0.0) term(coeff[j], j, first);
     if (constant != 0.0) {
-        if (!first)
-            out_ += std::signbit(constant) ? " -" : " +";
-        else if (std::signbit(constant))
-            out_ += " -";
+        if (!first || std::signbit(constant)) out_ += std::signbit(constant) ? " -" : " +";
         out_ += ' ';
         append_number(out_, std::fabs(constant));
     }
     out_ += '\n';
+}
+
+void LpWriter::several_objectives() {
+    for (std::size_t k = 0; k < data_.objectives.size(); ++k) {
+        const Objective& objective = data_.objectives[k];
+        out_ += "Objective " + std::to_string(k);
+        for (const ObjectiveField& field : kObjectiveFields) {
+            out_ += ' ' + std::string(field.name) + ' ';
+            append_number(out_, field.get(objective));
+        }
+        out_ += '\n';
+        if (k == 0) continue;
+        line_start_ = out_.size();
+        out_ += ' ';
+        if (!names_.objective(k).empty()) out_ += names_.objective(k) + ":";
+        sum(objective.coeff, data_.cols.size(), false, objective.constant);
+    }
+}
+
+void LpWriter::pwl_terms() {
+    if (!data_.pwl_obj.empty()) out_ += "PWLObj\n";
+    for (const auto& [col, points] : data_.pwl_obj) {
+        out_ += ' ';
+        out_ += names_.col(col);
+        out_ += ':';
+        for (const auto& [x, y] : points) {
+            out_ += " (";
+            append_number(out_, x);
+            out_ += ", ";
+            append_number(out_, y);
+            out_ += ')';
+        }
+        out_ += '\n';
+    }
 }
 
 void LpWriter::break_line() {

@@ -8,13 +8,15 @@
 #include "io/mps_lines.h"
 #include "io/name_table.h"
 #include "io/number.h"
+#include "io/objectives.h"
 #include "io/row_kind.h"
 
 namespace zelvan {
 
 namespace {
 
-constexpr int kObjectiveRow = -1, kDroppedRow = -2;  // what a row of the file is, besides a row of the matrix
+// What a row of the file is, besides a row of the matrix: dropped, or an objective, numbered downwards.
+constexpr int kDroppedRow = -1, kFirstObjective = -2;
 constexpr std::uint8_t kLowerSet = 1, kBounded = 2;  // a lower bound, any bound was given for a column
 
 // 0 when the word names no sense.
@@ -78,12 +80,15 @@ private:
     void open_section(const MpsLine& line);
     void name_header(const MpsLine& line);
     void sense_line(const MpsLine& line);
+    void objective_name_line(const MpsLine& line);
     void objective_line(const MpsLine& line);
+    int objective_index(std::string_view name);
     void row_line(const MpsLine& line);
     void column_line(const MpsLine& line);
     void rhs_line(const MpsLine& line);
     void range_line(const MpsLine& line);
     void bound_line(const MpsLine& line);
+    void pwl_line(const MpsLine& line);
 
     void marker(const MpsLine& line);
     void new_column(const MpsLine& line);
@@ -97,6 +102,7 @@ private:
     [[noreturn]] void fail(const MpsLine& line, const std::string& what) const { source_.fail(line.number, what); }
 
     void finish();
+    void settle_objectives();
     void settle_bounds();
     void build_rows();
 
@@ -108,10 +114,15 @@ private:
     std::vector<const Section*> seen_;
 
     NameTable row_names_;         // all rows of the file
-    std::vector<int> row_index_;  // by row of the file: row of the matrix, or kObjectiveRow, kDroppedRow
-    std::string_view objective_name_;
-    bool has_objective_ = false;
+    std::vector<int> row_index_;  // by row of the file: row of the matrix, kDroppedRow or an objective
+    std::vector<std::string_view> objective_names_;  // as far as the file names objectives
+    int num_objectives_ = 0;
     int dropped_rows_ = 0;
+    struct ObjectiveEntry {
+        int objective, col;
+        double val;
+    };
+    std::vector<ObjectiveEntry> objective_entries_;      // of further objectives
     std::vector<int> latest_col_;                        // by row of the file: the latest column with an entry there
     std::vector<std::uint8_t> rhs_given_, range_given_;  // by row of the file
     std::vector<std::pair<int, long double>> ranges_;    // row of the matrix, range
@@ -129,12 +140,14 @@ private:
 const MpsReader::Section MpsReader::kSections[] = {
     {"NAME", nullptr, false, true},
     {"OBJSENSE", &MpsReader::sense_line, false, true},
-    {"OBJNAME", &MpsReader::objective_line, false, true},
+    {"OBJNAME", &MpsReader::objective_name_line, false, true},
+    {"OBJECTIVES", &MpsReader::objective_line, false, false},
     {"ROWS", &MpsReader::row_line, true, false},
     {"COLUMNS", &MpsReader::column_line, false, false},
     {"RHS", &MpsReader::rhs_line, false, false},
     {"RANGES", &MpsReader::range_line, false, false},
     {"BOUNDS", &MpsReader::bound_line, true, false},
+    {"PWLOBJ", &MpsReader::pwl_line, false, false},
     {"ENDATA", nullptr, false, false},
 };
 
@@ -220,9 +233,39 @@ void MpsReader::sense_line(const MpsLine& line) {
     out_.sense = sense;
 }
 
+void MpsReader::objective_name_line(const MpsLine& line) {
+    if (line.count > 1 || row_names_.size() > 0 || !objective_names_.empty())
+        fail(line, "expected the name of one row, before section ROWS");
+    objective_names_.push_back(line.field[0]);
+}
+
+// Names a row of type N as the next of several objectives, with its place among them.
 void MpsReader::objective_line(const MpsLine& line) {
-    if (line.count > 1 || row_names_.size() > 0) fail(line, "expected the name of one row, before section ROWS");
-    objective_name_ = line.field[0];
+    const bool named_before = objective_names_.size() > out_.objectives.size();
+    if (line.count != 1 + kNumObjectiveFields || row_names_.size() > 0 || named_before)
+        fail(line, "expected a row, its priority, weight and two tolerances, before section ROWS");
+    Objective objective;
+    for (int k = 0; k < kNumObjectiveFields; ++k)
+        if (!kObjectiveFields[k].set(objective, number(line, line.field[k + 1])))
+            fail(line, quoted(line.field[k + 1]) + " is out of range for " + std::string(kObjectiveFields[k].name));
+    source_.check_name(line.number, line.field[0]);
+    if (std::find(objective_names_.begin(), objective_names_.end(), line.field[0]) != objective_names_.end())
+        fail(line, "objective " + quoted(line.field[0]) + " appears twice");
+    if (line.field[0] != default_objective_row(out_.objectives.size())) objective.name = line.field[0];
+    objective_names_.push_back(line.field[0]);
+    out_.objectives.push_back(std::move(objective));
+}
+
+// What a row of type N is.
+int MpsReader::objective_index(std::string_view name) {
+    const auto named = std::find(objective_names_.begin(), objective_names_.end(), name);
+    const bool taken = objective_names_.empty() ? num_objectives_ == 0 : named != objective_names_.end();
+    if (!taken) {
+        ++dropped_rows_;
+        return kDroppedRow;
+    }
+    ++num_objectives_;
+    return kFirstObjective - static_cast<int>(objective_names_.empty() ? 0 : named - objective_names_.begin());
 }
 
 void MpsReader::row_line(const MpsLine& line) {
@@ -234,12 +277,7 @@ void MpsReader::row_line(const MpsLine& line) {
     source_.check_name(line.number, name);
     if (!row_names_.add(name)) fail(line, "row " + quoted(name) + " appears twice");
     if (type == 'N') {
-        const bool objective = !has_objective_ && (objective_name_.empty() || objective_name_ == name);
-        row_index_.push_back(objective ? kObjectiveRow : kDroppedRow);
-        if (objective)
-            has_objective_ = true;
-        else
-            ++dropped_rows_;
+        row_index_.push_back(objective_index(name));
         return;
     }
     row_index_.push_back(out_.rows.size());
@@ -286,7 +324,8 @@ void MpsReader::add_entry(const MpsLine& line, std::string_view row_name, std::s
     latest_col_[row] = col;
     if (value == 0.0) return;
     const int index = row_index_[row];
-    if (index == kObjectiveRow) out_.cols.obj[col] = value;
+    if (index == kFirstObjective) out_.cols.obj[col] = value;
+    if (index < kFirstObjective) objective_entries_.push_back({kFirstObjective - index, col, value});
     if (index < 0) return;
     col_row_.push_back(index);
     col_val_.push_back(value);
@@ -304,8 +343,10 @@ void MpsReader::rhs_line(const MpsLine& line) {
         const int index = row_index_[row];
         if (index >= 0)
             out_.rows.rhs[index] = side(line, out_.rows.sense[index], value);
-        else if (index == kObjectiveRow)
+        else if (index == kFirstObjective)
             out_.obj_constant = -finite_number(line, line.field[k + 1]);
+        else if (index < kFirstObjective)
+            out_.objectives[kFirstObjective - index].constant = -finite_number(line, line.field[k + 1]);
     }
 }
 
@@ -367,6 +408,15 @@ void MpsReader::set_bound(const MpsLine& line, const BoundCode& bound, int col, 
     bound_flags_[col] |= bound.lower != Bound::kKept ? kLowerSet | kBounded : kBounded;
 }
 
+void MpsReader::pwl_line(const MpsLine& line) {
+    if (line.count != 3) fail(line, "expected a column and the x and y of a point");
+    const int col = col_names_.find(line.field[0]);
+    if (col < 0) fail(line, "unknown column " + quoted(line.field[0]) + ", expected one of section COLUMNS");
+    PwlPoints& points = out_.pwl_obj[col];
+    points.emplace_back(finite_number(line, line.field[1]), finite_number(line, line.field[2]));
+    if (const std::string fault = last_point_fault(points); !fault.empty()) fail(line, "the point " + fault);
+}
+
 bool MpsReader::in_chosen_set(ChosenSet& set, std::string_view name, const char* what) {
     if (set.name.empty()) set.name = name;
     if (name.empty() || set.name == name) return true;
@@ -406,16 +456,33 @@ void MpsReader::finish() {
     for (const char* keyword : {"ROWS", "COLUMNS"})
         if (std::find(seen_.begin(), seen_.end(), find_section(keyword)) == seen_.end())
             source_.fail(lines_.number(), std::string("ENDATA before section ") + keyword);
-    if (!objective_name_.empty() && !has_objective_)
-        source_.fail(lines_.number(), "the objective " + quoted(objective_name_) + " is no row of type N");
     if (dropped_rows_ > 0)
         warnings_.push_back("Warning: " + std::to_string(dropped_rows_) +
-                            " further row(s) of type N dropped, only one is the objective");
+                            " further row(s) of type N dropped, which are not the objective");
+    settle_objectives();
     settle_bounds();
     build_rows();
     for (int j = 0; j < col_names_.size(); ++j) out_.cols.names.push_back(col_names_.name(j));
     out_.cols.tags.resize(out_.cols.size());
     out_.rows.tags.resize(out_.rows.size());
+}
+
+void MpsReader::settle_objectives() {
+    for (std::string_view name : objective_names_) {
+        const int row = row_names_.find(name);
+        if (row < 0 || row_index_[row] >= 0)
+            source_.fail(lines_.number(), "the objective " + quoted(name) + " is no row of type N");
+    }
+    for (std::size_t k = 1; k < out_.objectives.size(); ++k) out_.objectives[k].coeff.assign(out_.cols.size(), 0.0);
+    for (const auto& [objective, col, value] : objective_entries_) out_.objectives[objective].coeff[col] = value;
+    for (const auto& [col, points] : out_.pwl_obj) {
+        if (points.size() < 2)
+            source_.fail(lines_.number(), "the objective term of column " + quoted(col_names_.name(col)) +
+                                              " has one point only, expected two or more");
+        if (out_.cols.obj[col] != 0.0)
+            source_.fail(lines_.number(), "column " + quoted(col_names_.name(col)) +
+                                              " has a coefficient and a piecewise-linear term in the objective");
+    }
 }
 
 void MpsReader::settle_bounds() {

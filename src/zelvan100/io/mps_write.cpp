@@ -1,20 +1,16 @@
+#include <algorithm>
 #include <charconv>
 #include <cmath>
 
 #include "io/mps.h"
 #include "io/number.h"
+#include "io/objectives.h"
 #include "io/row_kind.h"
 #include "io/written_names.h"
 
 namespace zelvan {
 
 namespace {
-
-// Fields are divided by blanks, so a name holds none. The quoted word would turn an entry into a marker.
-bool holds_name(std::string_view name) {
-    return !name.empty() && name.size() <= ZVN_MAX_NAMELEN && name.find(' ') == name.npos && name != "'MARKER'" &&
-           is_clean_name(name);
-}
 
 // A row as the file shows it: type, right-hand side and, where it has two sides, the text of its range.
 struct FileRow {
@@ -50,23 +46,28 @@ FileRow file_row(const Rows& rows, int i) {
 
 class MpsWriter {
 public:
-    MpsWriter(const ModelData& data, const Warn& warn)
-        : data_(data), names_(data, holds_name, "MPS", warn), objective_(names_.free_row_name("OBJ")) {}
+    MpsWriter(const ModelData& data, const Warn& warn) : data_(data), names_(data, mps_holds_name, "MPS", warn) {
+        for (std::size_t k = 0; k < std::max<std::size_t>(1, data.objectives.size()); ++k) name_objective(k);
+    }
     std::string write();
 
 private:
+    void name_objective(std::size_t k);
+    double cost(std::size_t k, int j) const { return k == 0 ? data_.cols.obj[j] : data_.objectives[k].coeff[j]; }
+    void objectives();
     void rows();
     void columns();
     void right_hand_sides();
     void bounds();
     void bounds_of(int j);
+    void pwl_terms();
     void line(std::string_view first, std::string_view second, double value);
     void bound(std::string_view code, int j);
     void bound(std::string_view code, int j, double value);
 
     const ModelData& data_;
     WrittenNames names_;
-    std::string objective_;
+    std::vector<std::string> objective_rows_;
     std::vector<FileRow> file_rows_;
     std::string out_;
 };
@@ -77,10 +78,12 @@ std::string MpsWriter::write() {
     if (const std::string name = names_.model_name(); !name.empty()) out_ += " " + name;
     out_ += "\n";
     if (data_.sense < 0) out_ += "OBJSENSE\n    MAX\n";
+    objectives();
     rows();
     columns();
     right_hand_sides();
     bounds();
+    pwl_terms();
     out_ += "ENDATA\n";
     return std::move(out_);
 }
@@ -95,8 +98,31 @@ void MpsWriter::line(std::string_view first, std::string_view second, double val
     out_ += '\n';
 }
 
+// An objective without a name of its own gets the default one, lengthened until no row has it.
+void MpsWriter::name_objective(std::size_t k) {
+    std::string name = data_.objectives.empty() ? std::string() : names_.objective(k);
+    if (name.empty()) {
+        name = default_objective_row(k);
+        while (names_.is_taken(name)) name += '_';
+    }
+    objective_rows_.push_back(std::move(name));
+}
+
+void MpsWriter::objectives() {
+    if (!data_.objectives.empty()) out_ += "OBJECTIVES\n";
+    for (std::size_t k = 0; k < data_.objectives.size(); ++k) {
+        out_ += "    " + objective_rows_[k];
+        for (const ObjectiveField& field : kObjectiveFields) {
+            out_ += ' ';
+            append_number(out_, field.get(data_.objectives[k]));
+        }
+        out_ += '\n';
+    }
+}
+
 void MpsWriter::rows() {
-    out_ += "ROWS\n N " + objective_ + "\n";
+    out_ += "ROWS\n";
+    for (const std::string& name : objective_rows_) out_ += " N " + name + "\n";
     for (int i = 0; i < data_.rows.size(); ++i) {
         file_rows_.push_back(file_row(data_.rows, i));
         out_ += ' ';
@@ -119,8 +145,9 @@ void MpsWriter::columns() {
         const std::string_view name = names_.col(j);
         const std::int64_t first = matrix.start[j], last = matrix.start[j + 1];
         bool written = false;
-        if (data_.cols.obj[j] != 0.0 || first == last) {
-            line(name, objective_, data_.cols.obj[j]);
+        for (std::size_t k = 0; k < objective_rows_.size(); ++k) {
+            if (cost(k, j) == 0.0 && (k > 0 || first != last)) continue;
+            line(name, objective_rows_[k], cost(k, j));
             written = true;
         }
         for (std::int64_t k = first; k < last; ++k) {
@@ -135,7 +162,10 @@ void MpsWriter::columns() {
 
 void MpsWriter::right_hand_sides() {
     out_ += "RHS\n";
-    if (data_.obj_constant != 0.0) line("RHS", objective_, -data_.obj_constant);
+    for (std::size_t k = 0; k < objective_rows_.size(); ++k) {
+        const double constant = k == 0 ? data_.obj_constant : data_.objectives[k].constant;
+        if (constant != 0.0) line("RHS", objective_rows_[k], -constant);
+    }
     bool ranges = false;
     for (int i = 0; i < data_.rows.size(); ++i) {
         if (file_rows_[i].rhs != 0.0) line("RHS", names_.row(i), file_rows_[i].rhs);
@@ -200,7 +230,30 @@ void MpsWriter::bounds() {
     if (out_.size() == header_end) out_.resize(before);
 }
 
+void MpsWriter::pwl_terms() {
+    if (!data_.pwl_obj.empty()) out_ += "PWLOBJ\n";
+    for (const auto& [col, points] : data_.pwl_obj) {
+        for (const auto& [x, y] : points) {
+            out_ += "    ";
+            out_ += names_.col(col);
+            out_ += ' ';
+            append_number(out_, x);
+            out_ += ' ';
+            append_number(out_, y);
+            out_ += '\n';
+        }
+    }
+}
+
 }  // namespace
+
+// The quoted word would turn an entry into a marker.
+bool mps_holds_name(std::string_view name) {
+    return !name.empty() && name.size() <= ZVN_MAX_NAMELEN && name.find(' ') == name.npos && name != "'MARKER'" &&
+           is_clean_name(name);
+}
+
+std::string default_objective_row(std::size_t k) { return k == 0 ? "OBJ" : "OBJ" + std::to_string(k); }
 
 std::string write_mps(const ModelData& data, const Warn& warn) { return MpsWriter(data, warn).write(); }
 

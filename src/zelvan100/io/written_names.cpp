@@ -1,5 +1,7 @@
 #include "io/written_names.h"
 
+#include <algorithm>
+
 #include "io/name_table.h"
 #include "io/source.h"
 
@@ -41,9 +43,10 @@ bool is_one_line(std::string_view name) {
 }  // namespace
 
 WrittenNames::WrittenNames(const ModelData& data, Holds holds, const char* format, const Warn& warn) {
-    std::string col_fault, row_fault;
+    std::string col_fault, row_fault, objective_fault;
     cols_ = collect(data.cols.names, data.cols.size(), 'C', holds, col_fault);
     rows_ = collect(data.rows.names, data.rows.size(), 'R', holds, row_fault);
+    collect_objectives(data, holds, objective_fault);
     const bool keep_name = is_one_line(data.name);
     if (keep_name) model_name_ = data.name;
 
@@ -51,17 +54,23 @@ WrittenNames::WrittenNames(const ModelData& data, Holds holds, const char* forma
     const auto add = [&](const std::string& text) { faults += (faults.empty() ? "" : "; ") + text; };
     if (!col_fault.empty()) add("variables are numbered, because " + col_fault);
     if (!row_fault.empty()) add("constraints are numbered, because " + row_fault);
+    if (!objective_fault.empty()) add("an objective's name is left out, " + objective_fault);
     if (!keep_name && !data.name.empty()) add("the model's name is left out");
     if (!faults.empty()) warn(std::string("Warning: names that don't suit ") + format + " form: " + faults);
 }
 
-std::string WrittenNames::free_row_name(std::string wanted) const {
-    for (int i = 0; i < rows_.size();) {
-        if (rows_.get(i++) != wanted) continue;
-        wanted += '_';
-        i = 0;
+void WrittenNames::collect_objectives(const ModelData& data, Holds holds, std::string& fault) {
+    for (const Objective& objective : data.objectives) {
+        const bool kept = objective.name.empty() || (holds(objective.name) && !is_taken(objective.name));
+        objectives_.push_back(kept ? objective.name : std::string());
+        if (!kept && fault.empty()) fault = quoted(objective.name);
     }
-    return wanted;
+}
+
+bool WrittenNames::is_taken(std::string_view name) const {
+    for (int i = 0; i < rows_.size(); ++i)
+        if (rows_.get(i) == name) return true;
+    return std::find(objectives_.begin(), objectives_.end(), name) != objectives_.end();
 }
 
 }  // namespace zelvan

@@ -21,11 +21,16 @@ public:
     std::string_view row(int i) const { return rows_.get(i); }
     // "" when the model has none, or one that spans lines.
     std::string model_name() const { return model_name_; }
-    // `wanted`, lengthened until no row has that name.
-    std::string free_row_name(std::string wanted) const;
+    // "" when the objective has none, or none that tells it from rows and other objectives.
+    const std::string& objective(std::size_t k) const { return objectives_[k]; }
+    // Whether a row or objective has the name.
+    bool is_taken(std::string_view name) const;
 
 private:
+    void collect_objectives(const ModelData& data, Holds holds, std::string& fault);
+
     Names cols_, rows_;
+    std::vector<std::string> objectives_;
     std::string model_name_;
 };
 
