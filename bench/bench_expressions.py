@@ -21,7 +21,8 @@ def add_in_loop(cs, xs, start):
 
 def compare_in_loop(xs):
     for i in range(len(xs) - 2):
-        xs[i] + 2 * xs[i + 1] - xs[i + 2] <= 1
+        kept = xs[i] + 2 * xs[i + 1] - xs[i + 2] <= 1
+    return kept
 
 
 def add_out_of_place(xs, n):

@@ -12,8 +12,8 @@ from hypothesis import strategies as st
 
 from zelvanpy import ZVN, LinExpr, TempConstr, Var, ZelvanError, quicksum
 
-XS = [Var(None, i) for i in range(5)]
-X, Y, Z = XS[:3]
+xs = [Var(None, i) for i in range(5)]
+x, y, z = xs[:3]
 
 
 def content(e):
@@ -32,9 +32,9 @@ scalars = st.one_of(
     numbers.map(lambda k: Fraction(k, 4)),
     st.booleans(),
 ).map(lambda s: (s, (float(s), [])))
-variables = st.integers(0, 4).map(lambda i: (XS[i], (0.0, [(1.0, i)])))
+variables = st.integers(0, 4).map(lambda i: (xs[i], (0.0, [(1.0, i)])))
 built = st.tuples(numbers, st.lists(st.tuples(numbers, st.integers(0, 4)), max_size=6)).map(
-    lambda t: (LinExpr([(c, XS[i]) for c, i in t[1]]) + t[0], (float(t[0]), [(float(c), i) for c, i in t[1]]))
+    lambda t: (LinExpr([(c, xs[i]) for c, i in t[1]]) + t[0], (float(t[0]), [(float(c), i) for c, i in t[1]]))
 )
 
 
@@ -122,7 +122,7 @@ def test_random_roads(operands, data):
 
 @pytest.mark.parametrize("scalar", [numpy.float64(2), numpy.int64(2), numpy.float32(2), numpy.int8(2), 2, Fraction(2)])
 def test_scalars_on_either_side(scalar):
-    for v, terms in ((X, [(1.0, 0)]), (X + Y, [(1.0, 0), (1.0, 1)])):
+    for v, terms in ((x, [(1.0, 0)]), (x + y, [(1.0, 0), (1.0, 1)])):
         doubled, negative = [(2.0, i) for _, i in terms], [(-1.0, i) for _, i in terms]
         assert content(scalar * v) == content(v * scalar) == (0.0, doubled)
         assert content(scalar + v) == content(v + scalar) == (2.0, terms)
@@ -134,21 +134,21 @@ def test_scalars_on_either_side(scalar):
 
 def test_arrays_go_cell_by_cell():
     coefficients = numpy.array([1.0, 2.0])
-    for product in (coefficients * X, X * coefficients, (X + 0) * coefficients):
+    for product in (coefficients * x, x * coefficients, (x + 0) * coefficients):
         assert product.dtype == object and [content(e) for e in product] == [(0.0, [(1.0, 0)]), (0.0, [(2.0, 0)])]
-    total = (numpy.array([X, Y], dtype=object) + coefficients).sum()
+    total = (numpy.array([x, y], dtype=object) + coefficients).sum()
     assert content(total) == (3.0, [(1.0, 0), (1.0, 1)])
-    cells = numpy.array([X + 0, Y + 0], dtype=object)
+    cells = numpy.array([x + 0, y + 0], dtype=object)
     kept = cells + cells
     assert [content(e) for e in cells] == [(0.0, [(1.0, 0)]), (0.0, [(1.0, 1)])]
     assert kept[0].size() == 2
-    assert content(X * numpy.array([2.0])) == (0.0, [(2.0, 0)])
+    assert content(x * numpy.array([2.0])) == (0.0, [(2.0, 0)])
 
 
 def test_fresh_results():
-    e = X + Y
-    e2 = e + Z
-    e += X
+    e = x + y
+    e2 = e + z
+    e += x
     assert content(e2) == (0.0, [(1, 0), (1, 1), (1, 2)])
     alias = e
     e -= 1
@@ -156,26 +156,26 @@ def test_fresh_results():
     assert alias is e and content(e) == (-2.0, [(2, 0), (2, 1), (2, 0)])
     for same in (e * 1, +1 * e, e / 1, LinExpr(e)):
         assert same is not e and content(same) == content(e)
-    v = X
-    v += Y
+    v = x
+    v += y
     v -= 1
-    assert v is not X and content(v) == (-1.0, [(1, 0), (1, 1)])
+    assert v is not x and content(v) == (-1.0, [(1, 0), (1, 1)])
     assert content(e * 0) == (-0.0, [(0.0, 0), (0.0, 1), (0.0, 0)])
 
 
 def test_constant_expressions_multiply():
     three = LinExpr(3)
-    assert content(three * X) == content(X * three) == (0.0, [(3.0, 0)])
+    assert content(three * x) == content(x * three) == (0.0, [(3.0, 0)])
     assert content(three * three) == content(three**2) == (9.0, [])
     assert content(three * 4) == (12.0, [])
-    assert content(three * (X + 1)) == content((X + 1) * three) == (3.0, [(3.0, 0)])
-    e = X + 1
+    assert content(three * (x + 1)) == content((x + 1) * three) == (3.0, [(3.0, 0)])
+    e = x + 1
     e *= three
     assert content(e) == (3.0, [(3.0, 0)])
 
 
 def test_refusals():
-    e = X + Y
+    e = x + y
 
     def refused(text, code, *functions):
         for function in functions:
@@ -184,36 +184,31 @@ def test_refusals():
             assert (caught.value.errno, str(caught.value)) == (code, text)
 
     nan, inf = math.nan, math.inf
-    no_divisor, no_truth = (
-        "Divisor must be a constant",
-        'Constraint has no bool value (are you trying "lb <= expr <= ub"?)',
-    )
-    refused(
-        no_divisor, 10003, lambda: 2 / e, lambda: e / X, lambda: X / 0, lambda: X / Y, lambda: X / e, lambda: e / "2"
-    )
-    refused("Constant is Nan", 10003, lambda: e + nan, lambda: nan + e, lambda: X - nan, lambda: quicksum([nan, X]))
-    refused("Multiplier is Nan or Inf", 10003, lambda: e * nan, lambda: inf * e, lambda: X / nan, lambda: X / 1e-320)
-    refused("Inequality constraints not supported", 0, lambda: e != 1, lambda: e != None, lambda: X != 1)  # noqa: E711
-    refused(
-        no_truth, 0, lambda: bool(X <= 1), lambda: 0 <= X <= 1, lambda: (X <= 1).__nonzero__(), lambda: [X].index(Y)
-    )
-    refused("Constraint comparison not implemented", 0, lambda: (X <= 1) <= 2, lambda: 2 <= (X <= 1))
+    no_divisor = "Divisor must be a constant"
+    no_truth = 'Constraint has no bool value (are you trying "lb <= expr <= ub"?)'
+    refused(no_divisor, 10003, lambda: 2 / e, lambda: e / x, lambda: x / 0, lambda: x / y, lambda: e / "2")
+    refused("Constant is Nan", 10003, lambda: e + nan, lambda: nan + e, lambda: x - nan, lambda: quicksum([nan, x]))
+    refused("Multiplier is Nan or Inf", 10003, lambda: e * nan, lambda: inf * e, lambda: x / nan, lambda: x / 1e-320)
+    refused("Inequality constraints not supported", 0, lambda: e != 1, lambda: e != None, lambda: x != 1)  # noqa: E711
+    refused(no_truth, 0, lambda: bool(x <= 1), lambda: 0 <= x <= 1, lambda: (x <= 1).__nonzero__())
+    refused(no_truth, 0, lambda: [x].index(y))
+    refused("Constraint comparison not implemented", 0, lambda: (x <= 1) <= 2, lambda: 2 <= (x <= 1))
     for error, function in [
         (ZeroDivisionError, lambda: e / 0),
         (NotImplementedError, lambda: e < 1),
         (NotImplementedError, lambda: 1 < e),
-        (TypeError, lambda: X < 1),
-        (TypeError, lambda: (X <= 1) < 1),
+        (TypeError, lambda: x < 1),
+        (TypeError, lambda: (x <= 1) < 1),
         (TypeError, lambda: e**3),
-        (TypeError, lambda: X**3),
-        (TypeError, lambda: 2**X),
+        (TypeError, lambda: x**3),
+        (TypeError, lambda: 2**x),
         (TypeError, lambda: 2**e),
         (TypeError, lambda: pow(e, 2, 5)),
-        (TypeError, lambda: 2 / X),
-        (TypeError, lambda: X + None),
-        (TypeError, lambda: None - X),
+        (TypeError, lambda: 2 / x),
+        (TypeError, lambda: x + None),
+        (TypeError, lambda: None - x),
         (TypeError, lambda: e + "a"),
-        (TypeError, lambda: [1] * X),
+        (TypeError, lambda: [1] * x),
         (TypeError, lambda: e + 10**400),
         (TypeError, lambda: e + 1j),
         (TypeError, lambda: hash(e)),
@@ -224,21 +219,21 @@ def test_refusals():
 
 
 def test_unchecked_coefficients_of_variables():
-    assert math.isnan((X * math.nan).getCoeff(0)) and (math.inf * X).getCoeff(0) == math.inf
-    assert content(X * "3") == (0.0, [(3.0, 0)])
-    assert content(X.__div__(4)) == (0.0, [(0.25, 0)])
+    assert math.isnan((x * math.nan).getCoeff(0)) and (math.inf * x).getCoeff(0) == math.inf
+    assert content(x * "3") == (0.0, [(3.0, 0)])
+    assert content(x.__div__(4)) == (0.0, [(0.25, 0)])
 
 
 def test_comparisons():
-    e, array = X + Y, [1, 2]
+    e, array = x + y, [1, 2]
     for comparison, sense in ((e <= array, ZVN.LESS_EQUAL), (e >= array, ZVN.GREATER_EQUAL), (e == array, ZVN.EQUAL)):
         assert comparison._lhs is e and comparison._rhs is array and comparison._sense == sense
-    for comparison, sense in ((X <= e, "<"), (X >= e, ">"), (X == e, "=")):
+    for comparison, sense in ((x <= e, "<"), (x >= e, ">"), (x == e, "=")):
         assert content(comparison._lhs) == (0.0, [(1.0, 0)]) and comparison._rhs is e and comparison._sense == sense
-    assert (X == None) is False and (e == None) is False and (X != None) is True  # noqa: E711
-    indicator = (X == 1) >> (e <= 2)
+    assert (x == None) is False and (e == None) is False and (x != None) is True  # noqa: E711
+    indicator = (x == 1) >> (e <= 2)
     assert indicator._sense == "I" and type(indicator._lhs) is type(indicator._rhs) is TempConstr
-    assert indicator == indicator and (indicator == (X == 1)) is False and indicator != 1
+    assert indicator == indicator and (indicator == (x == 1)) is False and indicator != 1
     assert len({indicator, indicator}) == 1
 
 

@@ -151,12 +151,12 @@ LinExpr* allocate_linexpr(PyTypeObject* type) {
     }
     if (num_free) {
         e = free_list[--num_free];
-        PyObject_Init(reinterpret_cast<PyObject*>(e), LinExpr_Type);
+        revive(reinterpret_cast<PyObject*>(e));
     } else {
         e = PyObject_GC_New(LinExpr, LinExpr_Type);
         if (!e) throw PythonError{};
+        own_type(LinExpr_Type);
     }
-    own_type(LinExpr_Type);
     init_fields(e, 0.0);
     fall_asleep(dormant_class, e->link);
     return e;
@@ -176,10 +176,11 @@ void LinExpr_dealloc(PyObject* self) {
     release_terms(e->terms, e->size);
     free_array(e);
     if (e->tail) release_tail(e->tail);
-    if (type == LinExpr_Type && num_free < kMaxFree)
+    if (type == LinExpr_Type && num_free < kMaxFree) {
         free_list[num_free++] = e;
-    else
-        type->tp_free(self);
+        return;
+    }
+    type->tp_free(self);
     release_type(type, LinExpr_Type);
 }
 

@@ -42,6 +42,30 @@ inline void append_term(LinExpr* e, double coeff, Handle* var) {
     e->terms[e->size++] = {coeff, var};
     if (!is_inert(var)) wake_linexpr(e);
 }
+// e += term for a term of known exact class, which runs no Python code; false for any other.
+template <void (*Grow)(LinExpr*)>
+inline bool add_known(LinExpr* e, PyObject* term) {
+    PyTypeObject* type = Py_TYPE(term);
+    if (type == LinExpr_Type) {
+        LinExpr* other = as_linexpr(term);
+        if (other->size != 1 || other->tail) {
+            linexpr_add(e, other, 1.0);
+            return true;
+        }
+        if (e->size == e->capacity) Grow(e);
+        append_term(e, other->terms[0].coeff, other->terms[0].var);
+        e->constant += other->constant;
+        return true;
+    }
+    if (type == Var_Type) {
+        if (e->size == e->capacity) Grow(e);
+        append_term(e, 1.0, as_handle(term));
+        return true;
+    }
+    if (type != &PyFloat_Type) return false;
+    linexpr_add_constant(e, PyFloat_AS_DOUBLE(term));
+    return true;
+}
 // e exchanges its terms with those of the buffer.
 void swap_terms(LinExpr* e, TermBuffer& buffer);
 // Sets the older blocks of e; tail may be null.

@@ -98,19 +98,10 @@ PyObject* linexpr_multiply(py::handle left, py::handle right) {
 
 PyObject* linexpr_iadd(py::handle self, py::handle operand) {
     LinExpr* e = as_linexpr(self);
-    double value;
-    switch (classify(operand, value)) {
-        case Operand::kVar:
-            linexpr_append(e, 1.0, as_handle(operand));
-            break;
-        case Operand::kLinExpr:
-            linexpr_add(e, as_linexpr(operand), 1.0);
-            break;
-        case Operand::kScalar:
-            linexpr_add_constant(e, value);
-            break;
-        case Operand::kForeign:
-            return not_implemented();
+    if (!add_known<grow_linexpr>(e, operand.ptr())) {
+        double value;
+        if (classify(operand, value) == Operand::kForeign) return not_implemented();
+        linexpr_add_any(e, operand, 1.0);
     }
     return self.inc_ref().ptr();
 }

@@ -26,6 +26,8 @@ inline void own_type([[maybe_unused]] PyTypeObject* type) {
     Py_INCREF(type);
 #endif
 }
+// An object from a free list lives again; there it kept its reference to the type.
+inline void revive(PyObject* object) { _Py_NewReference(object); }
 // tp_traverse of a heap type visits the type from 3.9 on.
 inline int visit_type([[maybe_unused]] PyObject* self, [[maybe_unused]] visitproc visit, [[maybe_unused]] void* arg) {
 #if PY_VERSION_HEX >= 0x03090000

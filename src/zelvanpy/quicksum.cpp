@@ -8,36 +8,15 @@ namespace zelvanpy {
 
 namespace {
 
-// e += term for a term of known class, which runs no Python code; false for any other.
-inline bool add_known(LinExpr* e, PyObject* term) {
-    PyTypeObject* type = Py_TYPE(term);
-    if (type == Var_Type) {
-        if (e->size == e->capacity) double_linexpr(e);
-        append_term(e, 1.0, as_handle(term));
-        return true;
-    }
-    if (type == LinExpr_Type) {
-        LinExpr* other = as_linexpr(term);
-        if (other->size == 1 && !other->tail) {
-            if (e->size == e->capacity) double_linexpr(e);
-            append_term(e, other->terms[0].coeff, other->terms[0].var);
-            e->constant += other->constant;
-        } else {
-            linexpr_add(e, other, 1.0);
-        }
-        return true;
-    }
-    if (type != &PyFloat_Type) return false;
-    linexpr_add_constant(e, PyFloat_AS_DOUBLE(term));
-    return true;
+bool add_to_sum(py::handle result, PyObject* term) {
+    return Py_TYPE(result.ptr()) == LinExpr_Type && add_known<double_linexpr>(as_linexpr(result), term);
 }
 
 void sum_list(py::object& result, PyObject* list) {
     linexpr_reserve(as_linexpr(result), PyList_GET_SIZE(list));
     for (Py_ssize_t i = 0; i < PyList_GET_SIZE(list); ++i) {
         PyObject* term = PyList_GET_ITEM(list, i);
-        if (Py_TYPE(result.ptr()) != LinExpr_Type || !add_known(as_linexpr(result), term))
-            result = steal(PyNumber_InPlaceAdd(result.ptr(), borrow(term).ptr()));
+        if (!add_to_sum(result, term)) result = steal(PyNumber_InPlaceAdd(result.ptr(), borrow(term).ptr()));
     }
 }
 
@@ -46,8 +25,7 @@ void sum_iterable(py::object& result, py::handle terms) {
     const iternextfunc next = Py_TYPE(iterator.ptr())->tp_iternext;
     while (PyObject* element = next(iterator.ptr())) {
         const py::object term = py::reinterpret_steal<py::object>(element);
-        if (Py_TYPE(result.ptr()) != LinExpr_Type || !add_known(as_linexpr(result), element))
-            result = steal(PyNumber_InPlaceAdd(result.ptr(), element));
+        if (!add_to_sum(result, element)) result = steal(PyNumber_InPlaceAdd(result.ptr(), element));
     }
     if (!PyErr_Occurred()) return;
     if (!PyErr_ExceptionMatches(PyExc_StopIteration)) throw PythonError{};
@@ -57,7 +35,7 @@ void sum_iterable(py::object& result, py::handle terms) {
 }  // namespace
 
 py::object accumulate(py::object result, py::handle term) {
-    if (Py_TYPE(result.ptr()) == LinExpr_Type && add_known(as_linexpr(result), term.ptr())) return result;
+    if (add_to_sum(result, term.ptr())) return result;
     return steal(PyNumber_InPlaceAdd(result.ptr(), term.ptr()));
 }
 

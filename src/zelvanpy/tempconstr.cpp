@@ -36,12 +36,12 @@ TempConstr* allocate(PyTypeObject* type) {
     }
     if (num_free) {
         self = free_list[--num_free];
-        PyObject_Init(as_object(*self), TempConstr_Type);
+        revive(as_object(*self));
     } else {
         self = PyObject_GC_New(TempConstr, TempConstr_Type);
         if (!self) throw PythonError{};
+        own_type(TempConstr_Type);
     }
-    own_type(TempConstr_Type);
     self->lhs = self->rhs = nullptr;
     fall_asleep(dormant_class, self->link);
     return self;
@@ -99,10 +99,11 @@ void TempConstr_dealloc(PyObject* object) {
     else
         PyObject_GC_UnTrack(object);
     release_sides(self);
-    if (type == TempConstr_Type && num_free < kMaxFree)
+    if (type == TempConstr_Type && num_free < kMaxFree) {
         free_list[num_free++] = self;
-    else
-        type->tp_free(object);
+        return;
+    }
+    type->tp_free(object);
     release_type(type, TempConstr_Type);
 }
 
