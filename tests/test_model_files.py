@@ -569,7 +569,7 @@ Objective 0 Priority 2 Weight 1 AbsTol 1e-06 RelTol 0
 Objective 1 Priority 1 Weight -0.5 AbsTol 0 RelTol 0.1
  gain: 3 x - y - 4
 Objective 2 Priority 0 Weight 1 AbsTol 1e-06 RelTol 0
- y
+  y
 PWLObj
  y: (-1, 0) (0, 0) (2.5, 4)
 End
