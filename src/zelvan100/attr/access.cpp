@@ -30,6 +30,12 @@ std::string number_text(double value) {
     return {buffer, std::to_chars(buffer, buffer + sizeof buffer, value).ptr};
 }
 
+std::string range_text(const AttrSpec& spec) {
+    const bool open_below = spec.minimum == -kLargestFinite, open_above = spec.maximum == kLargestFinite;
+    return (open_below ? "(-1e20" : "[" + number_text(spec.minimum)) + ", " +
+           (open_above ? "1e20)" : number_text(spec.maximum) + "]");
+}
+
 int attr_of_type(const char* name, AttrType type) {
     if (!name) throw Error(ZVN_ERROR_NULL_ARGUMENT, "Argument 'name' is NULL");
     const int attr = find_attr(name);
@@ -132,8 +138,7 @@ void check_right_side(const Model& model, const AttrSpec& spec, int i, double va
 
 double checked_number(const Model& model, int attr, const AttrSpec& spec, int i, double value) {
     if (std::isinf(value)) value = std::copysign(kInfinity, value);
-    if (!(value >= spec.minimum && value <= spec.maximum))
-        refuse_value(spec, i, value, "[" + number_text(spec.minimum) + ", " + number_text(spec.maximum) + "]");
+    if (!(value >= spec.minimum && value <= spec.maximum)) refuse_value(spec, i, value, range_text(spec));
     if (attr == static_cast<int>(Attr::ModelSense) && value == 0) refuse_value(spec, i, value, "1 or -1");
     if (attr == static_cast<int>(Attr::RHS)) check_right_side(model, spec, i, value);
     return value;

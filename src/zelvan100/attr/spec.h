@@ -6,6 +6,10 @@
 
 namespace zelvan {
 
+// The largest number that doesn't count as infinite.
+inline constexpr double kLargestFinite = kInfinityThreshold - 16384;
+static_assert(kLargestFinite < kInfinityThreshold);
+
 // Where the numbers of an attribute of columns or rows lie: in one of the arrays, or all are `same`.
 struct Values {
     const double* doubles = nullptr;

@@ -42,9 +42,6 @@ constexpr std::array<std::int16_t, sizeof kNamePool> kAtOffset = [] {
 constexpr NameIndex<kCount> kIndex{kNames};
 
 constexpr double kMaxInt = 2147483647;
-// The largest number that doesn't count as infinite.
-constexpr double kFinite = kInfinityThreshold - 16384;
-static_assert(kFinite < kInfinityThreshold);
 
 using A = Attr;
 using Number = double (*)(const Model&);
@@ -94,7 +91,7 @@ constexpr AttrSpec kAttrs[] = {
     model_int("NumPWLObjVars", num_pwl_vars),
     model_str("ModelName", model_name).set_text(ZVN_MAX_NAMELEN),
     model_int("ModelSense", model_sense).set(-1, 1),
-    model_dbl("ObjCon", objective_constant).set(-kFinite, kFinite),
+    model_dbl("ObjCon", objective_constant).set(-kLargestFinite, kLargestFinite),
     model_int("IsMIP", is_mip),
     model_int("IsQP", none),
     model_int("IsQCP", none),
@@ -138,9 +135,9 @@ constexpr AttrSpec kAttrs[] = {
     model_int("ConcurrentWinMethod", concurrent_winner),
 
     // Variables
-    column("LB", kDouble, lower_bounds).set(-kInfinity, kFinite),
-    column("UB", kDouble, upper_bounds).set(-kFinite, kInfinity),
-    column("Obj", kDouble, objective_coeffs).set(-kFinite, kFinite),
+    column("LB", kDouble, lower_bounds).set(-kInfinity, kLargestFinite),
+    column("UB", kDouble, upper_bounds).set(-kLargestFinite, kInfinity),
+    column("Obj", kDouble, objective_coeffs).set(-kLargestFinite, kLargestFinite),
     column("VType", kChar, types).set("CBISN"),
     texts("VarName", kVar, column_names).set_text(ZVN_MAX_NAMELEN),
     column("X", kDouble, primal_values),
@@ -251,10 +248,10 @@ constexpr AttrSpec kAttrs[] = {
     model_dbl("IntVioSum", sum<integrality_violation, false>),
 
     // Several objectives
-    column("ObjN", kDouble, objective_n).set(-kFinite, kFinite),
-    model_dbl("ObjNCon", objective_n_constant).set(-kFinite, kFinite),
+    column("ObjN", kDouble, objective_n).set(-kLargestFinite, kLargestFinite),
+    model_dbl("ObjNCon", objective_n_constant).set(-kLargestFinite, kLargestFinite),
     model_int("ObjNPriority", objective_n_priority).set(-kMaxInt, kMaxInt),
-    model_dbl("ObjNWeight", objective_n_weight).set(-kFinite, kFinite),
+    model_dbl("ObjNWeight", objective_n_weight).set(-kLargestFinite, kLargestFinite),
     model_dbl("ObjNRelTol", objective_n_rel_tol).set(0, kInfinity),
     model_dbl("ObjNAbsTol", objective_n_abs_tol).set(0, kInfinity),
     model_dbl("ObjNVal", objective_n_value),
