@@ -1,5 +1,7 @@
 """Parameter reads, against an attribute read through a `__getattr__` written in Python."""
 
+from functools import partial
+
 from timing import Table, compare
 
 import zelvanpy
@@ -27,5 +29,5 @@ yardstick = Yardstick()
 table = Table("Parameters, per read")
 for name in ("MIPGap", "Threads", "LogFile"):
     subject, baseline = reader("o.Params", name), reader("o", name)
-    ratio = compare(lambda: subject(model), lambda: baseline(yardstick))
+    ratio = compare(partial(subject, model), partial(baseline, yardstick))
     table.row(f"model.Params.{name} / Python __getattr__", ratio, bar=1.0, per=1000)

@@ -294,13 +294,13 @@ def test_params_outlive_their_model(env_silent):
     del model
     gc.collect()
     with pytest.raises(AttributeError):
-        params.Threads
+        params.__getattr__("Threads")
     assert repr(params) == "<zelvanpy.ParamClass: No parameter changes>"
     for wrong in (None, 5):
         with pytest.raises(TypeError):
             ParamClass(wrong)
     with pytest.raises(ZelvanError, match="Invalid Environment"):
-        ParamClass.__new__(ParamClass).Threads
+        ParamClass.__new__(ParamClass).__getattr__("Threads")
 
 
 def test_a_subclass_may_add_attributes(env):
@@ -313,7 +313,7 @@ def test_a_subclass_may_add_attributes(env):
     mine = Mine(env)
     assert (mine.tag, mine.ratio(), mine.threads) == ("class attribute", 2e-4, 0)
     with pytest.raises(AttributeError):
-        mine.nix
+        mine.__getattr__("nix")
 
 
 # Help
