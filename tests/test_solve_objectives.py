@@ -118,7 +118,7 @@ def test_objectives_by_falling_priority(objectives, sense):
     for k, (coeffs, weight, abs_tol, rel_tol) in enumerate(objectives):
         direction = sense * math.copysign(1, weight)
 
-        def objective(point):
+        def objective(point, coeffs=coeffs, k=k):
             return sum(c * v for c, v in zip(coeffs, point)) + k
 
         best = min(direction * objective(point) for point in points)

@@ -36,8 +36,8 @@ constexpr ParamSpec kParams[] = {
     integer("BarIterLimit", 0, kMaxInt, 1000, "Most iterations of the barrier method.",
             "HiGHS option ipm_iteration_limit; the solve ends with status ITERATION_LIMIT."),
     real("Cutoff", -kInf, kInf, kInf, "Objective value that a solution must not be worse than; infinite for none.",
-         "A MIP gets a constraint that keeps solutions within the value; a solve that finds none ends with status "
-         "CUTOFF."),
+         "A MIP gets a constraint that keeps solutions within the value, the optimum of an LP is compared with it; a "
+         "solve that finds none ends with status CUTOFF. A solve of several objectives doesn't ask it."),
     real("IterationLimit", 0, kInf, kInf, "Most iterations of the simplex method.",
          "HiGHS option simplex_iteration_limit, and over all relaxations of a MIP; status ITERATION_LIMIT."),
     real("MemLimit", 0, kInf, kInf, "Most memory of the process, in gigabytes (10^9 bytes).",
@@ -45,17 +45,20 @@ constexpr ParamSpec kParams[] = {
     real("NodeLimit", 0, kInf, kInf, "Most nodes of the branch-and-bound search.",
          "HiGHS option mip_max_nodes; the solve ends with status NODE_LIMIT."),
     real("SoftMemLimit", 0, kInf, kInf, "Memory of the process, in gigabytes, at which a solve ends in order.",
-         "The solve polls the memory of the process and ends with status MEM_LIMIT and the solution found so far."),
+         "The resident memory of the process is polled; beyond the limit the solve ends with status MEM_LIMIT and the "
+         "solution found so far."),
     integer("SolutionLimit", 1, kMaxInt, kMaxInt, "Number of improving solutions after which a MIP search ends.",
-            "HiGHS option mip_max_improving_sols; the solve ends with status SOLUTION_LIMIT."),
+            "HiGHS option mip_max_improving_sols, and solutions that its first heuristics find count too; the solve "
+            "ends with status SOLUTION_LIMIT."),
     real("TimeLimit", 0, kInf, kInf, "Most time of a solve, in seconds.",
          "HiGHS option time_limit; the solve ends with status TIME_LIMIT."),
     real("WorkLimit", 0, kInf, kInf, "Most work of a solve, in units that don't depend on the machine's speed.",
-         "The solve counts work from iterations and nodes and ends with status WORK_LIMIT."),
+         "Work is 4e-9 * (rows + columns + nonzeros) * (simplex iterations + 100 * barrier iterations + 100 * nodes), "
+         "polled; the solve ends with status WORK_LIMIT."),
     real("BestObjStop", -kInf, kInf, -kInf, "Objective value of a MIP solution that is good enough to end the search.",
          "The search is stopped when a solution reaches the value, with status USER_OBJ_LIMIT."),
     real("BestBdStop", -kInf, kInf, kInf, "Objective bound of a MIP at which the search ends.",
-         "The search is stopped when its bound reaches the value, with status USER_OBJ_LIMIT."),
+         "Polled in a MIP search, which ends with status USER_OBJ_LIMIT."),
 
     // Tolerances
     real("BarConvTol", 0, 1, 1e-8, "Relative gap of primal and dual objective at which the barrier method ends.",
@@ -226,7 +229,8 @@ constexpr ParamSpec kParams[] = {
     integer("DisplayInterval", 1, kMaxInt, 5, "Least seconds between two progress lines of the log.",
             "HiGHS option mip_min_logging_interval; of other progress lines those in between are left out."),
     integer("DualReductions", 0, 1, 1, "Whether presolve may use the objective to reduce the model.",
-            "With 0 an infeasible or unbounded model is told apart instead of ending with status INF_OR_UNBD."),
+            "With 0 an infeasible or unbounded model is told apart, by a solve without objective if need be, instead "
+            "of ending with status INF_OR_UNBD."),
     real("FeasRelaxBigM", 0, kInf, 1e6, "Largest relaxation of a constraint when violations are counted."),
     real("FuncPieceError", 1e-6, 1e6, 1e-3, "Error of a piecewise-linear approximation of a function."),
     real("FuncPieceLength", 1e-5, 1e6, 1e-2, "Length of the pieces of an approximation."),

@@ -24,7 +24,7 @@ public:
     void incumbent(double, const double*) override {}
 
     SolverResult run(HighsSession& session, int threads) {
-        session.attach(this);
+        const Attached attached(session, *this);
         SolverResult result = session.run(threads);
         const bool decided = result.outcome <= Outcome::kUnbounded;
         int none = 0;
@@ -33,6 +33,12 @@ public:
     }
 
 private:
+    struct Attached {
+        Attached(HighsSession& session, SolveEvents& events) : session_(session) { session_.attach(&events); }
+        ~Attached() { session_.attach(nullptr); }
+        HighsSession& session_;
+    };
+
     Monitor& monitor_;
     std::atomic<int>& winner_;
     const int method_;

@@ -23,27 +23,35 @@ constexpr double kStartTolerance = 1e-6;
 // HighsLogType of error lines.
 constexpr int kLogError = 5;
 
-// HiGHS keeps one scheduler for each thread that calls it, whose size is fixed while it lives.
-struct Scheduler {
-    int threads = -1;  // as asked for; -1 before the first solve on this thread
-    int running = 0;   // solves on this thread, one within a callback of the other
-    pid_t process = 0;
-
-    // Number to pass as the option `threads`. A solve inside another one has to take what is there.
-    int enter(int wanted) {
-        const bool forked = process != getpid();
-        if (running == 0 || forked) {
+// HiGHS keeps one scheduler for each thread that calls it, whose size is fixed while it lives. While one
+// of these lives the calling thread has the scheduler that was asked for.
+class Scheduler {
+public:
+    explicit Scheduler(int wanted) : wanted_(wanted) {
+        const bool forked = here_.process != getpid();
+        if (here_.running == 0 || forked) {
             // After a fork the scheduler's threads are gone: joining them would wait for ever.
-            if (threads >= 0 && (forked || threads != wanted)) Highs_resetGlobalScheduler(forked ? 0 : 1);
-            threads = wanted;
-            process = getpid();
+            if (here_.threads >= 0 && (forked || here_.threads != wanted)) Highs_resetGlobalScheduler(forked ? 0 : 1);
+            here_ = {wanted, 0, getpid()};
         }
-        ++running;
-        return threads == wanted ? wanted : 0;
+        ++here_.running;
     }
-    void leave() { --running; }
+    ~Scheduler() { --here_.running; }
+    Scheduler(const Scheduler&) = delete;
+    Scheduler& operator=(const Scheduler&) = delete;
+    // Value for the option `threads`. A solve in a callback of another one has to take what is there.
+    int threads() const { return here_.threads == wanted_ ? wanted_ : 0; }
+
+private:
+    struct Here {
+        int threads = -1;  // as asked for; -1 before the first solve on this thread
+        int running = 0;
+        pid_t process = 0;
+    };
+    static thread_local Here here_;
+    const int wanted_;
 };
-thread_local Scheduler scheduler;
+thread_local Scheduler::Here Scheduler::here_;
 
 std::uint64_t mix(std::uint64_t hash, std::uint64_t word) {
     hash = (hash ^ word) * 0x9e3779b97f4a7c15u;
@@ -331,10 +339,10 @@ SolverResult HighsSession::run(int threads) {
     thrown_ = nullptr;
     failed_ = false;
     fault_.clear();
-    set_option("threads", scheduler.enter(threads));
+    const Scheduler scheduler(threads);
+    set_option("threads", scheduler.threads());
     Highs_zeroAllClocks(highs_);  // they run on over several solves, and the time limit with them
     const int status = Highs_run(highs_);
-    scheduler.leave();
     if (thrown_) std::rethrow_exception(thrown_);
     const int model_status = Highs_getModelStatus(highs_);
     if (status == kHighsStatusError && model_status != kModelStatusMemoryLimit) check(status, "solve the model");
@@ -376,18 +384,17 @@ SolverResult HighsSession::fetch() {
     return result;
 }
 
-std::vector<double> HighsSession::dual_ray() {
-    HighsInt found = 0;
-    std::vector<double> ray(row_lower_.size());
-    check(Highs_getDualRay(highs_, &found, ray.data()), "compute a dual ray");
-    return found ? ray : std::vector<double>();
-}
+std::vector<double> HighsSession::dual_ray() { return certificate(row_lower_.size(), Highs_getDualRay); }
 
-std::vector<double> HighsSession::primal_ray() {
+std::vector<double> HighsSession::primal_ray() { return certificate(cost_.size(), Highs_getPrimalRay); }
+
+// Solves an LP where HiGHS has no certificate yet, so it may be stopped as run() may.
+std::vector<double> HighsSession::certificate(std::size_t size, int (*get)(const void*, int*, double*)) {
     HighsInt found = 0;
-    std::vector<double> ray(cost_.size());
-    check(Highs_getPrimalRay(highs_, &found, ray.data()), "compute a primal ray");
-    return found ? ray : std::vector<double>();
+    std::vector<double> ray(size);
+    const int status = get(highs_, &found, ray.data());
+    if (thrown_) std::rethrow_exception(thrown_);
+    return status != kHighsStatusError && found ? ray : std::vector<double>();
 }
 
 bool HighsSession::has_size(int num_rows, int num_cols) const {

@@ -108,6 +108,7 @@ private:
     void pass(const SolverModel& model);
     void pass_changes(const SolverModel& model);
     SolverResult fetch();
+    std::vector<double> certificate(std::size_t size, int (*get)(const void*, int*, double*));
 
     void* highs_;
     SolveEvents* events_ = nullptr;

@@ -57,7 +57,8 @@ SolverResult Run::solve(const SolverModel& problem, const Start& start) {
     session().load(problem);
     pass_start(problem, start);
     result = run_loaded(problem);
-    const bool must_know = params_.get_int(Param::DualReductions) == 0 || params_.get_int(Param::InfUnbdInfo) != 0;
+    const bool must_know =
+        params_.get_int(Param::DualReductions) == 0 || (params_.get_int(Param::InfUnbdInfo) != 0 && !problem.is_mip());
     if (result.outcome == Outcome::kInfeasibleOrUnbounded && must_know) result = tell_apart(problem);
     return result;
 }
