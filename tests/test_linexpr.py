@@ -13,7 +13,7 @@ from hypothesis import settings
 from hypothesis import strategies as st
 from hypothesis.stateful import Bundle, RuleBasedStateMachine, invariant, multiple, rule
 
-from zelvanpy import LinExpr, TempConstr, Var, ZelvanError, quicksum
+from zelvanpy import LinExpr, TempConstr, Var, ZelvanError, quicksum, read
 
 INVALID = 10003
 
@@ -361,6 +361,78 @@ def test_sizes():
     assert sys.getsizeof(e) <= 17 * len(xs) + 112
 
 
+MODEL = """Maximize
+ obj: 3 x + 2 y + free
+Subject To
+ c0: x + y <= 4
+ c1: x + 3 y + free <= 6
+Bounds
+ x <= 3
+ free free
+End
+"""
+
+
+@pytest.fixture
+def solved(env_silent, tmp_path):
+    (tmp_path / "m.lp").write_text(MODEL)
+    model = read(str(tmp_path / "m.lp"), env_silent)
+    model.optimize()
+    yield model
+    model.dispose()
+
+
+def test_text(solved):
+    x, y, z = solved.getVars()
+    assert str(1 + x + 3 * y - z) == "1.0 + x + 3.0 y + -1.0 free"
+    assert str(2 * x) == "2.0 x" and str(LinExpr(2.5)) == "2.5" and str(x - x) == "x + -1.0 x"
+    assert repr(x + 1e30) == "<zelvan.LinExpr: 1e+30 + x>"
+    assert str(x <= 1) == "<zelvan.TempConstr: x <= 1>"
+    assert repr((x == 1) >> (y + x <= z)) == (
+        "<zelvan.TempConstr: <zelvan.TempConstr: x == 1> == <zelvan.TempConstr: y + x <= " + repr(z) + ">>"
+    )
+    solved.remove(y)
+    assert str(x + 2 * y) == "x + 2.0 <zelvan.Var y (Removed)>"
+    solved.update()
+    assert str(x + 2 * y) == "x + 2.0 <zelvan.Var *Removed*>"
+    assert str(x + Var(solved._cmodel, 7)) == "x + <zelvan.Var *Awaiting Model Update*>"
+
+
+def test_value_of_solution(solved):
+    x, y, z = solved.getVars()
+    e = quicksum(0.1 * i * v for i, v in enumerate([x, y, z] * 50)) + 0.7
+    expected = 0.7
+    for i in range(e.size()):
+        expected += e.getVar(i).X * e.getCoeff(i)
+    assert e.getValue() == expected and LinExpr(3).getValue() == 3.0
+    x._note = "fields change nothing"
+    assert e.getValue() == expected
+
+    class Fixed(Var):
+        x = 100.0
+
+    assert (x + Fixed(solved._cmodel, 1)).getValue() == x.X + 100.0
+    removed, pending = Var(solved._cmodel, -2), Var(solved._cmodel, -1)
+    for expression, text in [
+        (x + removed + pending, "Var was removed from the model"),
+        (x + pending + removed, "Var has not yet been added to the model"),
+    ]:
+        refused(text, expression.getValue, code=0)
+    solved.remove(y)
+    assert (x + 2 * y).getValue() == x.X + 2 * y.X
+
+
+def test_value_without_solution(env_silent, tmp_path):
+    (tmp_path / "m.lp").write_text(MODEL)
+    with read(str(tmp_path / "m.lp"), env_silent) as model:
+        x, y, _ = model.getVars()
+        with pytest.raises(AttributeError) as one:
+            _ = x.X
+        with pytest.raises(AttributeError) as several:
+            (x + y).getValue()
+        assert str(one.value) == str(several.value)
+
+
 class Canary:
     pass
 
@@ -430,7 +502,11 @@ def test_reference_counts_stay(xyz):
             assert (g <= one)._lhs is g
             refused("First argument should be a list of floats", g.addTerms, [one, "a"], [x, y])
 
-    work(100)
-    before = [sys.getrefcount(o) for o in (x, y, z, e, f, one, None, LinExpr)]
+    def counts():
+        gc.collect()
+        return [sys.getrefcount(o) for o in (x, y, z, e, f, one, LinExpr, TempConstr)]
+
+    work(300)
+    before = counts()
     work(2000)
-    assert [sys.getrefcount(o) for o in (x, y, z, e, f, one, None, LinExpr)] == before
+    assert counts() == before
