@@ -319,6 +319,8 @@ def test_subclass(xyz):
         assert type(e) is LinExpr
     assert content(1 - t) == (1.0, [(-1.0, 0), (-1.0, 1)])
     assert content(LinExpr(t)) == content(t)
+    assert content(y + 1 + t) == (1.0, [(1, 1), (1, 0), (1, 1)])
+    assert content(t.__radd__(y)) == (0.0, [(1, 0), (1, 1), (1, 1)])
     restored = copy.copy(t)
     assert type(restored) is Tagged and restored.tag == "t" and content(restored) == content(t)
 
@@ -329,6 +331,10 @@ def test_subclass(xyz):
         def __radd__(self, other):
             return "own reflected sum"
 
+        def __mul__(self, other):
+            return "own product"
+
+    assert Own() * 1 == "own product" and content(2 * Own()) == (0.0, [])
     assert Own() + 1 == "own sum" and LinExpr() + Own() == "own reflected sum"
 
 

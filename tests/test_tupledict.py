@@ -199,6 +199,7 @@ def test_sums_of_variables_agree_with_quicksum(x):
     for pattern in ((), ("*", 2), (1,), ([2, 0], [3, 3]), (5, "*")):
         total = x.sum(*pattern)
         assert type(total) is LinExpr and terms(total) == terms(quicksum(x.select(*pattern)))
+    assert terms(quicksum(x)) == terms(x.sum())
     coeffs = {(i, j): i - 0.5 * j for i in range(-1, 3) for j in range(4)}
     for pattern in ((), ("*", 2), ([1, 2], 0)):
         total = quicksum(coeffs[k] * v for k, v in x.iteritems(*pattern))

@@ -25,29 +25,31 @@ inline void refuse_keywords(const char* function, const Args& args) {
 }
 
 // Ends a deallocator: gives the contents and the memory of a list or dict back, then the reference to the type.
-// Nested containers are unwound by the trashcan instead of the C stack.
+// Nested containers are unwound by the trashcan instead of the C stack; for a Python subclass, Python sees to that.
 template <class ClearOwn>
-void dealloc_container(PyObject* self, PyTypeObject* own, PyTypeObject* base, destructor dealloc, ClearOwn clear_own) {
-    PyTypeObject* type = Py_TYPE(self);
+void dealloc_container(PyObject* self, PyTypeObject* own, PyTypeObject* base, [[maybe_unused]] destructor dealloc,
+                       ClearOwn clear_own) {
+    PyTypeObject* const type = Py_TYPE(self);
     PyObject_GC_UnTrack(self);
+    const auto finish = [=] {
+        clear_own();
+        base->tp_dealloc(self);
+        release_type(type, own);
+    };
+    if (type != own) return finish();
 #if PY_VERSION_HEX >= 0x03090000
     Py_TRASHCAN_BEGIN(self, dealloc);
-    clear_own();
-    base->tp_dealloc(self);
-    release_type(type, own);
+    finish();
     Py_TRASHCAN_END;
 #else
-    // The base's own trashcan would put the half-cleared object aside at the deepest level: it runs one level up.
+    // At the deepest level the base's own trashcan would put the half-cleared object aside: it runs one level up.
     Py_TRASHCAN_SAFE_BEGIN(self);
-    clear_own();
     base->tp_clear(self);
-    PyThreadState* state = PyThreadState_GET();
+    PyThreadState* const state = PyThreadState_GET();
     --state->trash_delete_nesting;
-    base->tp_dealloc(self);
+    finish();
     ++state->trash_delete_nesting;
-    release_type(type, own);
     Py_TRASHCAN_SAFE_END(self);
-    static_cast<void>(dealloc);
 #endif
 }
 

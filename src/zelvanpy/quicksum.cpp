@@ -3,10 +3,14 @@
 #include "exception.h"
 #include "linexpr_memory.h"
 #include "operand.h"
+#include "pynames.h"
+#include "tupledict.h"
 
 namespace zelvanpy {
 
 namespace {
+
+const Name kValues("values");
 
 bool add_to_sum(py::handle result, PyObject* term) {
     return Py_TYPE(result.ptr()) == LinExpr_Type && add_known<double_linexpr>(as_linexpr(result), term);
@@ -40,6 +44,7 @@ py::object accumulate(py::object result, py::handle term) {
 }
 
 py::object quicksum(py::handle terms) {
+    if (is_tupledict(terms)) return quicksum(steal(PyObject_CallMethodObjArgs(terms.ptr(), kValues.get(), nullptr)));
     py::object result = owned(new_linexpr());
     if (PyList_CheckExact(terms.ptr()))
         sum_list(result, terms.ptr());

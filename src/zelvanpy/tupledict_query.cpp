@@ -3,7 +3,7 @@
 #include <cmath>
 
 #include "exception.h"
-#include "linexpr.h"
+#include "linexpr_memory.h"
 #include "tupledict.h"
 #include "tuplelist.h"
 
@@ -182,7 +182,10 @@ public:
         add_any(steal(PyNumber_Multiply(coeff, value)));
     }
 
-    py::object result() && { return std::move(result_); }
+    py::object result() && {
+        if (native_) linexpr_shrink(native_);
+        return std::move(result_);
+    }
 
 private:
     void append(double coeff, PyObject* var) {
