@@ -117,7 +117,7 @@ constexpr char kIntro[] = "Codes of callbacks: where the solver stands when it c
 void init_callback(py::module_& module) {
     static std::string doc = kIntro;
     for (const CodeGroup& group : kGroups) {
-        append_wrapped(doc += "\n", group.text, 0);
+        append_wrapped(doc += '\n', group.text, 0);
         append_meanings(doc, group.begin, group.end);
     }
     CallbackClass_Type = make_const_class(module, "zelvanpy.CallbackClass", doc.c_str(), nullptr);

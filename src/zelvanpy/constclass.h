@@ -53,7 +53,7 @@ std::string list_by_group(std::string doc, const char* const (&names)[N], const 
         for (; i < N && (g + 1 == G || std::string_view(names[i]) != groups[g + 1].first); ++i)
             list += std::string(names[i]) + ", ";
         list.resize(list.size() - 2);
-        append_wrapped(doc += "\n", groups[g].text, 0);
+        append_wrapped(doc += '\n', groups[g].text, 0);
         append_wrapped(doc, list, 4);
     }
     return doc;

@@ -42,7 +42,7 @@ std::uint64_t row_hash(const Rows& rows, int i) {
 double fingerprint(const Model& m) {
     const ModelData& data = m.data;
     Hash hash;
-    hash.add(static_cast<std::uint64_t>(data.sense + 1));
+    hash.add(static_cast<std::uint64_t>(data.sense) + 1);
     hash.add(data.obj_constant);
     hash.add(static_cast<std::uint64_t>(data.cols.size()));
     hash.add(static_cast<std::uint64_t>(data.rows.size()));

@@ -75,8 +75,8 @@ private:
 std::string MpsWriter::write() {
     out_.reserve(1024 + 40 * data_.rows.col.size() + 40 * (data_.cols.lb.size() + data_.rows.rhs.size()));
     out_ += "NAME";
-    if (const std::string name = names_.model_name(); !name.empty()) out_ += " " + name;
-    out_ += "\n";
+    if (const std::string name = names_.model_name(); !name.empty()) (out_ += ' ') += name;
+    out_ += '\n';
     if (data_.sense < 0) out_ += "OBJSENSE\n    MAX\n";
     objectives();
     rows();

@@ -126,6 +126,7 @@ std::vector<double> objective_values(const ModelData& data, const std::vector<do
         return constant;
     };
     std::vector<double> values;
+    values.reserve(data.objectives.size());
     for (const Objective& objective : data.objectives)
         values.push_back(values.empty() ? value(data.cols.obj, data.obj_constant)
                                         : value(objective.coeff, objective.constant));
