@@ -1,9 +1,8 @@
 #!/bin/sh
 # Builds one wheel with plain pip from a copy of the sources, deletes the copy, and uses the wheel in a bare
-# environment: wheel_test.sh PYTHON [ARGUMENT OF PIP WHEEL...]
+# environment: wheel_test.sh PYTHON
 set -eu
 python=$1
-shift
 top=$(cd "$(dirname "$0")/.." && pwd)
 work=$(mktemp -d)
 trap 'rm -rf "$work"' EXIT
@@ -12,7 +11,7 @@ mkdir "$work/sources"
 (cd "$top" && git ls-files -z | tar --create --null --files-from=-) | tar --extract --directory="$work/sources"
 "$python" -m venv "$work/build"
 "$work/build/bin/python" -m pip wheel --quiet --disable-pip-version-check --no-deps \
-    --wheel-dir "$work/dist" "$@" "$work/sources"
+    --wheel-dir "$work/dist" "$work/sources"
 cp -r "$work/sources/examples/data" "$top/ci/wheel_check.py" "$work"
 rm -rf "$work/sources" "$work/build"
 

@@ -250,7 +250,8 @@ py::object get_attribute(py::handle object, py::handle name) {
         return steal(read_model_value(object, model_of(object), attribute));
     }
     const HandleKind* kind = find_handle_kind(object.ptr());
-    return steal(get_handle_attribute(require_handle(object, kind), *kind, as_text(name).ptr()));
+    Handle& handle = require_handle(object, kind);  // before *kind, which is null for what is no handle
+    return steal(get_handle_attribute(handle, *kind, as_text(name).ptr()));
 }
 
 void set_attribute(py::handle object, py::handle name, py::handle value) {
