@@ -33,11 +33,12 @@ def check_contents(dist, package, version):
 
 
 def check_libraries(package):
-    """Only the libraries that the wheel carries are in use."""
+    """Only the libraries that the wheel carries are in use. HiGHS loads OpenBLAS when a method first needs it."""
     maps = pathlib.Path("/proc/self/maps").read_text()
     for name in ("libzelvan100.so", "libhighs.so", "libopenblas.so"):
         paths = {line.split()[-1] for line in maps.splitlines() if line.endswith("/" + name)}
-        assert paths == {str(package / name)}, (name, paths)
+        assert paths <= {str(package / name)}, (name, paths)
+        assert paths or name == "libopenblas.so", name
 
 
 def main(dist, data):
