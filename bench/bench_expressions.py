@@ -7,7 +7,7 @@ import sys
 
 from timing import SHORT, Table, compare
 
-from zelvanpy import LinExpr, Var, quicksum
+from zelvanpy import Env, LinExpr, Model, Var, quicksum
 
 N = 20_000 if SHORT else 1_000_000
 
@@ -107,8 +107,9 @@ def main():
     sums(table, cs, fs, xs)
     memory(table, cs, xs)
     collector(table, cs, xs)
-    return bool(table.over)
+    with Env(params={"OutputFlag": 0}) as env, Model(env=env) as model:
+        value(table, model, cs)
 
 
 if __name__ == "__main__":
-    sys.exit(main())
+    main()
