@@ -73,7 +73,6 @@ class Table:
     """Prints one row per comparison as it comes: name, median ratio, quartiles, best ratio, times, bar, verdict."""
 
     def __init__(self, title):
-        self.over = []
         print(title)
         print("%-52s %8s %17s %8s %11s %11s %7s" % ("", "median", "quartiles", "best", "subject", "baseline", "bar"))
 
@@ -83,8 +82,6 @@ class Table:
         The lower of median and best ratio is held against the bar: noise only ever adds time.
         """
         within = bar is None or min(ratio.median, ratio.best) <= bar
-        if not within:
-            self.over.append(name)
         verdict = "" if bar is None else "ok" if within else "OVER"
         print(
             "%-52s %8.3f  [%6.3f, %6.3f] %8.3f %11s %11s %7s %s"
@@ -106,8 +103,6 @@ class Table:
     def note(self, name, value, bar=None, unit=""):
         """Print a single figure that is no ratio (bytes, growth exponent) against the highest value wanted."""
         within = bar is None or value <= bar
-        if not within:
-            self.over.append(name)
         verdict = "" if bar is None else "ok" if within else "OVER"
         print("%-52s %8.4g %s %s %s" % (name, value, unit, "" if bar is None else "(at most %g)" % bar, verdict))
         sys.stdout.flush()
