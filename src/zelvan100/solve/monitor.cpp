@@ -5,7 +5,7 @@
 #include <algorithm>
 #include <cctype>
 #include <cmath>
-#include <cstdio>
+#include <fstream>
 #include <limits>
 #include <utility>
 
@@ -34,12 +34,10 @@ bool is_progress(std::string_view line) {
 }  // namespace
 
 double resident_memory() {
-    std::FILE* file = std::fopen("/proc/self/statm", "r");
-    if (!file) return 0.0;
+    std::ifstream file("/proc/self/statm");
     double total = 0.0, resident = 0.0;
-    const int read = std::fscanf(file, "%lf %lf", &total, &resident);
-    std::fclose(file);
-    return read == 2 ? resident * static_cast<double>(sysconf(_SC_PAGESIZE)) : 0.0;
+    if (!(file >> total >> resident)) return 0.0;
+    return resident * static_cast<double>(sysconf(_SC_PAGESIZE));
 }
 
 Monitor::Monitor(Model& model)
