@@ -42,6 +42,11 @@ void init_fields(LinExpr* e, double constant) {
 
 // Backwards: the variables added last are most likely still in the cache.
 void release_terms(Term* terms, std::uint32_t size) {
+    while (size > kTermsAhead) {
+        --size;
+        __builtin_prefetch(terms[size - kTermsAhead].var, 1);
+        Py_DECREF(terms[size].var);
+    }
     while (size > 0) Py_DECREF(terms[--size].var);
 }
 

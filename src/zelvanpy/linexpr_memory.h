@@ -9,6 +9,7 @@ namespace zelvanpy {
 
 constexpr std::uint32_t kInlineTerms = 2;
 constexpr std::uint32_t kBlockTerms = 200;  // a sum by `+` starts a new block at this size
+constexpr std::uint32_t kTermsAhead = 16;   // variables are fetched into the cache so long before their turn
 
 // Terms under construction, each holding its variable, until an expression takes them over.
 class TermBuffer {

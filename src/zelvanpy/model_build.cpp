@@ -12,7 +12,14 @@ LibraryTerms call_buffer;
 // Entries that a buffer may keep between calls.
 constexpr std::size_t kKeptTerms = 1 << 16;
 
-const char* kForeign = "Variable not in model";
+// Variables are fetched into the cache so many terms before their turn.
+constexpr std::ptrdiff_t kAhead = 16;
+
+inline int index_in(const Model& model, const Handle* var) {
+    const int index = var->cindex();
+    if (index < 0 || !model_owns(model, var)) raise_zelvan(ZVN_ERROR_NOT_IN_MODEL, "Variable not in model");
+    return index;
+}
 
 }  // namespace
 
@@ -31,15 +38,16 @@ CallBuffer::~CallBuffer() {
 }
 
 void append_var(const Model& model, const Handle* var, double mult, LibraryTerms& buffer) {
-    const int index = var->cindex();
-    if (index < 0 || !model_owns(model, var)) raise_zelvan(ZVN_ERROR_NOT_IN_MODEL, kForeign);
-    buffer.add(index, mult);
+    buffer.add(index_in(model, var), mult);
 }
 
 void append_terms(const Model& model, const LinExpr* expr, double mult, LibraryTerms& buffer) {
     buffer.reserve(buffer.size() + expr->size);
-    for (const Term* term = expr->terms; term != expr->terms + expr->size; ++term)
-        append_var(model, term->var, mult * term->coeff, buffer);
+    const Term* const end = expr->terms + expr->size;
+    for (const Term* term = expr->terms; term != end; ++term) {
+        if (end - term > kAhead) __builtin_prefetch(term[kAhead].var);
+        buffer.add(index_in(model, term->var), mult * term->coeff);
+    }
 }
 
 py::object flat_copy(py::handle expr) {

@@ -204,9 +204,10 @@ PyObject* entry(const py::object& values, Py_ssize_t i) {
     return PyList_GET_ITEM(values.ptr(), i);
 }
 
+// The numbers of a keyword, one for each key; none where the keyword isn't given.
 std::vector<double> numbers(PyObject* value, double deflt, PyObject* keys) {
+    if (!value) return {};
     const Py_ssize_t count = PyList_GET_SIZE(keys);
-    if (!value) return std::vector<double>(count, deflt);
     if (PyFloat_Check(value)) return std::vector<double>(count, PyFloat_AS_DOUBLE(value));
     if (PyLong_CheckExact(value)) return std::vector<double>(count, to_double(value));
     const py::object fallback = steal(PyFloat_FromDouble(deflt));
@@ -227,8 +228,8 @@ char single_char(py::handle text) {
 }
 
 std::vector<char> types(PyObject* value, PyObject* keys) {
+    if (!value) return {};
     const Py_ssize_t count = PyList_GET_SIZE(keys);
-    if (!value) return std::vector<char>(count, ZVN_CONTINUOUS);
     if (PyUnicode_Check(value)) return std::vector<char>(count, single_char(value));
     const py::object fallback = steal(PyUnicode_FromString("C"));
     const py::object values = listify(value, fallback.ptr(), keys);
@@ -236,6 +237,22 @@ std::vector<char> types(PyObject* value, PyObject* keys) {
     std::vector<char> result(count);
     for (Py_ssize_t i = 0; i < count; ++i) result[i] = single_char(entry(values, i));
     return result;
+}
+
+// An array for the library, which takes null for its default.
+template <class T>
+const T* given(const std::vector<T>& values) {
+    return values.empty() ? nullptr : values.data();
+}
+
+// New handles for the variables that come next in the model.
+py::object new_vars(Model& self, Py_ssize_t count) {
+    const bool indexed = model_update_mode(self) == 1;
+    const Py_ssize_t first = PyList_GET_SIZE(self.vars);
+    py::object vars = steal(PyList_New(count));
+    for (Py_ssize_t i = 0; i < count; ++i)
+        PyList_SET_ITEM(vars.ptr(), i, new_handle(Var_Type, self.cmodel, indexed ? static_cast<int>(first + i) : -1));
+    return vars;
 }
 
 // The names of one call in one buffer, as the library takes them.
@@ -425,17 +442,19 @@ py::object Model_addVars(Model& self, Args args) {
     const std::vector<char> vtype = types(keywords.vtype(), keys.ptr());
 
     // The handles and their dict come first: an unhashable key must not leave variables without handles.
-    const bool indexed = model_update_mode(self) == 1;
     const Py_ssize_t first = PyList_GET_SIZE(self.vars);
-    const py::object vars = steal(PyList_New(count));
-    for (Py_ssize_t i = 0; i < count; ++i)
-        PyList_SET_ITEM(vars.ptr(), i, new_handle(Var_Type, self.cmodel, indexed ? static_cast<int>(first + i) : -1));
+    const py::object vars = new_vars(self, count);
     py::object result = new_tupledict(keys, vars);
+    if (PyList_GET_SIZE(self.vars) != first)
+        raise(PyExc_RuntimeError, "Model.addVars(): the model got variables while keys were hashed");
 
-    check(ZVNaddvars(model_pointer(self), static_cast<int>(count), 0, nullptr, nullptr, nullptr, obj.data(), lb.data(),
-                     ub.data(), vtype.data(), names.pointers()),
+    check(ZVNaddvars(model_pointer(self), static_cast<int>(count), 0, nullptr, nullptr, nullptr, given(obj), given(lb),
+                     given(ub), given(vtype), names.pointers()),
           as_object(self));
-    checked(PyList_SetSlice(self.vars, first, first, vars.ptr()));
+    if (first == 0)
+        swap_lists(self.vars, vars.ptr());
+    else
+        checked(PyList_SetSlice(self.vars, first, first, vars.ptr()));
     if (PyDict_Size(result.ptr()) != count) raise(PyExc_KeyError, "Duplicate keys in Model.addVars()");
     tupledict_setord(as_tupledict(result), keys);
     return result;

@@ -3,10 +3,17 @@
 // order of a dict. The differences between CPython 3.7 and 3.13 that concern them are settled here.
 
 #include <cstdint>
+#include <cstring>
 #include <utility>
 
 #include "pynames.h"
 #include "pytype.h"
+
+#if PY_VERSION_HEX >= 0x030B0000 && PY_VERSION_HEX < 0x030C0000
+#include <cpython/longintrepr.h>
+#elif PY_VERSION_HEX < 0x030B0000
+#include <longintrepr.h>
+#endif
 
 namespace zelvanpy {
 
@@ -102,24 +109,72 @@ inline std::uint64_t version_of(VersionedDict& dict) {
 #endif
 }
 
-// Looks keys up in a dict. Keys that come in the dict's order and are its own objects cost no hashing.
+// The value of an int of exact class, where it has one digit at most.
+inline bool read_small_int(PyObject* number, Py_ssize_t& value) {
+#if PY_VERSION_HEX >= 0x030C0000
+    const auto* digits = reinterpret_cast<const PyLongObject*>(number);
+    if (!PyUnstable_Long_IsCompact(digits)) return false;
+    value = PyUnstable_Long_CompactValue(digits);
+    return true;
+#else
+    const Py_ssize_t size = Py_SIZE(number);
+    if (size < -1 || size > 1) return false;
+    value = size * static_cast<Py_ssize_t>(reinterpret_cast<const PyLongObject*>(number)->ob_digit[0]);
+    return true;
+#endif
+}
+
+// Whether two keys are certainly equal; runs no Python code. False tells nothing.
+inline bool equal_at_sight(PyObject* a, PyObject* b) {
+    if (a == b) return true;
+    PyTypeObject* const type = Py_TYPE(a);
+    if (type != Py_TYPE(b)) return false;
+    if (type == &PyLong_Type) {
+        Py_ssize_t left, right;
+        return read_small_int(a, left) && read_small_int(b, right) && left == right;
+    }
+    if (type == &PyUnicode_Type) {
+        return PyUnicode_IS_READY(a) && PyUnicode_IS_READY(b) && PyUnicode_GET_LENGTH(a) == PyUnicode_GET_LENGTH(b) &&
+               PyUnicode_KIND(a) == PyUnicode_KIND(b) &&
+               !std::memcmp(PyUnicode_DATA(a), PyUnicode_DATA(b), PyUnicode_GET_LENGTH(a) * PyUnicode_KIND(a));
+    }
+    return false;
+}
+
+// The same for keys that may be tuples.
+inline bool keys_equal_at_sight(PyObject* a, PyObject* b) {
+    if (a == b) return true;
+    if (!PyTuple_CheckExact(a) || !PyTuple_CheckExact(b)) return equal_at_sight(a, b);
+    const Py_ssize_t size = PyTuple_GET_SIZE(a);
+    if (size != PyTuple_GET_SIZE(b)) return false;
+    for (Py_ssize_t i = 0; i < size; ++i)
+        if (!equal_at_sight(PyTuple_GET_ITEM(a, i), PyTuple_GET_ITEM(b, i))) return false;
+    return true;
+}
+
+// Looks keys up in a dict. Usual keys that come in the dict's order cost no hashing.
 class DictCursor {
 public:
     explicit DictCursor(py::handle dict) : dict_(dict.ptr()) {}
 
+    // The value of a key that comes next, borrowed; null tells nothing. Runs no Python code.
+    PyObject* find_next(PyObject* key) {
+        if (misses_ == kMaxMisses) return nullptr;
+        Py_ssize_t position = position_;
+        PyObject *candidate, *value;
+        for (int step = 0; step < 2 && PyDict_Next(dict_, &position, &candidate, &value); ++step)
+            if (keys_equal_at_sight(candidate, key)) {
+                position_ = position;
+                misses_ = 0;
+                return value;
+            }
+        ++misses_;
+        return nullptr;
+    }
+
     // Borrowed; null where the dict doesn't have the key.
     PyObject* find(PyObject* key) {
-        if (misses_ < kMaxMisses) {
-            Py_ssize_t position = position_;
-            PyObject *candidate, *value;
-            for (int step = 0; step < 2 && PyDict_Next(dict_, &position, &candidate, &value); ++step)
-                if (candidate == key) {
-                    position_ = position;
-                    misses_ = 0;
-                    return value;
-                }
-            ++misses_;
-        }
+        if (PyObject* value = find_next(key)) return value;
         const py::object keep = borrow(key);  // a comparison may run code that drops it
         PyObject* value = PyDict_GetItemWithError(dict_, key);
         if (!value && PyErr_Occurred()) throw PythonError{};

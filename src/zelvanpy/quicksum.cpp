@@ -20,6 +20,7 @@ void sum_list(py::object& result, PyObject* list) {
     linexpr_reserve(as_linexpr(result), PyList_GET_SIZE(list));
     for (Py_ssize_t i = 0; i < PyList_GET_SIZE(list); ++i) {
         PyObject* term = PyList_GET_ITEM(list, i);
+        if (i + kTermsAhead < PyList_GET_SIZE(list)) __builtin_prefetch(PyList_GET_ITEM(list, i + kTermsAhead), 1);
         if (!add_to_sum(result, term)) result = steal(PyNumber_InPlaceAdd(result.ptr(), borrow(term).ptr()));
     }
 }

@@ -145,6 +145,8 @@ public:
           plain_(!overrides(dict, &PyDict_Type, kGetItem) && !overrides(dict, &PyDict_Type, kContains)),
           cursor_(dict) {}
 
+    // The value of a key that comes next, borrowed; null tells nothing. Runs no Python code.
+    PyObject* find_next(PyObject* key) { return plain_ ? cursor_.find_next(key) : nullptr; }
     // Null where the dict doesn't have the key.
     py::object find(PyObject* key) {
         if (plain_) {
@@ -174,12 +176,15 @@ public:
 
     // Adds coeff * value. Products of floats and variables make no expression of their own.
     void add_product(PyObject* coeff, PyObject* value) {
+        if (!add_simple_product(coeff, value)) add_any(steal(PyNumber_Multiply(coeff, value)));
+    }
+    // The same for factors that run no Python code; false, with nothing added, for others.
+    bool add_simple_product(PyObject* coeff, PyObject* value) {
         double c;
-        if (native_ && read_coeff(coeff, c)) {
-            if (Py_TYPE(value) == Var_Type) return append(c, value);
-            if (PyFloat_CheckExact(value) && add_constant(c * PyFloat_AS_DOUBLE(value))) return;
-        }
-        add_any(steal(PyNumber_Multiply(coeff, value)));
+        if (!native_ || !read_coeff(coeff, c)) return false;
+        if (Py_TYPE(value) != Var_Type) return PyFloat_CheckExact(value) && add_constant(c * PyFloat_AS_DOUBLE(value));
+        append(c, value);
+        return true;
     }
 
     py::object result() && {
@@ -190,10 +195,15 @@ public:
 private:
     void append(double coeff, PyObject* var) {
         if (native_->size == 0) linexpr_reserve(native_, expected_);
-        linexpr_append(native_, coeff, as_handle(var));
+        if (native_->size == native_->capacity) grow_linexpr(native_);
+        append_term(native_, coeff, as_handle(var));
     }
     static bool read_coeff(PyObject* coeff, double& c) {
-        if (!PyFloat_CheckExact(coeff) && !PyLong_CheckExact(coeff)) return false;
+        if (PyFloat_CheckExact(coeff)) {
+            c = PyFloat_AS_DOUBLE(coeff);
+            return true;
+        }
+        if (!PyLong_CheckExact(coeff)) return false;
         c = PyFloat_AsDouble(coeff);
         if (c != -1.0 || !PyErr_Occurred()) return true;
         PyErr_Clear();  // an int too large: its product tells
@@ -237,6 +247,21 @@ void visit_dict(py::handle d, Visit&& visit) {
     }
 }
 
+// Adds coeffs[key] * value for the keys that have a coefficient.
+struct MatchProduct {
+    Sum& sum;
+    Lookup coeffs;
+
+    void expect(std::size_t terms) { sum.expect(terms); }
+
+    void operator()(PyObject* key, PyObject* value) {
+        PyObject* next = coeffs.find_next(key);
+        if (next && sum.add_simple_product(next, value)) return;
+        const py::object held_key = borrow(key), held_value = borrow(value);
+        if (const py::object coeff = coeffs.find(key)) sum.add_product(coeff.ptr(), value);
+    }
+};
+
 py::object prod_dict(TupleDict& t, py::handle d, const Args& vals) {
     Sum sum;
     if (vals.count == 0 && checked(PyObject_Size(d.ptr())) < checked(PyObject_Size(t.self().ptr()))) {
@@ -245,11 +270,7 @@ py::object prod_dict(TupleDict& t, py::handle d, const Args& vals) {
             if (const py::object value = values.find(key)) sum.add_product(coeff, value.ptr());
         });
     } else {
-        Lookup coeffs(d);
-        visit_matches(t, vals, [&](PyObject* key, PyObject* value) {
-            const py::object held_key = borrow(key), held_value = borrow(value);
-            if (const py::object coeff = coeffs.find(key)) sum.add_product(coeff.ptr(), value);
-        });
+        visit_matches(t, vals, MatchProduct{sum, Lookup(d)});
     }
     return std::move(sum).result();
 }
