@@ -220,8 +220,12 @@ def test_removal(lp, env_silent):
     assert (y._colno, z._colno) == (-3, 1)
     nested = []
     nested.append(nested)
+    for endless in (nested, {1: nested}):
+        with pytest.raises(RecursionError):
+            lp.remove(endless)
+    nested[0] = {2: nested}
     with pytest.raises(RecursionError):
-        lp.remove(nested)
+        lp.remove(nested[0])
     other.dispose()
 
 

@@ -234,6 +234,11 @@ def test_results_of_select_are_shared_and_plain():
     assert l.select(1) == [(1, 2), (1, 3), (1, 9)] and l.select([1]) is not shared
     l.clean()
     assert l.select(1) == [(1, 2), (1, 3)] and len(shared) == 3
+    nested = [1]
+    assert l.select([[nested], 2], [[3]]) == [(1, 3), (2, 3)]
+    nested.append(nested)
+    with pytest.raises(RecursionError):
+        l.select(3, nested)
 
 
 def test_wildcards_carry_over_in_sums_and_not_in_selections():

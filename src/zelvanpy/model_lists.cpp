@@ -8,6 +8,7 @@
 #include "exception.h"
 #include "model.h"
 #include "pyargs.h"
+#include "pycontainer.h"
 
 namespace zelvanpy {
 
@@ -90,8 +91,8 @@ void delete_in_library(Model& model, const ListRow& row, Handle* handle) {
 // A list without the handles that are marked or gone, the others numbered anew. The deletions are queued
 // by the numbers of the last update, which hold until the library's own update.
 void rebuild_list(Model& model, const ListRow& row) {
+    py::object kept = steal(PyList_New(0));  // first: the collector may run code that replaces the list
     PyObject* old = model.*row.list;
-    py::object kept = steal(PyList_New(0));
     for (Py_ssize_t i = 0; i < PyList_GET_SIZE(old); ++i) {
         Handle* handle = handle_at(old, i);
         if (handle->index < -2) {
@@ -294,11 +295,8 @@ void remove_one(Model& self, py::handle item) {
 
 void remove_items(Model& self, py::handle items) {
     PyObject* object = items.ptr();
+    const NestingLevel level(" while removing a collection of items");
     if (PyList_Check(object) || PyTuple_Check(object)) {
-        if (Py_EnterRecursiveCall(" while removing a list of items")) throw PythonError{};
-        struct Leave {
-            ~Leave() { Py_LeaveRecursiveCall(); }
-        } leave;
         for (py::handle item : py::reinterpret_borrow<py::object>(items)) remove_one(self, item);
     } else if (PyDict_Check(object)) {
         for (py::handle item : items.attr("values")()) remove_one(self, item);

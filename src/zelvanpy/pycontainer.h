@@ -24,6 +24,18 @@ inline bool overrides(py::handle self, PyTypeObject* own, const Name& name) {
     return !theirs.is(steal(PyObject_GetAttr(reinterpret_cast<PyObject*>(own), name.get())));
 }
 
+// Holds one level of nested containers while it lives, as deep as Python lets functions call each other.
+class NestingLevel {
+public:
+    // `where` ends the text of the RecursionError.
+    explicit NestingLevel(const char* where) {
+        if (Py_EnterRecursiveCall(where)) throw PythonError{};
+    }
+    ~NestingLevel() { Py_LeaveRecursiveCall(); }
+    NestingLevel(const NestingLevel&) = delete;
+    NestingLevel& operator=(const NestingLevel&) = delete;
+};
+
 // For a function that takes any number of values by position.
 inline void refuse_keywords(const char* function, const Args& args) {
     if (!args.keywords || PyTuple_GET_SIZE(args.keywords) == 0) return;

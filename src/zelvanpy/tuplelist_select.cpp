@@ -35,6 +35,7 @@ void select_alternative(TupleList& list, std::vector<PyObject*>& vals, Selection
 
 void add_alternatives(TupleList& list, std::vector<PyObject*>& vals, std::size_t k, py::handle iterator,
                       Selection& selection) {
+    const NestingLevel level(" while selecting by nested alternatives");
     PyObject* const whole = vals[k];
     while (PyObject* next = PyIter_Next(iterator.ptr())) {
         const py::object alternative = py::reinterpret_steal<py::object>(next);
