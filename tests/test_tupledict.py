@@ -307,6 +307,10 @@ def test_order_of_keys():
         assert outcome(t.pop, *arguments)[0] is outcome(dict.pop, {1: 1}, *arguments)[0]
     with pytest.raises(TypeError):
         t.update(a=1)
+    watched = tupledict()
+    watched[Meddler(lambda: None)] = 1
+    with pytest.raises(TypeError, match="unhashable"):
+        watched.pop([])
 
 
 def test_wildcard_is_taken_up_with_the_next_key_list():
@@ -384,7 +388,11 @@ def test_multidict():
     assert type(costs) is tupledict and costs == {("a", 1): 1, ("b", 2): 2} and names.select("b") == ["y"]
     keys, same = multidict({"a": 1, "b": [2]})
     assert keys == ["a", "b"] and type(same) is tupledict and same == {"a": 1, "b": [2]}
-    assert multidict({}) == [[]] and multidict([("k", "xy")]) == [["k"], {"k": "x"}, {"k": "y"}]
+    assert (
+        multidict({}) == [[]]
+        and multidict(data={1: 2}) == [[1], {1: 2}]
+        and multidict([("k", "xy")]) == [["k"], {"k": "x"}, {"k": "y"}]
+    )
     ordered = tupledict({1: [10], 2: [20]})
     ordered.setord([2, 1])
     assert list(multidict(ordered)[1]) == [2, 1]

@@ -164,8 +164,9 @@ py::object call_dict(TupleDict& t, const char* name, const Args& args) {
 }
 
 py::object TupleDict_pop(TupleDict& t, Args args) {
-    if (args.count && PyDict_Contains(t.self().ptr(), args.values[0])) keep_positions(t);
+    const int found = args.count ? PyDict_Contains(t.self().ptr(), args.values[0]) : 0;
     PyErr_Clear();  // dict tells better what is wrong with the key
+    if (found > 0) keep_positions(t);
     return call_dict(t, "pop", args);
 }
 
