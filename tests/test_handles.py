@@ -147,7 +147,7 @@ def test_sameness(lp, tmp_path):
     assert not x.sameAs(lp.getConstrs()[0]) and not x.sameAs(None)
     assert hash(x) == hash(other.getVars()[0])
     twin = Var(lp._cmodel, 0)
-    assert x.sameAs(twin)
+    assert x.sameAs(other=twin)
     x._mark = [1]
     assert not x.sameAs(twin) and not twin.sameAs(x)
     twin._mark = [1]

@@ -311,6 +311,8 @@ def test_order_of_keys():
     watched[Meddler(lambda: None)] = 1
     with pytest.raises(TypeError, match="unhashable"):
         watched.pop([])
+    watched.setord(ord=[])
+    assert watched.values() == [1]
 
 
 def test_wildcard_is_taken_up_with_the_next_key_list():

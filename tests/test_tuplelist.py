@@ -239,6 +239,7 @@ def test_results_of_select_are_shared_and_plain():
     nested.append(nested)
     with pytest.raises(RecursionError):
         l.select(3, nested)
+    assert l.next(v=(1, 2)) == (1, 3) and l.prevc(v=(1, 2)) == (2, 4)
 
 
 def test_wildcards_carry_over_in_sums_and_not_in_selections():

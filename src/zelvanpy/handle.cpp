@@ -267,9 +267,11 @@ Def* keep_table(const Def* shared, std::size_t num, const std::vector<Def>& extr
 
 }  // namespace
 
-PyObject* handle_sameAs(Handle& self, py::handle other) {
+PyObject* handle_sameAs(Handle& self, Args args) {
+    static const Signature<1> signature{"sameAs", 1, {Name("other")}};
+    const auto [other] = signature.parse(args);
     const HandleKind& kind = kind_of(self);
-    if (!PyObject_TypeCheck(other.ptr(), *kind.type)) return boolean(false).release().ptr();
+    if (!PyObject_TypeCheck(other, *kind.type)) return boolean(false).release().ptr();
     const Handle& that = *as_handle(other);
     bool same = self.cmodel == that.cmodel && self.index == that.index;
     if (same && (self.dict || that.dict)) {
@@ -281,8 +283,8 @@ PyObject* handle_sameAs(Handle& self, py::handle other) {
 }
 
 PyMethodDef same_as_method() {
-    return {"sameAs", method<handle_sameAs>, METH_O,
-            "sameAs($self, other, /)\n--\n\n"
+    return {"sameAs", method<handle_sameAs>, kKeywords,
+            "sameAs($self, other)\n--\n\n"
             "Whether `other` is a handle of the same object with the same stored fields (bool)."};
 }
 

@@ -33,7 +33,7 @@ struct HandleExtras {
 void make_handle_type(py::module_& module, Kind kind, HandleExtras extras);
 
 // `sameAs` and `index`, which only Var and Constr have.
-PyObject* handle_sameAs(Handle& self, py::handle other);
+PyObject* handle_sameAs(Handle& self, Args args);
 PyMethodDef same_as_method();
 PyGetSetDef index_property();
 // Number of objects of the kind in the library's model; 0 when there is no model any more.

@@ -1,6 +1,7 @@
 // multidict: one dict of value lists to a key list and a tupledict for each position.
 
 #include "exception.h"
+#include "pyargs.h"
 #include "tupledict.h"
 #include "tuplelist.h"
 
@@ -29,9 +30,10 @@ py::object columns_of(py::handle keys, py::handle values) {
     }
 }
 
-py::object multidict(py::handle, py::handle data) {
-    py::object d =
-        steal(PyObject_CallFunctionObjArgs(reinterpret_cast<PyObject*>(TupleDict_Type), data.ptr(), nullptr));
+py::object multidict(py::handle, Args args) {
+    static const Signature<1> kSignature{"multidict", 1, {Name("data")}};
+    const auto [data] = kSignature.parse(args);
+    py::object d = steal(PyObject_CallFunctionObjArgs(reinterpret_cast<PyObject*>(TupleDict_Type), data, nullptr));
     const py::object keys = tupledict_keys(as_tupledict(d));
     py::object result = steal(PyList_New(0));
     checked(PyList_Append(result.ptr(), keys.ptr()));
@@ -44,8 +46,8 @@ py::object multidict(py::handle, py::handle data) {
 }
 
 PyMethodDef functions[] = {
-    {"multidict", method<multidict>, METH_O,
-     "multidict(data, /)\n--\n\n"
+    {"multidict", method<multidict>, kKeywords,
+     "multidict(data)\n--\n\n"
      "A list of the keys of `data` as a tuplelist and of one tupledict for each position of its values.\n\n"
      "`data` is a dict, or what dict() takes, from keys to lists of equal length; longer lists are cut. Where the "
      "values\n"

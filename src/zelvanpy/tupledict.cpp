@@ -3,6 +3,7 @@
 #include <algorithm>
 #include <vector>
 
+#include "pyargs.h"
 #include "tuplelist.h"
 
 namespace zelvanpy {
@@ -177,6 +178,12 @@ py::object TupleDict_popitem(TupleDict& t, Args args) {
 
 py::object TupleDict_update(TupleDict& t, Args args) { return call_dict(t, "update", args); }
 
+void TupleDict_setord(TupleDict& t, Args args) {
+    static const Signature<1> kSignature{"setord", 1, {Name("ord")}};
+    const auto [ord] = kSignature.parse(args);
+    tupledict_setord(t, ord);
+}
+
 void TupleDict_clean(TupleDict& t) { Py_CLEAR(t.keys); }
 
 PyMethodDef methods[] = {
@@ -210,8 +217,8 @@ PyMethodDef methods[] = {
      "The sum of coefficient times value over the keys that match the pattern `vals` and have a coefficient.\n\n"
      "`d` is a dict of coefficients under the same keys or, without a pattern, a list whose positions are the keys.\n"
      "Raises TypeError for anything else, and where a list doesn't hold coefficients."},
-    {"setord", method<tupledict_setord>, METH_O,
-     "setord($self, ord, /)\n--\n\n"
+    {"setord", method<TupleDict_setord>, kKeywords,
+     "setord($self, /, ord)\n--\n\n"
      "Set the order of the keys to that of the sequence `ord`. Seen after the next change or clean()."},
     {"clean", method<TupleDict_clean>, METH_NOARGS,
      "clean($self, /)\n--\n\nDrop the key list and its indices. They are built again on demand."},

@@ -58,7 +58,8 @@ void TupleList_init(TupleList& self, PyObject* args, PyObject* kwargs) {
     if (checked(PyList_SetSlice(list, 0, self.size(), nullptr))) throw PythonError{};
     Py_XINCREF(wild);
     Py_XSETREF(self.wild, wild);
-    settle(self);
+    self.kind = TupleList::kUnknown;
+    tuplelist_clean(self);
     const py::object members = data ? borrow(data) : steal(PyList_New(0));
     if (overrides(self.self(), TupleList_Type, kExtend))
         steal(PyObject_CallMethodObjArgs(list, kExtend.get(), members.ptr(), nullptr));
@@ -243,9 +244,10 @@ void TupleList_clean(TupleList& self) { tuplelist_clean(self); }
 
 // How each of prev, next, prevc, nextc pairs members: which positions are keys, how far away the value is.
 struct Neighbours {
+    const char* method;
     Py_ssize_t first_key, num_missing, step;
 };
-constexpr Neighbours kNeighbours[] = {{1, 1, -1}, {0, 1, 1}, {0, 0, -1}, {0, 0, 1}};
+constexpr Neighbours kNeighbours[] = {{"prev", 1, 1, -1}, {"next", 0, 1, 1}, {"prevc", 0, 0, -1}, {"nextc", 0, 0, 1}};
 
 py::object neighbour_map(TupleList& self, const Neighbours& which) {
     const py::object members = steal(PySequence_Tuple(self.self().ptr()));
@@ -260,13 +262,15 @@ py::object neighbour_map(TupleList& self, const Neighbours& which) {
 }
 
 template <int kWhich>
-py::object TupleList_neighbour(TupleList& self, py::handle member) {
+py::object TupleList_neighbour(TupleList& self, Args args) {
+    static const Signature<1> kSignature{kNeighbours[kWhich].method, 1, {Name("v")}};
+    const auto [member] = kSignature.parse(args);
     py::object map = derived_of(self).neighbours[kWhich];
     if (!map || PyDict_Size(map.ptr()) == 0) {
         map = neighbour_map(self, kNeighbours[kWhich]);
         derived_of(self).neighbours[kWhich] = map;
     }
-    return steal(PyObject_GetItem(map.ptr(), member.ptr()));
+    return steal(PyObject_GetItem(map.ptr(), member));
 }
 
 PyMethodDef methods[] = {
@@ -284,17 +288,17 @@ PyMethodDef methods[] = {
      "Drop all indices that selections, membership tests and neighbour queries have built.\n\n"
      "They are built again on demand. Needed after an assignment to an item, a sort or another change that list\n"
      "itself makes, which leaves them as they are."},
-    {"prev", method<TupleList_neighbour<0>>, METH_O,
-     "prev($self, v, /)\n--\n\n"
+    {"prev", method<TupleList_neighbour<0>>, kKeywords,
+     "prev($self, /, v)\n--\n\n"
      "The member before `v`. Raises KeyError if `v` is the first or no member, or if a member occurs twice."},
-    {"next", method<TupleList_neighbour<1>>, METH_O,
-     "next($self, v, /)\n--\n\n"
+    {"next", method<TupleList_neighbour<1>>, kKeywords,
+     "next($self, /, v)\n--\n\n"
      "The member after `v`. Raises KeyError if `v` is the last or no member, or if a member occurs twice."},
-    {"prevc", method<TupleList_neighbour<2>>, METH_O,
-     "prevc($self, v, /)\n--\n\n"
+    {"prevc", method<TupleList_neighbour<2>>, kKeywords,
+     "prevc($self, /, v)\n--\n\n"
      "The member before `v`, the last one before the first. Raises KeyError if `v` is no member or one occurs twice."},
-    {"nextc", method<TupleList_neighbour<3>>, METH_O,
-     "nextc($self, v, /)\n--\n\n"
+    {"nextc", method<TupleList_neighbour<3>>, kKeywords,
+     "nextc($self, /, v)\n--\n\n"
      "The member after `v`, the first one after the last. Raises KeyError if `v` is no member or one occurs twice."},
     {"append", method<TupleList_append>, METH_O,
      "append($self, x, /)\n--\n\n"
