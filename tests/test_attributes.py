@@ -40,7 +40,7 @@ def test_names_and_kinds(lp):
     assert x.ub == x.UB == getattr(x, "".join(["U", "B"])) == 3.0
 
     for thing, kind in ((lp, "Model"), (x, "Var"), (c, "Constr")):
-        for name in ("NoSuchThing", "", "NumVar\xe4"):
+        for name in ("NoSuchThing", "", "NumVar\xe4", "NumVars\0", "RHS\0", "UB\0"):
             refused(AttributeError, no_attribute(kind, name), thing.getAttr, name)
             refused(AttributeError, no_attribute(kind, name), thing.setAttr, name, 1)
             refused(AttributeError, no_attribute(kind, name), thing.prefetchAttr, name)
@@ -115,7 +115,7 @@ def test_refused_values(lp):
         for value, error in (("\u20ac", OverflowError), ("", (IndexError, TypeError)), ("?", AttributeError)):
             with pytest.raises(error):
                 function("VType", value)
-        with pytest.raises(OverflowError):
+        with pytest.raises(OverflowError, match="BranchPriority"):
             function("BranchPriority", 2**31)
         with pytest.raises(AttributeError):
             function("LB", math.nan)

@@ -4,6 +4,7 @@
 
 #include <array>
 #include <cstdint>
+#include <cstring>
 
 #include "exception.h"
 #include "model.h"
@@ -53,8 +54,10 @@ bool find_info(ZVNmodel* model, PyObject* name, AttrInfo& info) {
         info = entry.info;
         return true;
     }
-    const char* text = PyUnicode_AsUTF8(name);
+    Py_ssize_t length = 0;
+    const char* text = PyUnicode_AsUTF8AndSize(name, &length);
     if (!text) throw PythonError{};
+    if (std::strlen(text) != static_cast<std::size_t>(length)) return false;  // the library would stop at the NUL
     if (!ask_library(model, text, info)) return false;
     if (!PyUnicode_CHECK_INTERNED(name)) return true;
     if (const char* known = canonical_name(model, text)) {
@@ -178,9 +181,9 @@ char char_value(py::handle value, py::handle name) {
     return static_cast<char>(character);
 }
 
-int exact_int_value(py::handle value, py::handle name) {
-    if (!PyLong_Check(value.ptr())) raise_attribute("Attribute '%U' takes integer value", name);
-    return to_int(value, "The value");
+int exact_int_value(py::handle value, const Attribute& attribute) {
+    if (!PyLong_Check(value.ptr())) raise_attribute("Attribute '%U' takes integer value", attribute.text());
+    return to_int(value, attribute->name);
 }
 
 double double_value(py::handle value, py::handle name) {
@@ -201,7 +204,7 @@ int write_element(ZVNmodel* model, const Attribute& attribute, int index, py::ha
         case kCharAttr:
             return ZVNsetcharattrelement(model, name, index, char_value(value, attribute.text()));
         case kIntAttr:
-            return ZVNsetintattrelement(model, name, index, exact_int_value(value, attribute.text()));
+            return ZVNsetintattrelement(model, name, index, exact_int_value(value, attribute));
         case kDoubleAttr:
             return ZVNsetdblattrelement(model, name, index, double_value(value, attribute.text()));
         default:
@@ -213,7 +216,7 @@ int write_element(ZVNmodel* model, const Attribute& attribute, int index, py::ha
 int write_model_value(py::handle object, ZVNmodel* model, const Attribute& attribute, py::handle value) {
     switch (attribute->type) {
         case kIntAttr:
-            return ZVNsetintattr(model, attribute->name, exact_int_value(value, attribute.text()));
+            return ZVNsetintattr(model, attribute->name, exact_int_value(value, attribute));
         case kDoubleAttr:
             return ZVNsetdblattr(model, attribute->name, double_value(value, attribute.text()));
         case kStringAttr:
