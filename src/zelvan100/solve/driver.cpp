@@ -93,14 +93,12 @@ std::vector<double> user_start(const ModelData& data) {
     return x;
 }
 
-// A basis that the user set, empty unless every column and row has a status.
+// A basis that the user set, empty unless there are statuses of columns and of rows.
 Basis user_basis(const ModelData& data) {
     const auto statuses = [](const std::map<int, OptionalValues>& optional, Attr attr) -> std::vector<int> {
         const auto found = optional.find(static_cast<int>(attr));
         if (found == optional.end()) return {};
-        const std::vector<double>& values = found->second.values;
-        if (std::any_of(values.begin(), values.end(), [](double value) { return value == kUndefined; })) return {};
-        return {values.begin(), values.end()};
+        return {found->second.values.begin(), found->second.values.end()};
     };
     Basis basis{statuses(data.cols.optional, Attr::VBasis), statuses(data.rows.optional, Attr::CBasis)};
     if (basis.cols.empty() || basis.rows.empty()) return {};
