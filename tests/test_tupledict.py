@@ -390,11 +390,8 @@ def test_multidict():
     assert type(costs) is tupledict and costs == {("a", 1): 1, ("b", 2): 2} and names.select("b") == ["y"]
     keys, same = multidict({"a": 1, "b": [2]})
     assert keys == ["a", "b"] and type(same) is tupledict and same == {"a": 1, "b": [2]}
-    assert (
-        multidict({}) == [[]]
-        and multidict(data={1: 2}) == [[1], {1: 2}]
-        and multidict([("k", "xy")]) == [["k"], {"k": "x"}, {"k": "y"}]
-    )
+    assert multidict({}) == [[]] and multidict([("k", "xy")]) == [["k"], {"k": "x"}, {"k": "y"}]
+    assert multidict(data={1: 2}) == [[1], {1: 2}]
     ordered = tupledict({1: [10], 2: [20]})
     ordered.setord([2, 1])
     assert list(multidict(ordered)[1]) == [2, 1]
