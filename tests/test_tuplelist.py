@@ -307,6 +307,10 @@ def test_text():
     )
     assert str(tuplelist()) == "[]" and repr(tuplelist(["x", 1])) == "['x', 1]"
     assert repr(tuplelist([(), ()])) == "<zelvan.tuplelist (2 tuples, 0 values each):\n ( )\n ( )\n>"
+    unchecked = tuplelist(ARCS)
+    for member in ((1, 2, 3), (), 5):
+        unchecked[1] = member
+        assert repr(unchecked) == repr(list(unchecked))
 
 
 class Routes(tuplelist):

@@ -125,10 +125,17 @@ py::list field_texts(py::handle members, Py_ssize_t field, std::size_t& width) {
     return texts;
 }
 
+// False after an assignment that brought in something else, too.
+bool are_tuples_of(py::handle members, Py_ssize_t length) {
+    return std::all_of(PySequence_Fast_ITEMS(members.ptr()),
+                       PySequence_Fast_ITEMS(members.ptr()) + PySequence_Fast_GET_SIZE(members.ptr()),
+                       [=](PyObject* member) { return PyTuple_Check(member) && PyTuple_GET_SIZE(member) == length; });
+}
+
 py::object TupleList_repr(TupleList& self) {
     const py::object members = steal(PySequence_List(self.self().ptr()));
     const auto size = py::len(members);
-    if (size == 0 || self.kind <= 0) return steal(PyObject_Repr(members.ptr()));
+    if (size == 0 || !are_tuples_of(members, self.kind - 1)) return steal(PyObject_Repr(members.ptr()));
     py::list lines;
     lines.append(steal(PyUnicode_FromFormat("<zelvan.tuplelist (%zd tuples, %zd values each):\n",
                                             static_cast<Py_ssize_t>(size), self.kind - 1)));
