@@ -40,6 +40,14 @@ except KeyboardInterrupt:
 """
 
 
+@pytest.fixture(autouse=True)
+def heard_interrupt():
+    """A shell that runs the tests in the background has them, and what they start, ignore the interrupt."""
+    before = signal.signal(signal.SIGINT, signal.default_int_handler)
+    yield
+    signal.signal(signal.SIGINT, before)
+
+
 def run_child(before=""):
     program = CHILD.format(path=sys.path, before=before)
     return (
