@@ -72,6 +72,16 @@ def test_pending_handles(lp):
         _ = x.NoSuchAttribute
     with pytest.raises(AttributeError):
         _ = ahead.X
+    # Removed before the update that would have brought their names.
+    added, row = lp.addVar(name="added"), lp.addConstr(lp.getVars()[0] >= 0, "row")
+    lp.remove([added, row])
+    assert added._safename() == ("*Awaiting Model Update*", True, True) and added.index == 3
+    assert repr(added) == str(1.0 * added) == "<zelvan.Var *Awaiting Model Update* (Removed)>"
+    assert repr(row) == "<zelvan.Constr *Awaiting Model Update* (Removed)>"
+    with pytest.raises(ZelvanError, match="Variable was removed from the model"):
+        hash(added)
+    lp.update()
+    assert repr(added) == "<zelvan.Var *Removed*>" and repr(row) == "<zelvan.Constr *Removed*>"
 
 
 def test_texts_of_the_other_kinds(lp):

@@ -9,11 +9,10 @@ namespace {
 PyObject* Constr_numrows(Handle& self) { return PyLong_FromLong(library_count(self, Kind::kConstr)); }
 
 PyObject* Constr_repr(Handle& self) {
-    if (self.index == -1 || self.index >= library_count(self, Kind::kConstr))
-        return PyUnicode_FromString("<zelvan.Constr *Awaiting Model Update*>");
     if (self.index == -2) return PyUnicode_FromString("<zelvan.Constr *Removed*>");
-    return PyUnicode_FromFormat("<zelvan.Constr %U%s>", name_attribute(self, "ConstrName").ptr(),
-                                self.index < -2 ? " (Removed)" : "");
+    const bool pending = self.index == -1 || self.cindex() >= library_count(self, Kind::kConstr);
+    const py::object name = pending ? py::str("*Awaiting Model Update*") : name_attribute(self, "ConstrName");
+    return PyUnicode_FromFormat("<zelvan.Constr %U%s>", name.ptr(), self.index < -2 ? " (Removed)" : "");
 }
 
 }  // namespace

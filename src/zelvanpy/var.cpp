@@ -8,14 +8,14 @@ namespace zelvanpy {
 namespace {
 
 // Whether the library has no such column yet, or the model is gone.
-bool awaits_update(const Handle& self) { return self.index == -1 || self.index >= library_count(self, Kind::kVar); }
+bool awaits_update(const Handle& self) { return self.index == -1 || self.cindex() >= library_count(self, Kind::kVar); }
 
 }  // namespace
 
 SafeName safe_name(Handle* var) {
-    if (awaits_update(*var)) return {py::str("*Awaiting Model Update*"), true, false};
-    if (var->index == -2) return {py::str("*Removed*"), false, true};
     const bool marked = var->index < -2;
+    if (awaits_update(*var)) return {py::str("*Awaiting Model Update*"), true, marked};
+    if (var->index == -2) return {py::str("*Removed*"), false, true};
     return {name_attribute(*var, "VarName"), marked, marked};
 }
 
@@ -29,8 +29,8 @@ py::object Var_safename(Handle& self) {
 PyObject* Var_numcols(Handle& self) { return PyLong_FromLong(library_count(self, Kind::kVar)); }
 
 Py_hash_t Var_hash(Handle& self) {
-    if (awaits_update(self)) raise_zelvan(0, "Variable has not yet been added to the model");
     if (self.index < -1) raise_zelvan(0, "Variable was removed from the model");
+    if (awaits_update(self)) raise_zelvan(0, "Variable has not yet been added to the model");
     return self.index;  // as hash(int) has it
 }
 
