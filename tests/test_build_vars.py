@@ -113,22 +113,40 @@ def test_keys_that_are_refused(model):
         model.addVars(0)
 
 
+@pytest.mark.parametrize("change", ["addVar", "dispose"])
+def test_keys_that_change_the_model_while_they_are_hashed(model, change):
+    class Key:
+        armed = True
+
+        def __hash__(self):
+            if self.armed:
+                Key.armed = False
+                getattr(model, change)()
+            return 1
+
+    with pytest.raises((RuntimeError, ZelvanError), match="the model got variables|already been freed"):
+        model.addVars([Key()])
+    if change == "addVar":
+        assert len(names(model)) == 1
+
+
 def test_names(model):
     model.addVars(2, 2, name="x")
     model.addVars(["a", 1, 2.5, None, (3, "b")], name="y")
     model.addVars(2, name=["p", "q"])
     model.addVars(2, name=["p", "p"])
     model.addVars(2, name={0: "s"})
+    model.addVars(1, name=[5])
     model.addVars(2, name=None)
     assert names(model) == (
         ["x[0,0]", "x[0,1]", "x[1,0]", "x[1,1]", "y[a]", "y[1]", "y[2.5]", "y[None]", "y[3,b]"]
-        + ["p", "q", "p[0]", "p[1]", "s", "C14", "C15", "C16"]
+        + ["p", "q", "p[0]", "p[1]", "s", "C14", "5[0]", "C16", "C17"]
     )
     with pytest.raises(OverflowError):
         model.addVars(2, name="\u00e4")
     with pytest.raises(AssertionError):
         model.addVars(2, name=["only one"])
-    assert len(names(model)) == 17
+    assert len(names(model)) == 18
 
 
 def test_broadcast_of_arguments(model):

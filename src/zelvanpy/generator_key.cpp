@@ -1,7 +1,11 @@
 // The loop variables of a generator expression, found in its compiled code: the targets of the loops that are
-// running where it yields. Loops of comprehensions inside it end before the yield, so their variables, which
-// newer interpreters compile into the same code object, are told apart.
+// running where it yields, and of `for j in [value]`, which is compiled to a plain assignment. Loops of
+// comprehensions inside it end before the yield, so their variables, which newer interpreters compile into the same
+// code object, are told apart.
 
+#include <algorithm>
+#include <map>
+#include <string>
 #include <vector>
 
 #include "exception.h"
@@ -35,8 +39,19 @@ void append_name(PyObject* names, py::handle name) {
     if (!known) checked(PyList_Append(names, name.ptr()));
 }
 
-// The names that a loop stores its element to, from the instruction behind its FOR_ITER.
-void collect_targets(const std::vector<Instruction>& code, std::size_t at, PyObject* names) {
+// The names that an instruction stores to.
+std::vector<py::object> stored_names(const Instruction& instruction) {
+    const std::string& name = instruction.name;
+    if (name == "STORE_FAST" || name == "STORE_DEREF") return {instruction.argument};
+    if (name == "STORE_FAST_LOAD_FAST") return {py::tuple(instruction.argument)[0]};
+    std::vector<py::object> names;
+    if (name == "STORE_FAST_STORE_FAST")
+        for (py::handle target : instruction.argument) names.push_back(borrow(target));
+    return names;
+}
+
+// The names that a loop stores its element to, from the instruction behind its FOR_ITER; the end of these stores.
+std::size_t collect_targets(const std::vector<Instruction>& code, std::size_t at, PyObject* names) {
     for (long open = 1; open > 0; ++at) {
         if (at >= code.size()) refuse();
         const Instruction& instruction = code[at];
@@ -47,23 +62,78 @@ void collect_targets(const std::vector<Instruction>& code, std::size_t at, PyObj
         } else if (name == "UNPACK_EX") {
             const long argument = instruction.argument.cast<long>();
             open += (argument & 0xFF) + (argument >> 8);
-        } else if (name == "STORE_FAST" || name == "STORE_DEREF") {
-            append_name(names, instruction.argument);
-            --open;
-        } else if (name == "STORE_FAST_STORE_FAST") {
-            for (py::handle target : instruction.argument) {
-                append_name(names, target);
-                --open;
-            }
-        } else if (name == "STORE_FAST_LOAD_FAST") {
-            append_name(names, py::tuple(instruction.argument)[0]);
-            --open;
         } else {
-            refuse();  // a target that is no plain name
+            const std::vector<py::object> targets = stored_names(instruction);
+            if (targets.empty()) refuse();  // a target that is no plain name
+            for (const py::object& target : targets) append_name(names, target);
+            open -= static_cast<long>(targets.size());
         }
         if (open < 0) refuse();
     }
+    return at;
 }
+
+// The names of all loops that run at the yield, from the outermost to the innermost.
+class LoopNames {
+public:
+    LoopNames(py::handle code, long yield_offset)
+        : yield_(yield_offset),
+          is_expression_(code.attr("co_name").cast<std::string>() == "<genexpr>"),
+          outer_(code.attr("co_freevars")) {}
+
+    py::object collect(const std::vector<Instruction>& code) {
+        for (std::size_t i = 0; i < code.size() && code[i].offset < yield_;) {
+            if (code[i].name == "FOR_ITER") {
+                const long end = code[i].argument.cast<long>();
+                if (end > yield_)
+                    i = collect_targets(code, i + 1, names_.ptr());
+                else
+                    while (i < code.size() && code[i].offset < end) ++i;
+                continue;
+            }
+            if (code[i].name == "LOAD_FAST_AND_CLEAR") ++saved_[code[i].argument.cast<std::string>()];
+            if (stored_names(code[i]).empty())
+                ++i;
+            else
+                i = add_assigned(code, i);
+        }
+        if (PyList_GET_SIZE(names_.ptr()) == 0) refuse();
+        return steal(PyList_AsTuple(names_.ptr()));
+    }
+
+private:
+    // Stores in a row, and where they end. Those of an unpacked tuple display may stand in reverse.
+    std::size_t add_assigned(const std::vector<Instruction>& code, std::size_t at) {
+        const std::string& before = code[at - 1].name;
+        const bool in_order = before.rfind("UNPACK_", 0) == 0 || before.rfind("ROT_", 0) == 0 || before == "SWAP";
+        std::vector<py::object> names;
+        for (bool more = true; more; ++at) {
+            const std::vector<py::object> stored = stored_names(code[at]);
+            names.insert(names.end(), stored.begin(), stored.end());
+            more = code[at].name != "STORE_FAST_LOAD_FAST" && !stored_names(code[at + 1]).empty();
+        }
+        if (!in_order) std::reverse(names.begin(), names.end());
+        if (is_expression_)
+            for (const py::object& name : names) add_name(name);
+        return at;
+    }
+
+    // The name is a loop's, unless a variable gets the value back that an inlined comprehension had saved, or it is
+    // one of the enclosing function.
+    void add_name(const py::object& name) {
+        int& saved = saved_[name.cast<std::string>()];
+        if (saved > 0)
+            --saved;
+        else if (!checked(PySequence_Contains(outer_.ptr(), name.ptr())))
+            append_name(names_.ptr(), name);
+    }
+
+    const long yield_;
+    const bool is_expression_;
+    const py::object outer_;
+    const py::object names_ = steal(PyList_New(0));
+    std::map<std::string, int> saved_;
+};
 
 py::object loop_names(py::handle code) {
     const std::vector<Instruction> instructions = disassemble(code);
@@ -74,14 +144,7 @@ py::object loop_names(py::handle code) {
         if (yield_offset >= 0) refuse();
         yield_offset = instruction.offset;
     }
-    py::object names = steal(PyList_New(0));
-    for (std::size_t i = 0; i < instructions.size(); ++i) {
-        const Instruction& instruction = instructions[i];
-        if (instruction.name != "FOR_ITER" || instruction.offset > yield_offset) continue;
-        if (instruction.argument.cast<long>() > yield_offset) collect_targets(instructions, i + 1, names.ptr());
-    }
-    if (PyList_GET_SIZE(names.ptr()) == 0) refuse();
-    return steal(PyList_AsTuple(names.ptr()));
+    return LoopNames(code, yield_offset).collect(instructions);
 }
 
 }  // namespace

@@ -341,8 +341,9 @@ void NameBuffer::append_key(py::handle key) {
 }
 
 void NameBuffer::add_indexed(py::handle base, PyObject* keys) {
+    const py::object text = steal(PyObject_Str(base.ptr()));
     for (Py_ssize_t i = 0; i < PyList_GET_SIZE(keys); ++i) {
-        append_str(base);
+        append_str(text);
         text_ += '[';
         append_key(PyList_GET_ITEM(keys, i));
         text_ += ']';
@@ -442,9 +443,11 @@ py::object Model_addVars(Model& self, Args args) {
     const std::vector<char> vtype = types(keywords.vtype(), keys.ptr());
 
     // The handles and their dict come first: an unhashable key must not leave variables without handles.
+    require_open(self);  // reading values and keys runs code of the caller
     const Py_ssize_t first = PyList_GET_SIZE(self.vars);
     const py::object vars = new_vars(self, count);
     py::object result = new_tupledict(keys, vars);
+    require_open(self);
     if (PyList_GET_SIZE(self.vars) != first)
         raise(PyExc_RuntimeError, "Model.addVars(): the model got variables while keys were hashed");
 
