@@ -172,6 +172,9 @@ def test_constructor_checks_its_arguments(lp):
             Var(*arguments)
     with pytest.raises(OverflowError):
         Var(lp._cmodel, 2**31)
+    assert repr(Var(lp._env._cenv, 0)) == "<zelvan.Var *Awaiting Model Update*>"
+    with pytest.raises(ZelvanError, match="another kind"):
+        Model(cmodel=lp._env._cenv)
 
 
 def test_size_and_collector(lp):

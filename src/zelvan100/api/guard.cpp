@@ -42,6 +42,15 @@ Tickets<ZVNmodel>& model_tickets() {
     return *tickets;
 }
 
+template <class Ticket>
+int refuse_ticket(const Ticket* handle, TicketKind kind, const char* what) {
+    const char* why = !handle                ? " handle is NULL"
+                      : handle->kind != kind ? " handle is that of an object of another kind"
+                                             : " handle is that of a freed object";
+    handle_error() = std::string("The ") + what + why;
+    return ZVN_ERROR_NULL_ARGUMENT;
+}
+
 }  // namespace
 
 ZVNenv* new_env_ticket(Env* env) {
@@ -74,9 +83,8 @@ std::string& handle_error() {
     return text;
 }
 
-int refuse_handle(const char* what, bool null) {
-    handle_error() = std::string("The ") + what + (null ? " handle is NULL" : " handle is that of a freed object");
-    return ZVN_ERROR_NULL_ARGUMENT;
-}
+int refuse(const ZVNenv* handle) { return refuse_ticket(handle, TicketKind::kEnv, "environment"); }
+
+int refuse(const ZVNmodel* handle) { return refuse_ticket(handle, TicketKind::kModel, "model"); }
 
 }  // namespace zelvan

@@ -1,19 +1,28 @@
 #pragma once
 // Handles, and the frame of every C function: check the handle, run, turn exceptions into codes.
 //
-// A handle is the address of a ticket, a two-word cell that outlives its object, so that a handle of a
-// freed object is recognised instead of followed. Freed tickets are reused only after many others.
+// A handle is the address of a ticket, a small cell that outlives its object, so that a handle of a freed
+// object, or one of another kind, is recognised instead of followed. Freed tickets are reused only after many
+// others.
 
+#include <cstdint>
 #include <new>
 
 #include "core/error.h"
 #include "core/model.h"
 
+namespace zelvan {
+// The first word of each ticket.
+enum class TicketKind : std::uint32_t { kEnv = 0x5a564e45, kModel = 0x5a564e4d };
+}  // namespace zelvan
+
 struct ZVNenv {
-    zelvan::Env* object = nullptr;
+    zelvan::TicketKind kind = zelvan::TicketKind::kEnv;
     bool owner = true;  // false for the handle of a model's own environment
+    zelvan::Env* object = nullptr;
 };
 struct ZVNmodel {
+    zelvan::TicketKind kind = zelvan::TicketKind::kModel;
     zelvan::Model* object = nullptr;
     ZVNenv env;  // the handle that ZVNgetenv returns
 };
@@ -28,11 +37,15 @@ void retire(ZVNmodel* ticket);
 // Text of the latest refusal of an invalid handle on this thread.
 std::string& handle_error();
 
-inline Env* env_of(ZVNenv* handle) { return handle ? handle->object : nullptr; }
-inline Model* model_of(ZVNmodel* handle) { return handle ? handle->object : nullptr; }
+inline Env* env_of(ZVNenv* handle) { return handle && handle->kind == TicketKind::kEnv ? handle->object : nullptr; }
+inline Model* model_of(ZVNmodel* handle) {
+    return handle && handle->kind == TicketKind::kModel ? handle->object : nullptr;
+}
 inline std::string& error_text(Env& env) { return env.error; }
 inline std::string& error_text(Model& model) { return model.env.error; }
-int refuse_handle(const char* what, bool null);
+// The code for a handle behind which there is no object of the kind; tells why.
+int refuse(const ZVNenv* handle);
+int refuse(const ZVNmodel* handle);
 
 // Runs body(object); the code is 0 or that of the exception, whose text is left on the object.
 template <class Object, class Body>
@@ -55,13 +68,13 @@ int run(Object& object, Body&& body) noexcept {
 template <class Body>
 int with_env(ZVNenv* handle, Body&& body) noexcept {
     Env* env = env_of(handle);
-    return env ? run(*env, body) : refuse_handle("environment", handle == nullptr);
+    return env ? run(*env, body) : refuse(handle);
 }
 
 template <class Body>
 int with_model(ZVNmodel* handle, Body&& body) noexcept {
     Model* model = model_of(handle);
-    return model ? run(*model, body) : refuse_handle("model", handle == nullptr);
+    return model ? run(*model, body) : refuse(handle);
 }
 
 // For calls that change the model, which a running solve forbids.

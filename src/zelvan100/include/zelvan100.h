@@ -6,7 +6,7 @@
  *   - A call returns 0 on success and otherwise one of the ZVN_ERROR_ codes. A failed call changes
  *     nothing and leaves a sentence that names the thing at fault, read with ZVNgeterrormsg
  *     (environment) or ZVNgetmerrormsg (model). Functions that return something else say so.
- *   - Handles are opaque. NULL and handles of freed objects are refused with ZVN_ERROR_NULL_ARGUMENT.
+ *   - Handles are opaque. NULL, freed and wrong handles are refused with ZVN_ERROR_NULL_ARGUMENT.
  *   - Indices and most counts are 32-bit ints from 0; values are doubles; senses and variable types
  *     are single characters; strings are NUL-terminated UTF-8.
  *   - Arrays belong to the caller and are read or filled during the call only. A string handed out
