@@ -438,6 +438,14 @@ def test_keys_that_change_the_dict_while_it_is_read():
             outcome(t.prod, coeffs)
 
 
+def test_iterators_that_are_asked_within_a_step():
+    t = tupledict({(i, 2): i for i in range(3)})
+    pairs = t.iteritems(Meddler(lambda: list(pairs)), Meddler(lambda: None))
+    with pytest.raises(ValueError, match="already executing"):
+        next(pairs)
+    assert list(pairs) == []
+
+
 def test_memory_is_given_back(x):
     def use():
         t = tupledict({(i, str(j)): x[i % 3, j % 4] for i in range(10) for j in range(10)})

@@ -20,6 +20,7 @@ struct Iterator {
     DictCursor cursor;
     Yield yield;
     bool plain;
+    bool running;
 };
 
 PyTypeObject* Iterator_Type = nullptr;
@@ -34,6 +35,7 @@ py::object new_iterator(TupleDict& t, Yield yield, py::object pattern = {}) {
     it->next = 0;
     it->cursor = DictCursor(t.self());
     it->yield = yield;
+    it->running = false;
     PyObject_GC_Track(it);
     return py::reinterpret_steal<py::object>(reinterpret_cast<PyObject*>(it));
 }
@@ -82,11 +84,17 @@ py::object step(Iterator& it, py::handle dict) {
 }
 
 py::object Iterator_next(Iterator& it) {
+    // A step may run code that asks for the next one, which would end the iterator below the first.
+    if (it.running) throw py::value_error("generator already executing");
     if (!it.dict) return {};
-    const py::object dict = borrow(it.dict);  // a step may run code that ends this iterator
+    const py::object dict = borrow(it.dict);
+    it.running = true;
     try {
-        return step(it, dict);
+        py::object result = step(it, dict);
+        it.running = false;
+        return result;
     } catch (...) {
+        it.running = false;
         finish(it);
         throw;
     }

@@ -35,7 +35,7 @@ void visit_list(TupleDict& t, py::handle list, Visit& visit) {
     DictCursor cursor(t.self());
     for (Py_ssize_t i = 0; i < PyList_GET_SIZE(list.ptr()); ++i) {
         PyObject* key = PyList_GET_ITEM(list.ptr(), i);
-        visit_value(t, key, cursor.find(key), visit);
+        visit_value(t, key, cursor.find_next(key), visit);
     }
 }
 
