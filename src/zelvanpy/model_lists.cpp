@@ -134,7 +134,9 @@ void append_range_helpers(Model& model) {
     const Py_ssize_t made = count_of(model, "NumVars") - PyList_GET_SIZE(model.vars);
     for (Py_ssize_t i = 0; i < std::min<Py_ssize_t>(made, model.new_ranges); ++i) {
         const int index = static_cast<int>(PyList_GET_SIZE(model.vars));
-        checked(PyList_Append(model.vars, steal(new_handle(Var_Type, model.cmodel, index)).ptr()));
+        const py::object helper = steal(new_handle(Var_Type, model.cmodel, index));
+        require_open(model);
+        checked(PyList_Append(model.vars, helper.ptr()));
     }
     model.live_vars = PyList_GET_SIZE(model.vars);
     model.new_ranges = 0;
@@ -234,14 +236,15 @@ py::object handle_by_position(Model& self, py::handle position) {
 template <Kind K>
 py::object live_handles(Model& self) {
     model_setup(self);
-    return steal(PyList_GetSlice(self.*list_row(K).list, 0, self.*list_row(K).live));
+    const py::object list = borrow(self.*list_row(K).list);  // as in rebuild_list
+    return steal(PyList_GetSlice(list.ptr(), 0, self.*list_row(K).live));
 }
 
 template <Kind K>
 py::object numbered_handles(Model& self) {
     model_setup(self);
-    PyObject* list = self.*list_row(K).list;
     py::list handles;
+    PyObject* list = self.*list_row(K).list;
     for (Py_ssize_t i = 0; i < PyList_GET_SIZE(list); ++i)
         if (handle_at(list, i)->cindex() >= 0) handles.append(py::handle(PyList_GET_ITEM(list, i)));
     return handles;
