@@ -19,6 +19,10 @@ class Column:
     def __init__(self, lb, ub, obj, vtype, name):
         self.lb, self.ub, self.obj, self.vtype, self.name = lb, ub, obj, vtype, name
 
+    def bounds(self):
+        """As the solver takes them: a binary variable is 0 or 1, whatever was written to its bounds later."""
+        return (max(self.lb, 0.0), min(self.ub, 1.0)) if self.vtype == "B" else (self.lb, self.ub)
+
 
 class Row:
     def __init__(self, terms, sense, rhs, name):
@@ -39,6 +43,7 @@ class ModelEdits(RuleBasedStateMachine):
         self.new_columns, self.new_rows = [], []
         self.helpers = []
         self.pending = []
+        self.num_names = 0
         self.sense = 1
         self.constant = 0.0
 
@@ -46,6 +51,10 @@ class ModelEdits(RuleBasedStateMachine):
         if hasattr(self, "model"):
             self.model.dispose()
             self.env.dispose()
+
+    def new_name(self, letter):
+        self.num_names += 1
+        return "%s%d" % (letter, self.num_names + 100)
 
     def usable(self):
         return self.columns + (self.new_columns if self.mode else [])
@@ -69,7 +78,7 @@ class ModelEdits(RuleBasedStateMachine):
         named=st.booleans(),
     )
     def add_var(self, lb, width, obj, vtype, named):
-        name = "v%d" % (len(self.columns) + len(self.new_columns) + 100) if named else ""
+        name = self.new_name("v") if named else ""
         handle = self.model.addVar(lb=lb, ub=lb + width, obj=obj, vtype=vtype, name=name)
         low, high = float(lb), float(lb + width)
         if vtype == "B":
@@ -86,7 +95,7 @@ class ModelEdits(RuleBasedStateMachine):
     @rule(data=st.data(), sense=st.sampled_from("<>="), rhs=COEFFICIENTS, named=st.booleans())
     def add_constr(self, data, sense, rhs, named):
         terms = self.draw_terms(data)
-        name = "r%d" % (len(self.rows) + len(self.new_rows) + 100) if named else ""
+        name = self.new_name("r") if named else ""
         expr = zelvanpy.LinExpr(1.0)
         for coeff, (_, handle) in terms:
             expr += coeff * handle
@@ -205,7 +214,8 @@ class ModelEdits(RuleBasedStateMachine):
     def solve(self):
         self.update()
         columns = [record for record, _ in self.columns]
-        if not columns or any(record.lb > record.ub for record in columns):
+        bounds = [record.bounds() for record in columns]
+        if not columns or any(low > high for low, high in bounds):
             return
         constraints = []
         for record, _ in self.rows:
@@ -223,7 +233,7 @@ class ModelEdits(RuleBasedStateMachine):
         expected = milp(
             cost,
             constraints=constraints,
-            bounds=Bounds([r.lb for r in columns], [r.ub for r in columns]),
+            bounds=Bounds(*zip(*bounds)),
             integrality=[int(r.vtype != "C") for r in columns],
         )
         self.model.optimize()

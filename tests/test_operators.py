@@ -163,6 +163,24 @@ def test_fresh_results():
     assert content(e * 0) == (-0.0, [(0.0, 0), (0.0, 1), (0.0, 0)])
 
 
+def test_reflected_methods_and_subclasses_of_variables():
+    assert content(x.__radd__(y)) == (0.0, [(1, 0), (1, 1)])
+    assert content(x.__rsub__(y)) == (0.0, [(1, 1), (-1, 0)])
+    assert content(x.__rmul__(3)) == (0.0, [(3, 0)])
+
+    class Named(Var):
+        pass
+
+    class Own(Var):
+        def __radd__(self, other):
+            return "own sum"
+
+    s = Named(None, 1)
+    assert content(x + s) == (0.0, [(1, 0), (1, 1)]) and content(s + x) == (0.0, [(1, 1), (1, 0)])
+    assert content(2 * s - x) == (0.0, [(2, 1), (-1, 0)])
+    assert x + Own(None, 1) == 1 + Own(None, 1) == "own sum"
+
+
 def test_constant_expressions_multiply():
     three = LinExpr(3)
     assert content(three * x) == content(x * three) == (0.0, [(3.0, 0)])

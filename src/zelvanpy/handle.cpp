@@ -6,6 +6,7 @@
 #include "attrutil.h"
 #include "dormant.h"
 #include "exception.h"
+#include "operand.h"
 #include "pyargs.h"
 #include "pytype.h"
 
@@ -80,6 +81,7 @@ py::handle object_of(Handle& self) { return reinterpret_cast<PyObject*>(&self); 
 // --- life
 
 PyObject* handle_new(PyTypeObject* type, py::handle, py::handle) {
+    if (type != Var_Type && PyType_IsSubtype(type, Var_Type)) inherit_operators(type, Var_Type);
     py::object object = steal(type->tp_alloc(type, 0));
     Handle* self = as_handle(object);
     self->cmodel = none().release().ptr();

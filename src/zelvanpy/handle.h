@@ -41,8 +41,11 @@ struct SafeName {
 };
 SafeName safe_name(Handle* var);
 
-// Operator and comparison slots of Var (var_arith.cpp), put into its type by var.cpp.
+// Operator and comparison slots of Var and the methods that go with them (var_arith.cpp), put into its type by
+// var.cpp.
 extern PyType_Slot var_operator_slots[];
 extern const int num_var_operator_slots;
+extern PyMethodDef var_operator_methods[];
+extern const int num_var_operator_methods;
 
 }  // namespace zelvanpy

@@ -25,26 +25,8 @@ PyObject* restore_function = nullptr;
 
 py::handle object_of(LinExpr& self) { return reinterpret_cast<PyObject*>(&self); }
 
-// A subclass made in Python would find + by the methods __add__ and __radd__, and `e + f` with f of the subclass
-// would come out as `f + e`, because __radd__ is a method of its own. Unless the subclass has such methods itself,
-// it gets the operators of LinExpr.
-void inherit_operators(PyTypeObject* type) {
-    static const struct {
-        Name method, reflected;
-        binaryfunc PyNumberMethods::* slot;
-    } kOperators[] = {{Name("__add__"), Name("__radd__"), &PyNumberMethods::nb_add},
-                      {Name("__sub__"), Name("__rsub__"), &PyNumberMethods::nb_subtract},
-                      {Name("__mul__"), Name("__rmul__"), &PyNumberMethods::nb_multiply}};
-    const auto inherits = [type](const Name& name) {
-        return _PyType_Lookup(type, name.get()) == _PyType_Lookup(LinExpr_Type, name.get());
-    };
-    for (const auto& op : kOperators)
-        if (inherits(op.method) && inherits(op.reflected))
-            type->tp_as_number->*op.slot = LinExpr_Type->tp_as_number->*op.slot;
-}
-
 PyObject* LinExpr_new(PyTypeObject* type, py::handle, py::handle) {
-    if (type != LinExpr_Type) inherit_operators(type);
+    if (type != LinExpr_Type) inherit_operators(type, LinExpr_Type);
     return as_result(allocate_linexpr(type));
 }
 

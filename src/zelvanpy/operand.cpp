@@ -49,6 +49,20 @@ std::size_t list_position(py::handle index, std::size_t size) {
     return static_cast<std::size_t>(i);
 }
 
+void inherit_operators(PyTypeObject* type, PyTypeObject* own) {
+    static const struct {
+        Name method, reflected;
+        binaryfunc PyNumberMethods::* slot;
+    } kOperators[] = {{Name("__add__"), Name("__radd__"), &PyNumberMethods::nb_add},
+                      {Name("__sub__"), Name("__rsub__"), &PyNumberMethods::nb_subtract},
+                      {Name("__mul__"), Name("__rmul__"), &PyNumberMethods::nb_multiply}};
+    const auto inherits = [&](const Name& name) {
+        return _PyType_Lookup(type, name.get()) == _PyType_Lookup(own, name.get());
+    };
+    for (const auto& op : kOperators)
+        if (inherits(op.method) && inherits(op.reflected)) type->tp_as_number->*op.slot = own->tp_as_number->*op.slot;
+}
+
 void prefer_to_numpy_scalars(PyTypeObject* type) {
     const py::object priority = steal(PyFloat_FromDouble(-1.0));
     checked(PyObject_SetAttrString(reinterpret_cast<PyObject*>(type), "__array_priority__", priority.ptr()));

@@ -69,6 +69,7 @@ void init_var(py::module_& module) {
          "_safename($self)\n--\n\n"
          "Tuple (text, pending, removed): the name, or what stands for it in a variable that has none now."},
     };
+    extras.methods.insert(extras.methods.end(), var_operator_methods, var_operator_methods + num_var_operator_methods);
     extras.properties = {index_property()};
     make_handle_type(module, Kind::kVar, std::move(extras));
 }

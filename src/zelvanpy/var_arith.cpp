@@ -91,8 +91,9 @@ PyObject* Var_compare(py::handle var, py::handle other, int op) {
 
 PyObject* Var_div(py::handle var, py::handle divisor) { return Var_divide(var, divisor); }
 
-PyMethodDef div_method = {"__div__", method<Var_div>, METH_O,
-                          "__div__($self, constant, /)\n--\n\nThe same as self / constant."};
+// By name, unlike by the operator, the variable comes first.
+PyObject* Var_radd(py::handle var, py::handle expr) { return Var_add(var, expr); }
+PyObject* Var_rmul(py::handle var, py::handle expr) { return Var_multiply(var, expr); }
 
 }  // namespace
 
@@ -111,10 +112,13 @@ PyType_Slot var_operator_slots[] = {
 };
 const int num_var_operator_slots = std::size(var_operator_slots);
 
-void init_var_arith(py::module_&) {
-    const py::object div = steal(PyDescr_NewMethod(Var_Type, &div_method));
-    checked(PyObject_SetAttrString(reinterpret_cast<PyObject*>(Var_Type), "__div__", div.ptr()));
-    prefer_to_numpy_scalars(Var_Type);
-}
+PyMethodDef var_operator_methods[] = {
+    {"__radd__", method<Var_radd>, METH_O | METH_COEXIST, "__radd__($self, expr, /)\n--\n\nReturn self + expr."},
+    {"__rmul__", method<Var_rmul>, METH_O | METH_COEXIST, "__rmul__($self, expr, /)\n--\n\nReturn self * expr."},
+    {"__div__", method<Var_div>, METH_O, "__div__($self, constant, /)\n--\n\nThe same as self / constant."},
+};
+const int num_var_operator_methods = std::size(var_operator_methods);
+
+void init_var_arith(py::module_&) { prefer_to_numpy_scalars(Var_Type); }
 
 }  // namespace zelvanpy
