@@ -338,6 +338,37 @@ def test_what_fails_in_the_bridge_is_unraisable(collected, unraisable, monkeypat
     assert unraisable[1:] == [(TypeError, "zelvanpy.logcallbackstub")]
 
 
+class Acting:
+    """A stream that does something on each text."""
+
+    def __init__(self, act):
+        self.write = act
+
+    def flush(self):
+        pass
+
+
+def test_a_receiver_of_log_lines_may_close_what_they_are_about(tmp_path, monkeypatch, unraisable):
+    model_file, start_file, named_file = (str(tmp_path / name) for name in ("a.lp", "a.sol", "b.lp"))
+    (tmp_path / "a.lp").write_text("Minimize\n x + y\nSubject To\nBounds\n x <= -1\n y <= -2\nEnd\n")
+    (tmp_path / "a.sol").write_text("z 1\nx 5\n")
+    env = Env()
+    with monkeypatch.context() as patch:
+        patch.setattr(sys, "stdout", Acting(lambda text: env.close()))
+        model = zelvanpy.read(model_file, env)
+    assert env._cenv is None and model.NumVars == 2
+    model.addVar(name="not one word")
+    model.update()
+    for work in (lambda: model.write(named_file), lambda: model.read(start_file)):
+        copy, model = model, model.copy()
+        with monkeypatch.context() as patch:
+            patch.setattr(sys, "stdout", Acting(lambda text: model.dispose()))
+            work()
+        assert model._cmodel is None
+        model = copy
+    assert "Bounds" in pathlib.Path(named_file).read_text() and unraisable == []
+
+
 def library():
     lib = ctypes.CDLL(str(pathlib.Path(zelvanpy._zelvanpy.__file__).with_name("libzelvan100.so")))
     lib.ZVNmsg.argtypes = [ctypes.c_void_p, ctypes.c_char_p]

@@ -485,6 +485,31 @@ def test_no_disposal_during_a_solve(lp, env_silent, tmp_path):
     m.dispose()
 
 
+def test_a_model_stays_as_it_is_until_its_result_file_is_written(tmp_path, monkeypatch):
+    """A log line of the writer comes from within the solve, as all others do."""
+    refusals = {}
+
+    class Stream:
+        def write(self, text):
+            for call in (m.update, m.dispose):
+                with pytest.raises(ZelvanError) as refusal:
+                    call()
+                refusals.setdefault(text.split(":")[0], []).append(refusal.value.errno)
+
+        def flush(self):
+            pass
+
+    m = Model("", Env())
+    m.addVar(name="not one word")
+    m.Params.ResultFile = str(tmp_path / "result.lp")
+    with monkeypatch.context() as patch:
+        patch.setattr(sys, "stdout", Stream())
+        m.optimize()
+    assert m.Status == 2 and "C0" in (tmp_path / "result.lp").read_text()
+    assert set(sum(refusals.values(), [])) == {10017} and "Warning" in refusals
+    m.dispose()
+
+
 def test_models_are_not_leaked(env_silent, lp):
     def work():
         m = Model("a", env_silent)

@@ -2,6 +2,8 @@
 
 #include <chrono>
 #include <cstdio>
+#include <string>
+#include <vector>
 
 #include "api/guard.h"
 #include "io/data_files.h"
@@ -11,13 +13,13 @@ using namespace zelvan;
 
 namespace {
 
-void log_model(Env& env, const std::string& path, const ModelData& data, double seconds) {
+std::string report(const std::string& path, const ModelData& data, double seconds) {
     const char* format = model_format(path) == FileFormat::kMps ? "MPS" : "LP";
     char time[48];
     std::snprintf(time, sizeof time, "Reading time = %.2f seconds\n", seconds);
-    env.log("Read " + std::string(format) + " format model from file " + path + "\n" + time +
-            (data.name.empty() ? "" : data.name + ": ") + std::to_string(data.rows.size()) + " rows, " +
-            std::to_string(data.cols.size()) + " columns, " + std::to_string(data.rows.num_entries()) + " nonzeros\n");
+    return "Read " + std::string(format) + " format model from file " + path + "\n" + time +
+           (data.name.empty() ? "" : data.name + ": ") + std::to_string(data.rows.size()) + " rows, " +
+           std::to_string(data.cols.size()) + " columns, " + std::to_string(data.rows.num_entries()) + " nonzeros\n";
 }
 
 }  // namespace
@@ -32,12 +34,16 @@ int ZVNreadmodel(ZVNenv* env, const char* filename, ZVNmodel** model) {
                         "The environment has not been started, so no model can be made on it");
         const auto begin = std::chrono::steady_clock::now();
         auto created = std::make_unique<Model>(parent);
-        created->data = read_model(filename, [&](std::string_view line) { parent.log(std::string(line) + "\n"); });
+        std::vector<std::string> messages;
+        created->data =
+            read_model(filename, [&](std::string_view line) { messages.push_back(std::string(line) + "\n"); });
         if (parent.params.get_int(Param::IgnoreNames)) created->data.drop_names();
         const std::chrono::duration<double> taken = std::chrono::steady_clock::now() - begin;
-        log_model(parent, filename, created->data, taken.count());
+        messages.push_back(report(filename, created->data, taken.count()));
         *model = new_model_ticket(created.get());
-        created.release();
+        // The receiver of the messages may free the environment; the log of the new model is the same.
+        const Env& log = created.release()->env;
+        for (const std::string& message : messages) log.log(message);
     });
 }
 

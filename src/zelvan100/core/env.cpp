@@ -28,7 +28,7 @@ std::shared_ptr<LogFile> open_log(const std::string& path) {
 
 }  // namespace
 
-void Env::log(std::string_view text) {
+void Env::log(std::string_view text) const {
     if (!params.get_int(Param::OutputFlag)) return;
     if (log_file) log_file->write(text);
     if (!params.get_int(Param::LogToConsole)) return;

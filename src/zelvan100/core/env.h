@@ -38,7 +38,7 @@ struct Env {
 
     // Writes text to the log: callback or standard output (OutputFlag, LogToConsole), and LogFile.
     // May be called on any thread.
-    void log(std::string_view text);
+    void log(std::string_view text) const;
     // The three setters behind ZVNset...param; they take care of LogFile and of fixed limits.
     void set_int(int param, int value);
     void set_dbl(int param, double value);

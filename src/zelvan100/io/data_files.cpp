@@ -54,7 +54,11 @@ void read_data(Model& model, const std::string& path) {
 void write_any(Model& model, const std::string& path) {
     if (model_format(path) != FileFormat::kNone) {
         model.update();
-        return write_model(model.data, path, [&](std::string_view line) { model.env.log(std::string(line) + "\n"); });
+        std::string warnings;
+        write_model(model.data, path, [&](std::string_view line) { (warnings += line) += '\n'; });
+        // Last, as the receiver may change or free the model.
+        if (!warnings.empty()) model.env.log(warnings);
+        return;
     }
     const DataFile* file = data_file(path);
     if (!file) refuse_ending(path, "Writing");

@@ -69,10 +69,14 @@ NamedValues read_values(Model& model, const std::string& path) {
         read_line(model, file, ++line, std::string_view(file.text).substr(at, end - at), read);
         at = end + 1;
     }
-    if (read.unknown > 0)
-        model.env.log("File '" + path + "': " + std::to_string(read.unknown) +
-                      " values left out, whose variables are not in the model\n");
     return read;
+}
+
+// Last, as the receiver of the message may change or free the model.
+void log_unknown(Model& model, const std::string& path, int unknown) {
+    if (unknown > 0)
+        model.env.log("File '" + path + "': " + std::to_string(unknown) +
+                      " values left out, whose variables are not in the model\n");
 }
 
 }  // namespace
@@ -110,6 +114,7 @@ void read_start(Model& model, const std::string& path) {
     const NamedValues read = read_values(model, path);
     write_numbers(model, static_cast<int>(Attr::Start), static_cast<int>(read.col.size()), read.col.data(),
                   read.value.data());
+    log_unknown(model, path, read.unknown);
 }
 
 void read_priorities(Model& model, const std::string& path) {
@@ -123,6 +128,7 @@ void read_priorities(Model& model, const std::string& path) {
     }
     write_numbers(model, static_cast<int>(Attr::BranchPriority), static_cast<int>(read.col.size()), read.col.data(),
                   priority.data());
+    log_unknown(model, path, read.unknown);
 }
 
 }  // namespace zelvan

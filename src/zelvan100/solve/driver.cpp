@@ -9,6 +9,7 @@
 #include "bridge/pwl_objective.h"
 #include "bridge/semi_continuous.h"
 #include "core/error.h"
+#include "io/data_files.h"
 #include "solve/certificate.h"
 #include "solve/multi_objective.h"
 #include "solve/run.h"
@@ -19,7 +20,7 @@ namespace zelvan {
 
 namespace {
 
-// Marks the model as being solved, whatever way the solve ends.
+// Marks the model as being solved, so that nothing else changes or frees it, whatever way the solve ends.
 class SolvingMark {
 public:
     explicit SolvingMark(Model& model) : model_(model) {
@@ -27,8 +28,6 @@ public:
         if (!model.solving.compare_exchange_strong(expected, true))
             throw Error(ZVN_ERROR_OPTIMIZATION_IN_PROGRESS, "The model is being solved already");
         model.stop = false;
-        model.solution = Solution();
-        model.solution.status = ZVN_INPROGRESS;
     }
     ~SolvingMark() {
         if (model_.solution.status == ZVN_INPROGRESS) model_.solution = Solution();
@@ -153,16 +152,32 @@ Solution solve(Model& model) {
     return solution;
 }
 
+// A solve without a solution leaves a line instead of a file; any other fault is one of the call.
+void write_result_file(Model& model) {
+    const std::string& path = model.env.params.get_str(Param::ResultFile);
+    if (path.empty()) return;
+    try {
+        write_any(model, path);
+    } catch (const Error& e) {
+        if (e.code() != ZVN_ERROR_DATA_NOT_AVAILABLE) throw;
+        model.env.log("File '" + path + "' was not written: " + e.text() + "\n");
+    }
+}
+
 }  // namespace
 
 void optimize(Model& model) {
-    SolvingMark mark(model);
+    const SolvingMark mark(model);
+    model.update();
+    model.solution = Solution();
+    model.solution.status = ZVN_INPROGRESS;
     log_begin(model);
     model.solution = solve(model);
     // A start basis serves one solve, the next one goes on from the basis of this one.
     model.data.cols.optional.erase(static_cast<int>(Attr::VBasis));
     model.data.rows.optional.erase(static_cast<int>(Attr::CBasis));
     log_end(model);
+    write_result_file(model);
 }
 
 }  // namespace zelvan

@@ -4,8 +4,9 @@ namespace zelvan {
 
 class Model;
 
-// Solves the model as it stands after an update and fills model.solution. Throws Error on failure.
-// Progress goes to model.env.log; model.stop and the limits of model.env.params are polled.
+// Updates and solves the model, fills model.solution and writes ResultFile; changes from elsewhere are refused
+// meanwhile. Throws Error on failure. Progress goes to model.env.log; model.stop and the limits of model.env.params are
+// polled.
 void optimize(Model& model);
 
 }  // namespace zelvan
