@@ -9,8 +9,8 @@
  *   - Handles are opaque. NULL, freed and wrong handles are refused with ZVN_ERROR_NULL_ARGUMENT.
  *   - Indices and most counts are 32-bit ints from 0; values are doubles; senses and variable types
  *     are single characters; strings are NUL-terminated UTF-8.
- *   - Arrays belong to the caller and are read or filled during the call only. A string handed out
- *     through a `char **` stays the library's: it is valid until the next call on the same object.
+ *   - Arrays belong to the caller and are read or filled during the call only. A string handed out through a
+ *     `char **` stays the library's: until the next call on the object, a name of an attribute or parameter for good.
  *   - Changes to a model are queued and take effect at ZVNupdatemodel, which ZVNoptimize and
  *     ZVNwrite also run. Until then queries show the model as of the last update.
  *   - Bounds of magnitude 1e20 and above mean infinity; ZVN_INFINITY is the value to pass.
@@ -117,7 +117,7 @@ typedef struct ZVNmodel ZVNmodel; /* a model, with an environment of its own */
 
 /* ---- Environments, messages, version ------------------------------------------------------- */
 
-/* Receives the text of one log message; returns 0. It may be called on any thread during a solve. */
+/* Receives the text of one log message, returns 0. In a solve on any thread, in other calls as their last act. */
 typedef int (*ZVNlogcallback)(const char* message, void* userdata);
 
 /* Create an environment that is not started: parameters can be set, models can't be made yet.
