@@ -120,6 +120,16 @@ def test_type_errors_name_the_parameter(env):
         env.setParam("LogFile", 5)
 
 
+def test_a_str_that_answers_oddly_is_no_default(env):
+    class Odd(str):
+        def upper(self):
+            return 5
+
+    env.setParam("LogFile", Odd(""))
+    with pytest.raises(TypeError):
+        env.setParam("Threads", Odd("3"))
+
+
 def test_the_word_default_restores(env):
     for name, value in (("Threads", 3), ("MIPGap", 0.3), ("ResultFile", "a.sol")):
         for word in ("default", "DEFAULT", "Default"):
@@ -263,7 +273,7 @@ def test_params_read_and_write_like_attributes(model, capsys):
     assert repr(params) == "<zelvanpy.ParamClass: Parameter changes: OutputFlag=0>"
     params.OutputFlag = 1
     assert repr(params) == "<zelvanpy.ParamClass: No parameter changes>" and params._getChangeList() in repr(params)
-    for name in ("Nix", "MIPGap*", "_nix", "mipgäp"):
+    for name in ("Nix", "MIPGap*", "_nix", "mipgäp", "Threads\0"):
         with pytest.raises(AttributeError, match="^No parameter named '"):
             getattr(params, name)
     assert not hasattr(params, "nix")
@@ -274,6 +284,9 @@ def test_params_read_and_write_like_attributes(model, capsys):
         params.Threads = -1
     with pytest.raises(AttributeError):
         del params.Threads
+    for access in (lambda: params.__getattribute__(5), lambda: params.__setattr__(5, 1)):
+        with pytest.raises(TypeError):
+            access()
 
 
 def test_params_keep_private_fields(model):

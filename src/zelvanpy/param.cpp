@@ -25,9 +25,7 @@ py::object param_name(Env& env, int i) {
     return to_str(name);
 }
 
-bool is_default_word(py::handle value) {
-    return PyUnicode_Check(value.ptr()) && PyUnicode_CompareWithASCIIString(upper(value).ptr(), "DEFAULT") == 0;
-}
+bool is_default_word(py::handle value) { return PyUnicode_Check(value.ptr()) && upper(value).equal(to_str("DEFAULT")); }
 
 py::object infinite_float(double value) {
     if (value >= ZVN_INFINITY) value = Py_HUGE_VAL;
@@ -337,8 +335,14 @@ void ParamClass_init(Params& self, PyObject* args, PyObject* kwargs) {
 
 bool is_private(PyObject* name) { return PyUnicode_GET_LENGTH(name) && PyUnicode_READ_CHAR(name, 0) == '_'; }
 
+// The library would stop at a NUL.
+bool holds_nul(PyObject* text) {
+    return PyUnicode_Check(text) && PyUnicode_FindChar(text, 0, 0, PyUnicode_GET_LENGTH(text), 1) >= 0;
+}
+
 PyObject* value_of(Params& self, PyObject* name) {
-    py::object value = param_value(env_pointer(env_of(self)), CString(name));
+    ZVNenv* const env = env_pointer(env_of(self));
+    py::object value = holds_nul(name) ? py::object() : param_value(env, CString(name));
     if (!value) {
         PyErr_Format(PyExc_AttributeError, "No parameter named '%S'", name);
         throw PythonError{};
@@ -350,6 +354,7 @@ PyObject* value_of(Params& self, PyObject* name) {
 // into the instance dictionary by hand.
 PyObject* ParamClass_getattro(Params& self, PyObject* name) {
     auto* object = reinterpret_cast<PyObject*>(&self);
+    if (!PyUnicode_Check(name)) return PyObject_GenericGetAttr(object, name);  // which refuses it
     if (Py_TYPE(object) == ParamClass_Type && !is_private(name)) {
         if (!self.dict) return value_of(self, name);
         if (PyObject* found = PyDict_GetItemWithError(self.dict, name)) return borrow(found).release().ptr();
@@ -363,7 +368,8 @@ PyObject* ParamClass_getattro(Params& self, PyObject* name) {
 }
 
 int ParamClass_setattro(Params& self, PyObject* name, PyObject* value) {
-    if (!value) return PyObject_GenericSetAttr(reinterpret_cast<PyObject*>(&self), name, nullptr);
+    if (!value || !PyUnicode_Check(name))
+        return PyObject_GenericSetAttr(reinterpret_cast<PyObject*>(&self), name, value);
     if (!is_private(name)) {
         env_set_param(env_of(self), name, value);
         return 0;
