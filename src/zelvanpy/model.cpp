@@ -177,11 +177,11 @@ py::object model_value(Model& self, const char* attribute) { return model_get_at
 PyObject* Model_repr(Model& self) {
     if (self.cmodel == Py_None) return PyUnicode_FromString("<zelvan.Model empty model>");
     const bool mip = model_value(self, "IsMIP").equal(py::int_(1));
-    const py::object name = model_value(self, "ModelName");
+    py::object name = model_value(self, "ModelName");
+    if (py::len(name) == 0) name = py::str("Unnamed");
     const py::object changes = py::handle(as_object(self)).attr("Params").attr("_getChangeList")();
     return PyUnicode_FromFormat("<zelvan.Model %s instance %S: %S constrs, %S vars, %S>", mip ? "MIP" : "Continuous",
-                                py::len(name) ? name.ptr() : py::str("Unnamed").release().ptr(),
-                                model_value(self, "NumConstrs").ptr(), model_value(self, "NumVars").ptr(),
+                                name.ptr(), model_value(self, "NumConstrs").ptr(), model_value(self, "NumVars").ptr(),
                                 changes.ptr());
 }
 
