@@ -5,6 +5,7 @@
 #include <iterator>
 
 #include "attrutil.h"
+#include "env.h"
 #include "exception.h"
 #include "model.h"
 #include "pyargs.h"
@@ -170,6 +171,8 @@ void model_setup(Model& model, bool empty) {
     RaisedThreshold threshold(total);
     py::object lists[std::size(list_rows)];
     for (std::size_t i = 0; i < std::size(list_rows); ++i) lists[i] = handle_list(model, list_rows[i], counts[i]);
+    if (!empty) require_open(model);  // the collector may have run code that disposed of the model
+    if (model.vars) return;           // or that built the lists
     for (std::size_t i = 0; i < std::size(list_rows); ++i) {
         const ListRow& row = list_rows[i];
         model.*row.list = lists[i].release().ptr();
@@ -195,8 +198,9 @@ void model_dispose(Model& model) {
     const py::object capsule = py::reinterpret_steal<py::object>(model.cmodel);
     model.cmodel = none().release().ptr();
     ZVNfreemodel(model_pointer(capsule));
-    // Handles that are in no list any more share the capsule, which tells them from now on.
+    // Handles that are in no list any more share the capsule, which tells them from now on, and so does `_env`.
     invalidate_capsule(capsule);
+    if (is_env(model.env)) invalidate_capsule(reinterpret_cast<Env*>(model.env)->cenv);
     for (const ListRow& row : list_rows) {
         const py::object list = py::reinterpret_steal<py::object>(model.*row.list);
         model.*row.list = nullptr;
