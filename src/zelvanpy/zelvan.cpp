@@ -198,7 +198,7 @@ py::object string_io() {
     try {
         return py::module_::import("StringIO").attr("StringIO");
     } catch (py::error_already_set& e) {
-        if (!e.matches(PyExc_ImportError)) throw;
+        if (!e.matches(PyExc_ImportError) && !e.matches(PyExc_AttributeError)) throw;
         return py::module_::import("io").attr("StringIO");
     }
 }
