@@ -323,6 +323,28 @@ def test_update_mode(lp):
     assert lp._Model__getupdatemode() == 0
 
 
+@pytest.mark.parametrize("mode", (0, 1))
+def test_a_change_of_update_mode_amid_additions(lp, mode):
+    """Handles go on as they began until the update; indices stay those of the library throughout."""
+    x, y, z = lp.getVars()
+    lp.Params.UpdateMode = 1 - mode
+    lp.update()
+    v = lp.addVar(name="v")
+    lp.Params.UpdateMode = mode
+    w = lp.addVar(name="w")
+    lp.addRange(x + y, 1, 5, "r")
+    assert (v.index, w.index) == ((-1, -1) if mode else (3, 4))
+    if mode == 0:
+        w.UB = 2
+        lp.addConstr(v + w <= 3)
+        lp.remove(v)
+    lp.update()
+    assert lp.NumVars == len(lp.getVars()) == (6 if mode else 4) and w.VarName == "w"
+    late = lp.addVar(name="late")
+    lp.update()
+    assert late.VarName == "late" and lp.getVarByName("late") is late
+
+
 def test_copy(lp):
     x = lp.getVars()[0]
     x.UB = 2.0

@@ -124,11 +124,10 @@ py::object add_range(Model& self, py::handle expr, py::handle lower, py::handle 
     model_setup(self);
     const double left = checked_double(PyFloat_AsDouble(lower.ptr()));
     const double right = checked_double(PyFloat_AsDouble(upper.ptr()));
-    const bool helper = (left <= -kRangeInfinity) == (right >= kRangeInfinity) && model_update_mode(self) == 1;
     const Row row{ZVN_LESS_EQUAL, left < -kRangeInfinity ? -kRangeInfinity : left,
                   right > kRangeInfinity ? kRangeInfinity : right};
     py::object constr = add_row(self, expr, row, name);
-    if (helper) ++self.new_ranges;
+    ++self.new_ranges;  // the library decides on a helper column, by its UpdateMode of now and the sides
     return constr;
 }
 

@@ -133,7 +133,7 @@ void update_plain_list(Model& model, const ListRow& row) {
 // Handles for the helper columns that the library made of range rows, which follow all other columns.
 void append_range_helpers(Model& model) {
     const Py_ssize_t made = count_of(model, "NumVars") - PyList_GET_SIZE(model.vars);
-    for (Py_ssize_t i = 0; i < std::min<Py_ssize_t>(made, model.new_ranges); ++i) {
+    for (Py_ssize_t i = 0; i < made; ++i) {
         const int index = static_cast<int>(PyList_GET_SIZE(model.vars));
         const py::object helper = steal(new_handle(Var_Type, model.cmodel, index));
         require_open(model);

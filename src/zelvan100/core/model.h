@@ -91,7 +91,7 @@ public:
     int num_rows() const { return data.rows.size(); }
     // Objectives that a change may name: with the queued ones, 0 while there is only the main one.
     int objective_limit() const;
-    // One past the last index that a change may name: under UpdateMode 1 queued objects count.
+    // One past the last index that a change may name: queued objects count.
     int col_limit() const;
     int row_limit() const;
 

@@ -54,13 +54,9 @@ bool Queue::empty() const {
            deleted_rows.empty();
 }
 
-int Model::col_limit() const {
-    return env.params.get_int(Param::UpdateMode) == 1 ? num_cols() + queue.cols.size() : num_cols();
-}
+int Model::col_limit() const { return num_cols() + queue.cols.size(); }
 
-int Model::row_limit() const {
-    return env.params.get_int(Param::UpdateMode) == 1 ? num_rows() + queue.rows.size() : num_rows();
-}
+int Model::row_limit() const { return num_rows() + queue.rows.size(); }
 
 std::string_view Model::kept_name(const char* name) const {
     return name && !env.params.get_int(Param::IgnoreNames) ? name : std::string_view();

@@ -287,7 +287,8 @@ constexpr ParamSpec kParams[] = {
     integer("StartNumber", -1, kMaxInt, 0, "MIP start that the attribute Start means; -1 appends one."),
     integer("Threads", 0, 1024, 0, "Number of threads of a solve; 0 automatic.", "HiGHS option threads."),
     integer("UpdateMode", 0, 1, 1, "Whether new variables and constraints can be used before the update: 0 no, 1 yes.",
-            "With 1 their attributes can be set at once; with 0 they are pending until the update."),
+            "With 1 their handles can be used at once, and ranges get a helper variable; with 0 handles are pending "
+            "until the update. A change counts for handles made after the next update, at the latest."),
 };
 
 constexpr const char* kNames[] = {
