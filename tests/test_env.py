@@ -113,8 +113,10 @@ def test_a_wrapper_frees_nothing_and_makes_no_call():
     wrapper = Env(cenv=owner._cenv)
     owner.close()
     assert wrapper._cenv is not None
-    with pytest.raises(ZelvanError, match="environment handle is NULL"):
+    with pytest.raises(ZelvanError, match="^Invalid Environment$"):
         wrapper.resetParams()
+    with pytest.raises(ZelvanError, match="environment handle is NULL"):
+        wrapper.readParams("a.prm")
 
 
 def test_the_context_manager_closes_and_lets_exceptions_go_on():

@@ -308,6 +308,8 @@ def test_params_outlive_their_model(env_silent):
     gc.collect()
     with pytest.raises(AttributeError):
         params.__getattr__("Threads")
+    with pytest.raises(ZelvanError, match="^Invalid Environment$"):
+        params.Threads = 2
     assert repr(params) == "<zelvanpy.ParamClass: No parameter changes>"
     for wrong in (None, 5):
         with pytest.raises(TypeError):

@@ -82,7 +82,7 @@ void set_one(Env& env, py::handle info, py::handle value) {
 }
 
 void require_open(Env& env) {
-    if (env.cenv == Py_None) raise_zelvan(-1, "Invalid Environment");
+    if (!env_pointer(env)) raise_zelvan(-1, "Invalid Environment");  // closed, or that of a disposed model
 }
 
 // The info of the one parameter that `name` resolves to; otherwise a line to the log, and empty.
