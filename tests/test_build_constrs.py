@@ -3,6 +3,7 @@
 import sys
 import textwrap
 import warnings
+from types import SimpleNamespace
 
 import pytest
 
@@ -197,6 +198,9 @@ def test_add_constrs_names_and_keys(model):
     assert [row.ConstrName for row in plain.values()] == ["a", "b"]
     assert mapped[1].ConstrName == "one" and mapped[0].ConstrName == "R10"
     assert isinstance(empty, zelvanpy.tupledict) and not empty
+    assert not model.addConstrs(x[i, "a"] <= 1 for i in range(3) if False)
+    with pytest.raises(TypeError, match="not iterable"):
+        model.addConstrs(SimpleNamespace(gi_frame=(x[i, "a"] <= i for i in range(3)).gi_frame))
     for bad in ([x[0, "a"] <= 1], 3, iter([])):
         with pytest.raises(KeyError, match="Missing constraint index"):
             model.addConstrs(bad)
@@ -299,3 +303,20 @@ def test_generators_without_plain_loop_variables_are_refused(model):
             yield x[i] <= i
 
     assert list(model.addConstrs(function())) == [0, 1, 2]
+
+    def in_handler():
+        for i in range(2):
+            for j in range(2):
+                try:
+                    raise ValueError
+                except ValueError:
+                    for k in range(2):
+                        yield x[i + j] <= k
+
+    # Where the compiler moves handlers behind their loops, the outer ones can't be told.
+    try:
+        keys = list(model.addConstrs(in_handler()))
+    except KeyError:
+        assert sys.version_info >= (3, 11)
+    else:
+        assert keys == [(i, j, k) for i in range(2) for j in range(2) for k in range(2)]

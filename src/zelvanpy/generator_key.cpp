@@ -82,15 +82,20 @@ public:
           outer_(code.attr("co_freevars")) {}
 
     py::object collect(const std::vector<Instruction>& code) {
+        bool past_loop = false;
         for (std::size_t i = 0; i < code.size() && code[i].offset < yield_;) {
             if (code[i].name == "FOR_ITER") {
                 const long end = code[i].argument.cast<long>();
-                if (end > yield_)
+                if (end > yield_) {
                     i = collect_targets(code, i + 1, names_.ptr());
-                else
-                    while (i < code.size() && code[i].offset < end) ++i;
+                    continue;
+                }
+                past_loop = true;
+                while (i < code.size() && code[i].offset < end) ++i;
                 continue;
             }
+            // Newer interpreters move handlers of exceptions behind the loops that they run in.
+            if (past_loop && code[i].name == "PUSH_EXC_INFO") refuse();
             if (code[i].name == "LOAD_FAST_AND_CLEAR") ++saved_[code[i].argument.cast<std::string>()];
             if (stored_names(code[i]).empty())
                 ++i;
@@ -144,6 +149,7 @@ py::object loop_names(py::handle code) {
         if (yield_offset >= 0) refuse();
         yield_offset = instruction.offset;
     }
+    if (yield_offset < 0) return steal(PyTuple_New(0));  // it was optimized away: there won't be any key
     return LoopNames(code, yield_offset).collect(instructions);
 }
 

@@ -114,7 +114,10 @@ bool add_difference(Model& self, TempConstr* constr, PyObject* name, py::object&
     return true;
 }
 
-py::object difference(PyObject* lhs, PyObject* rhs) { return steal(PyNumber_Subtract(lhs, rhs ? rhs : Py_None)); }
+py::object difference(PyObject* lhs, PyObject* rhs) {
+    const py::object left = borrow(lhs), right = borrow(rhs ? rhs : Py_None);
+    return steal(PyNumber_Subtract(left.ptr(), right.ptr()));
+}
 
 py::object constant_row(bool holds) { return steal(reinterpret_cast<PyObject*>(new_linexpr(holds ? 0.0 : 1.0))); }
 
@@ -139,13 +142,17 @@ bool is_real(PyObject* value) {
 
 // expr == [lower, upper]
 py::object add_range_form(Model& self, TempConstr* constr, PyObject* name) {
-    PyObject* sides = constr->rhs;
+    // Kept: conversions of the sides run code that may change the TempConstr.
+    const py::object expr = borrow(constr->lhs), keep = borrow(constr->rhs);
+    PyObject* sides = keep.ptr();
     if (PyTuple_Check(sides)) raise_zelvan(ZVN_ERROR_INVALID_ARGUMENT, "Range constraint requires a list [lb,ub]");
     if (PyList_GET_SIZE(sides) != 2) raise_zelvan(ZVN_ERROR_INVALID_ARGUMENT, "Range constraint requires two values");
     const py::object lower = borrow(PyList_GET_ITEM(sides, 0)), upper = borrow(PyList_GET_ITEM(sides, 1));
     if (!is_real(lower.ptr()) || !is_real(upper.ptr()))
         raise_zelvan(ZVN_ERROR_INVALID_ARGUMENT, "Range constraint requires numeric values");
-    return add_range(self, constr->lhs, lower, upper, name);
+    if (Py_TYPE(as_object(self)) == Model_Type) return add_range(self, expr, lower, upper, name);
+    static const Name kEmpty("");
+    return py::handle(as_object(self)).attr("addRange")(expr, lower, upper, py::handle(name ? name : kEmpty.get()));
 }
 
 // trigger >> constraint: the trigger is tested; there are no indicator constraints to make of it.
@@ -179,6 +186,7 @@ struct LinearSide {
 // A constant side must convert to a float; anything else is refused.
 LinearSide linear_side(py::handle side) {
     LinearSide result;
+    const py::object keep = borrow(side);
     if (Py_TYPE(side.ptr()) == LinExpr_Type) {
         result.keep = flat_copy(side);
         result.expr = as_linexpr(result.keep);
@@ -321,7 +329,8 @@ py::object Model_addConstrs(Model& self, Args args) {
     const bool by_dict = PyDict_Check(base.ptr());
     const bool by_key = !by_dict && checked(PyObject_RichCompareBool(base.ptr(), kUnderscore.get(), Py_EQ));
     py::object result = new_tupledict();
-    while (PyObject* next = PyIter_Next(constrs)) {
+    const py::object iterator = steal(PyObject_GetIter(constrs));
+    while (PyObject* next = PyIter_Next(iterator.ptr())) {
         const py::object constr = steal(next);
         const py::object k = key.current();
         py::object row_name;
