@@ -85,6 +85,7 @@ def test_column_enters_its_constraints(model):
         ((range(2), "xy"), [(0, "x"), (0, "y"), (1, "x"), (1, "y")]),
         (({"k": 1}, iter([7])), [("k", 7)]),
         ((0,), []),
+        ((10**6, 10**6, 0), []),
         (([], 3), []),
     ],
 )
@@ -142,8 +143,12 @@ def test_names(model):
         ["x[0,0]", "x[0,1]", "x[1,0]", "x[1,1]", "y[a]", "y[1]", "y[2.5]", "y[None]", "y[3,b]"]
         + ["p", "q", "p[0]", "p[1]", "s", "C14", "5[0]", "C16", "C17"]
     )
-    with pytest.raises(OverflowError):
-        model.addVars(2, name="\u00e4")
+    for name in ("\u00e4", "\ud800"):
+        with pytest.raises(OverflowError) as caught:
+            model.addVars(["a", name], name="x")
+        assert caught.value.args == (("Cannot convert ", "x[%s]" % name, "to ASCII characters"),)
+    with pytest.raises(ValueError, match="null character"):
+        model.addVars(2, name="x\0y")
     with pytest.raises(AssertionError):
         model.addVars(2, name=["only one"])
     assert len(names(model)) == 18
@@ -170,6 +175,25 @@ def test_broadcast_of_arguments(model):
             model.addVars(2, **arguments)
     model.update()
     assert model.NumVars == 11
+
+
+@pytest.mark.parametrize(
+    "nested",
+    [
+        [(1, 2), (3, 4)],
+        ((1,), (2,), (3,), (4,)),
+        [[[1]], [[2]], [[3]], [[4]]],
+        np.array([[1], [2], [3], [4]]),
+        np.array([[[1, 2, 3, 4]]]),
+        np.matrix([[1, 2], [3, 4]]),
+        [np.array([[1, 2]]), np.array([[3, 4]])],
+    ],
+    ids=str,
+)
+def test_nested_values_come_in_row_order(model, nested):
+    x = model.addVars(2, 2, ub=nested)
+    model.update()
+    assert [var.UB for var in x.values()] == [1, 2, 3, 4]
 
 
 def test_pending_until_the_update_under_mode_0(model):

@@ -108,12 +108,14 @@ py::object product_key(const std::vector<PyObject*>& parts) {
 // The cross product of lists, the first varying slowest.
 py::object product(const std::vector<py::object>& lists) {
     std::size_t total = 1;
+    bool overflow = false;
     for (const py::object& list : lists) {
         const std::size_t size = PyList_GET_SIZE(list.ptr());
-        if (size != 0 && total > static_cast<std::size_t>(ZVN_MAXINT) / size)
-            raise_zelvan(ZVN_ERROR_OUT_OF_MEMORY, "Out of memory for variable namespace");
-        total *= size;
+        if (size == 0) return steal(PyList_New(0));
+        overflow = overflow || total > static_cast<std::size_t>(ZVN_MAXINT) / size;
+        total = overflow ? total : total * size;
     }
+    if (overflow) raise_zelvan(ZVN_ERROR_OUT_OF_MEMORY, "Out of memory for variable namespace");
     py::object keys = steal(PyList_New(total));
     std::vector<Py_ssize_t> at(lists.size(), 0);
     std::vector<PyObject*> parts(lists.size());
@@ -136,28 +138,48 @@ py::object index_set(const Args& args) {
     return product(lists);
 }
 
+// list += elements; false for elements that can't be iterated.
+bool extend(py::handle list, PyObject* elements) {
+    if (PyFloat_CheckExact(elements) || PyLong_CheckExact(elements)) return false;
+    const Py_ssize_t end = PyList_GET_SIZE(list.ptr());
+    if (PyList_SetSlice(list.ptr(), end, end, elements) == 0) return true;
+    if (!PyErr_ExceptionMatches(PyExc_TypeError)) throw PythonError{};
+    PyErr_Clear();
+    return false;
+}
+
+// By identity: arrays that are compared answer with an array.
+bool same_elements(const py::object& a, const py::object& b) {
+    const Py_ssize_t size = PyList_GET_SIZE(a.ptr());
+    if (size != PyList_GET_SIZE(b.ptr())) return false;
+    for (Py_ssize_t i = 0; i < size; ++i)
+        if (PyList_GET_ITEM(a.ptr(), i) != PyList_GET_ITEM(b.ptr(), i)) return false;
+    return true;
+}
+
 // Nested sequences, flattened while all elements of a level can be iterated and none is a str.
 py::object flatten(py::object list) {
-    for (;;) {
-        py::object flat = steal(PyList_New(0));
-        for (Py_ssize_t i = 0; i < PyList_GET_SIZE(list.ptr()); ++i) {
+    for (int level = Py_GetRecursionLimit(); level > 0; --level) {
+        for (Py_ssize_t i = 0; i < PyList_GET_SIZE(list.ptr()); ++i)
             if (PyUnicode_Check(PyList_GET_ITEM(list.ptr(), i))) return list;
-        }
-        for (Py_ssize_t i = 0; i < PyList_GET_SIZE(list.ptr()); ++i) {
-            PyObject* element = PyList_GET_ITEM(list.ptr(), i);
-            if (PyFloat_CheckExact(element) || PyLong_CheckExact(element)) return list;
-            PyObject* extended = PyObject_CallMethod(flat.ptr(), "extend", "O", element);
-            if (!extended) {
-                if (!PyErr_ExceptionMatches(PyExc_TypeError)) throw PythonError{};
-                PyErr_Clear();
-                return list;
-            }
-            Py_DECREF(extended);
-        }
-        const int same = checked(PyObject_RichCompareBool(flat.ptr(), list.ptr(), Py_EQ));
-        if (same) return list;
+        py::object flat = steal(PyList_New(0));
+        for (Py_ssize_t i = 0; i < PyList_GET_SIZE(list.ptr()); ++i)
+            if (!extend(flat, PyList_GET_ITEM(list.ptr(), i))) return list;
+        if (same_elements(flat, list)) return list;
         list = std::move(flat);
     }
+    raise(PyExc_RecursionError, "addVars(): an argument is nested without end");
+}
+
+// list(value); an array in row order, as the rows of a matrix are matrices again.
+py::object list_of(PyObject* value) {
+    static const Name kFlat("flat");
+    if (!PyList_CheckExact(value) && !PyTuple_CheckExact(value)) {
+        const py::object elements = find_attribute(value, kFlat);
+        if (elements && PyObject_Size(value) >= 0) return steal(PySequence_List(elements.ptr()));
+        PyErr_Clear();  // no length: no dimension
+    }
+    return steal(PySequence_List(value));
 }
 
 // The value of a keyword for each key, as a list, from a dict, a list-like or one value.
@@ -182,7 +204,7 @@ py::object listify(PyObject* value, PyObject* deflt, PyObject* keys) {
         }
         return values;
     }
-    if (!single && is_iterable(value)) return flatten(steal(PySequence_List(value)));
+    if (!single && is_iterable(value)) return flatten(list_of(value));
     py::object values = steal(PyList_New(count));
     for (Py_ssize_t i = 0; i < count; ++i) {
         Py_INCREF(value);
@@ -278,9 +300,12 @@ private:
 };
 
 void NameBuffer::close() {
+    if (std::memchr(text_.data() + begin_, 0, text_.size() - begin_))
+        raise(PyExc_ValueError, "embedded null character");
     for (std::size_t i = begin_; i < text_.size(); ++i) {
         if (static_cast<unsigned char>(text_[i]) < 128) continue;
-        const py::object name = steal(PyUnicode_FromStringAndSize(text_.data() + begin_, text_.size() - begin_));
+        const py::object name =
+            steal(PyUnicode_DecodeUTF8(text_.data() + begin_, text_.size() - begin_, "surrogatepass"));
         const py::object detail = steal(Py_BuildValue("(sOs)", "Cannot convert ", name.ptr(), "to ASCII characters"));
         PyErr_SetObject(PyExc_OverflowError, steal(PyTuple_Pack(1, detail.ptr())).ptr());
         throw PythonError{};
@@ -293,9 +318,15 @@ void NameBuffer::close() {
 
 void NameBuffer::append_str(py::handle text) {
     Py_ssize_t size;
-    const char* utf8 = PyUnicode_AsUTF8AndSize(text.ptr(), &size);
-    if (!utf8) throw PythonError{};
-    text_.append(utf8, size);
+    if (const char* utf8 = PyUnicode_AsUTF8AndSize(text.ptr(), &size)) {
+        text_.append(utf8, size);
+        return;
+    }
+    // Surrogates are refused with the whole name, like all that is not ASCII.
+    if (!PyErr_ExceptionMatches(PyExc_UnicodeEncodeError)) throw PythonError{};
+    PyErr_Clear();
+    const py::object bytes = steal(PyUnicode_AsEncodedString(text.ptr(), "utf-8", "surrogatepass"));
+    text_.append(PyBytes_AS_STRING(bytes.ptr()), PyBytes_GET_SIZE(bytes.ptr()));
 }
 
 // str(part), without an object for the usual kinds.
