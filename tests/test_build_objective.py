@@ -36,6 +36,10 @@ def test_refused_objectives_change_nothing(model):
         with pytest.raises(ZelvanError, match=text) as caught:
             model.setObjective(expr)
         assert caught.value.errno == code
+        with pytest.raises(ZelvanError, match=text):
+            model.setObjectiveN(expr, 0, priority=0)
+    with pytest.raises(ZelvanError, match="Variable not in model"):
+        model.setObjectiveN(foreign, "first")
     with pytest.raises(ZelvanError, match="Objective sense 5"):
         model.setObjective(x, 5)
     model.update()
@@ -116,7 +120,7 @@ def test_piecewise_linear_term(model, points, vtype, sense):
     model.setObjective(0.25 * y, sense)
     model.setPWLObj(x, [p[0] for p in points], [p[1] for p in points])
     model.update()
-    assert model.getPWLObj(x) == points and model.getPWLObj(y) == []
+    assert model.getPWLObj(var=x) == points and model.getPWLObj(y) == []
     assert model.NumPWLObjVars == 1
     model.optimize()
     pick = min if sense == ZVN.MINIMIZE else max

@@ -144,8 +144,8 @@ PyMethodDef model_build_methods[] = {
      "Set a piecewise-linear objective term for a variable: the function through the points (x[i], y[i]), its\n"
      "first and last pieces continued. x must not decrease; two points of equal x make a jump.\n"
      "Raises ZelvanError for sequences of different length and points that the library refuses."},
-    {"getPWLObj", method<Model_getPWLObj>, METH_O,
-     "getPWLObj($self, var, /)\n--\n\n"
+    {"getPWLObj", method<Model_getPWLObj>, kKeywords,
+     "getPWLObj($self, var)\n--\n\n"
      "The points of a variable's piecewise-linear objective term as list of (x, y) tuples; [] when it has none."},
     {nullptr, nullptr, 0, nullptr}};
 

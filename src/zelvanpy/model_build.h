@@ -86,6 +86,6 @@ void Model_setObjective(Model& self, Args args);
 void Model_setObjectiveN(Model& self, Args args);
 py::object Model_getObjective(Model& self, Args args);
 void Model_setPWLObj(Model& self, Args args);
-py::object Model_getPWLObj(Model& self, py::handle var);
+py::object Model_getPWLObj(Model& self, Args args);
 
 }  // namespace zelvanpy

@@ -41,6 +41,7 @@ const Signature<7> kSetObjectiveN{
     {Name("expr"), Name("index"), Name("priority"), Name("weight"), Name("abstol"), Name("reltol"), Name("name")}};
 const Signature<1> kGetObjective{"getObjective", 0, {Name("index")}};
 const Signature<3> kSetPWLObj{"setPWLObj", 3, {Name("var"), Name("x"), Name("y")}};
+const Signature<1> kGetPWLObj{"getPWLObj", 1, {Name("var")}};
 
 }  // namespace
 
@@ -62,16 +63,17 @@ void Model_setObjectiveN(Model& self, Args args) {
     model_setup(self);
     const py::object linear = linear_form(expr);
     const LinExpr* terms = as_linexpr(linear);
+    const double constant = terms->constant;
+    LibraryTerms buffer;  // not the shared one: the conversions run Python code
+    append_terms(self, terms, 1.0, buffer);
+    const CString text(name ? borrow(name) : steal(PyUnicode_FromString("")));
     const int number = to_int(index);
     const int rank = priority ? to_int(priority) : 0;
     const double factor = weight ? to_float(weight) : 1.0;
     const double absolute = abstol ? to_float(abstol) : 1e-6;
     const double relative = reltol ? to_float(reltol) : 0.0;
-    const CString text(name ? borrow(name) : steal(PyUnicode_FromString("")));
-    CallBuffer buffer;
-    append_terms(self, terms, 1.0, *buffer);
-    check(ZVNsetobjectiven(model_pointer(self), number, rank, factor, absolute, relative, text, terms->constant,
-                           buffer->size(), buffer->ind(), buffer->val()),
+    check(ZVNsetobjectiven(model_pointer(self), number, rank, factor, absolute, relative, text, constant, buffer.size(),
+                           buffer.ind(), buffer.val()),
           as_object(self));
 }
 
@@ -121,6 +123,7 @@ py::object Model_getObjective(Model& self, Args args) {
 void Model_setPWLObj(Model& self, Args args) {
     const auto [var, x, y] = kSetPWLObj.parse(args);
     require_var(var);
+    require_open(self);
     const Py_ssize_t count = checked(PyObject_Size(x));
     if (count != checked(PyObject_Size(y))) raise_zelvan(-1, "Arguments x and y must have the same length");
     std::vector<double> xs(count), ys(count);
@@ -136,7 +139,8 @@ void Model_setPWLObj(Model& self, Args args) {
           as_object(self));
 }
 
-py::object Model_getPWLObj(Model& self, py::handle var) {
+py::object Model_getPWLObj(Model& self, Args args) {
+    const auto [var] = kGetPWLObj.parse(args);
     require_var(var);
     model_setup(self);
     const int col = as_handle(var)->cindex();
