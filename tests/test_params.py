@@ -183,9 +183,13 @@ def test_reset_write_and_read(env, tmp_path, capsys):
         "Reset all parameters",
         f"Read parameters from file {file}",
     ]
+    env.setParam("Threads", 5)
     for call in (env.readParams, env.writeParams):
         with pytest.raises(ZelvanError, match="missing"):
             call(str(tmp_path / "missing" / "p.prm"))
+        with pytest.raises(TypeError):
+            call(file.encode())
+    assert env._getParamInfo("Threads")[2] == 5
     assert capsys.readouterr().out == ""
 
 

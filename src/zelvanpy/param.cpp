@@ -103,6 +103,11 @@ py::object resolve(Env& env, py::handle name) {
     return info;
 }
 
+// The line for the log; made before the work, as it refuses a name that is no str.
+py::object named_file(const char* start, py::handle filename) {
+    return steal(PyUnicode_Concat(to_str(start).ptr(), filename.ptr()));
+}
+
 bool is_default_env(Env& env) { return default_env(false).ptr() == as_object(env); }
 
 // Runs body(environment of the model) for every model in __main__.
@@ -217,14 +222,15 @@ void env_reset_params(Env& env) {
 }
 
 void env_read_params(Env& env, py::handle filename) {
+    const py::object line = named_file("Read parameters from file ", filename);
     check(ZVNreadparams(env_pointer(env), CString(filename)), as_object(env));
-    env_message(env, steal(PyUnicode_Concat(to_str("Read parameters from file ").ptr(), filename.ptr())));
+    env_message(env, line);
 }
 
 void env_write_params(Env& env, py::handle filename) {
+    const py::object line = named_file("Wrote non-default parameter settings to file ", filename);
     check(ZVNwriteparams(env_pointer(env), CString(filename)), as_object(env));
-    const py::object start = to_str("Wrote non-default parameter settings to file ");
-    env_message(env, steal(PyUnicode_Concat(start.ptr(), filename.ptr())));
+    env_message(env, line);
 }
 
 py::object param_changes(Env& env) {
