@@ -77,34 +77,39 @@ void TempConstr_init(TempConstr& self, PyObject* args, PyObject* kwargs) {
     set_sides(self, borrow(lhs), sense_of(sense), borrow(rhs));
 }
 
-// A side that only this object holds goes first, so that a long nest of constraints doesn't use the C stack.
-void release_sides(TempConstr* self) {
-    PyObject* lhs = self->lhs;
-    PyObject* rhs = self->rhs;
-    while (lhs && Py_TYPE(lhs) == TempConstr_Type && Py_REFCNT(lhs) == 1) {
-        TempConstr* inner = as_tempconstr(lhs);
-        PyObject* next = std::exchange(inner->lhs, nullptr);
-        Py_DECREF(lhs);
-        lhs = next;
-    }
-    Py_XDECREF(lhs);
-    Py_XDECREF(rhs);
-}
-
-void TempConstr_dealloc(PyObject* object) {
-    TempConstr* self = as_tempconstr(object);
-    PyTypeObject* type = Py_TYPE(object);
-    if (self->link.next)
-        leave_ring(self->link);
-    else
-        PyObject_GC_UnTrack(object);
-    release_sides(self);
+void give_back(TempConstr* self) {
+    PyTypeObject* type = Py_TYPE(as_object(*self));
+    Py_XDECREF(self->lhs);
+    Py_XDECREF(self->rhs);
     if (type == TempConstr_Type && num_free < kMaxFree) {
         free_list[num_free++] = self;
         return;
     }
-    type->tp_free(object);
+    type->tp_free(as_object(*self));
     release_type(type, TempConstr_Type);
+}
+
+bool is_nested(const TempConstr* self) {
+    return (self->lhs && Py_TYPE(self->lhs) == TempConstr_Type) || (self->rhs && Py_TYPE(self->rhs) == TempConstr_Type);
+}
+
+// A long nest is unwound by the trashcan instead of the C stack; for a Python subclass, Python sees to that.
+void TempConstr_dealloc(PyObject* object) {
+    TempConstr* self = as_tempconstr(object);
+    if (self->link.next)
+        leave_ring(self->link);
+    else
+        PyObject_GC_UnTrack(object);
+    if (Py_TYPE(object) != TempConstr_Type || !is_nested(self)) return give_back(self);
+#if PY_VERSION_HEX >= 0x03080000
+    Py_TRASHCAN_BEGIN(object, TempConstr_dealloc);
+    give_back(self);
+    Py_TRASHCAN_END;
+#else
+    Py_TRASHCAN_SAFE_BEGIN(object);
+    give_back(self);
+    Py_TRASHCAN_SAFE_END(object);
+#endif
 }
 
 int TempConstr_traverse(PyObject* object, visitproc visit, void* arg) {
