@@ -223,6 +223,7 @@ def test_refusals():
         (TypeError, lambda: 2**e),
         (TypeError, lambda: pow(e, 2, 5)),
         (TypeError, lambda: 2 / x),
+        (AttributeError, lambda: Var.__rtruediv__),
         (TypeError, lambda: x + None),
         (TypeError, lambda: None - x),
         (TypeError, lambda: e + "a"),

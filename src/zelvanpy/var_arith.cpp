@@ -107,7 +107,6 @@ PyType_Slot var_operator_slots[] = {
     {Py_nb_inplace_add, slot<Var_add>()},
     {Py_nb_inplace_subtract, slot<Var_subtract>()},
     {Py_nb_inplace_multiply, slot<Var_imul>()},
-    {Py_nb_inplace_true_divide, slot<Var_divide>()},
     {Py_tp_richcompare, slot<Var_compare>()},
 };
 const int num_var_operator_slots = std::size(var_operator_slots);
@@ -119,6 +118,11 @@ PyMethodDef var_operator_methods[] = {
 };
 const int num_var_operator_methods = std::size(var_operator_methods);
 
-void init_var_arith(py::module_&) { prefer_to_numpy_scalars(Var_Type); }
+void init_var_arith(py::module_&) {
+    // The slots bring these along, though a variable neither divides a number nor is an exponent.
+    for (const char* name : {"__rtruediv__", "__rpow__"})
+        checked(PyObject_DelAttrString(reinterpret_cast<PyObject*>(Var_Type), name));
+    prefer_to_numpy_scalars(Var_Type);
+}
 
 }  // namespace zelvanpy
