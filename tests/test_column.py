@@ -54,6 +54,19 @@ def test_removing_and_merging():
         column.remove(0)
 
 
+def test_position_whose_code_changes_the_column():
+    for method in (Column.getCoeff, Column.getConstr):
+        column = Column([1.0] * 100, [Constr(None, i) for i in range(100)])
+
+        class Position:
+            def __index__(self, column=column):
+                column.clear()
+                return 50
+
+        with pytest.raises(IndexError):
+            method(column, Position())
+
+
 def test_failures_change_nothing():
     a, b, _ = ROWS
     column = Column(1.0, a)

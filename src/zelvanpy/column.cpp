@@ -86,7 +86,10 @@ void Column_addTerms(Column& self, Args args) {
 
 PyObject* Column_size(Column& self) { return PyLong_FromSize_t(self.coeffs.size()); }
 
-std::size_t position_of(Column& self, py::handle index) { return list_position(index, self.coeffs.size()); }
+std::size_t position_of(Column& self, py::handle index) {
+    const Py_ssize_t i = list_index(index);
+    return list_position(i, self.coeffs.size());
+}
 
 PyObject* Column_getCoeff(Column& self, py::handle i) { return PyFloat_FromDouble(self.coeffs[position_of(self, i)]); }
 py::object Column_getConstr(Column& self, py::handle i) { return self.constrs[position_of(self, i)]; }

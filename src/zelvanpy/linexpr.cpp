@@ -95,13 +95,6 @@ void append_terms(LinExpr* e, const LinExpr* block, std::uint32_t count, double 
     if (!inert) wake_linexpr(e);
 }
 
-// The blocks of a chain, oldest first.
-std::vector<LinExpr*> blocks_of(LinExpr* e) {
-    std::vector<LinExpr*> blocks;
-    for (LinExpr* block = e; block; block = block->tail) blocks.push_back(block);
-    return {blocks.rbegin(), blocks.rend()};
-}
-
 std::size_t chain_size(const std::vector<LinExpr*>& blocks) {
     std::size_t terms = 0;
     for (const LinExpr* block : blocks) terms += block->size;
@@ -149,6 +142,7 @@ void merge_columns(LinExpr* e) {
 LinExpr* allocate_linexpr(PyTypeObject* type) {
     LinExpr* e;
     if (type != LinExpr_Type) {
+        inherit_operators(type, LinExpr_Type);
         e = reinterpret_cast<LinExpr*>(type->tp_alloc(type, 0));
         if (!e) throw PythonError{};
         init_fields(e, 0.0);
@@ -199,6 +193,12 @@ int LinExpr_traverse(PyObject* self, visitproc visit, void* arg) {
 int LinExpr_tp_clear(PyObject* self) {
     linexpr_clear(reinterpret_cast<LinExpr*>(self));
     return 0;
+}
+
+std::vector<LinExpr*> blocks_of(LinExpr* e) {
+    std::vector<LinExpr*> blocks;
+    for (LinExpr* block = e; block; block = block->tail) blocks.push_back(block);
+    return {blocks.rbegin(), blocks.rend()};
 }
 
 void set_tail(LinExpr* e, LinExpr* tail) {

@@ -47,8 +47,21 @@ void append_pair(LinExpr* e, py::handle pair) {
     linexpr_append(e, coeff, as_handle(var));
 }
 
+// Whether e is one of the older blocks of `of`. A new object, of which there is one reference, is none.
+bool is_older_block(LinExpr* e, LinExpr* of) {
+    if (Py_REFCNT(e) == 1) return false;
+    LinExpr* block = of->tail;
+    while (block && block != e) block = block->tail;
+    return block;
+}
+
 void copy_into(LinExpr* e, LinExpr* source) {
     TermBuffer buffer;
+    if (is_older_block(e, source)) {  // its chain would lead back to itself
+        const py::object flat = owned(linexpr_copy(source));
+        linexpr_flatten(as_linexpr(flat));
+        return copy_into(e, as_linexpr(flat));
+    }
     buffer.terms().reserve(source->size);
     for (std::uint32_t i = 0; i < source->size; ++i) buffer.append(source->terms[i].coeff, source->terms[i].var);
     swap_terms(e, buffer);

@@ -69,6 +69,8 @@ inline bool add_known(LinExpr* e, PyObject* term) {
 }
 // e exchanges its terms with those of the buffer.
 void swap_terms(LinExpr* e, TermBuffer& buffer);
+// The blocks of a chain, oldest first.
+std::vector<LinExpr*> blocks_of(LinExpr* e);
 // Sets the older blocks of e; tail may be null.
 void set_tail(LinExpr* e, LinExpr* tail);
 // Gives memory behind the last term back.

@@ -18,17 +18,14 @@ namespace zelvanpy {
 namespace {
 
 constexpr long kPickleFormat = 1;
-// Longer chains are pickled with their older blocks joined, since pickle goes down the chain by recursion.
-constexpr int kPickledBlocks = 50;
+// pickle goes down a chain by recursion, and no deeper than this number of blocks.
+constexpr std::size_t kPickledBlocks = 20;
 
 PyObject* restore_function = nullptr;
 
 py::handle object_of(LinExpr& self) { return reinterpret_cast<PyObject*>(&self); }
 
-PyObject* LinExpr_new(PyTypeObject* type, py::handle, py::handle) {
-    if (type != LinExpr_Type) inherit_operators(type, LinExpr_Type);
-    return as_result(allocate_linexpr(type));
-}
+PyObject* LinExpr_new(PyTypeObject* type, py::handle, py::handle) { return as_result(allocate_linexpr(type)); }
 
 void LinExpr_init(LinExpr& self, PyObject* args, PyObject* kwargs) {
     static const Signature<2> kInit{"LinExpr", 0, {Name("arg1"), Name("arg2")}};
@@ -72,7 +69,9 @@ PyObject* LinExpr_getConstant(LinExpr& self) {
 
 std::size_t position_of(LinExpr& self, py::handle index) {
     linexpr_flatten(&self);
-    return list_position(index, self.size);
+    const Py_ssize_t i = list_index(index);
+    linexpr_flatten(&self);
+    return list_position(i, self.size);
 }
 
 PyObject* LinExpr_getCoeff(LinExpr& self, py::handle i) {
@@ -129,8 +128,8 @@ void LinExpr_flatten(LinExpr& self) { linexpr_flatten(&self); }
 void LinExpr_normalize(LinExpr& self) { linexpr_normalize(&self); }
 PyObject* LinExpr_isNested(LinExpr& self) { return PyBool_FromLong(self.tail != nullptr); }
 
-PyObject* LinExpr_radd(LinExpr& self, py::handle expr) { return linexpr_plus(object_of(self), expr); }
-PyObject* LinExpr_rmul(LinExpr& self, py::handle expr) { return linexpr_multiply(object_of(self), expr); }
+PyObject* LinExpr_radd(LinExpr& self, py::handle expr) { return PyNumber_Add(object_of(self).ptr(), expr.ptr()); }
+PyObject* LinExpr_rmul(LinExpr& self, py::handle expr) { return PyNumber_Multiply(object_of(self).ptr(), expr.ptr()); }
 PyObject* LinExpr_rsub(LinExpr& self, py::handle expr) {
     const py::object negative = owned(linexpr_copy(&self));
     linexpr_scale(as_linexpr(negative), -1.0);
@@ -196,30 +195,34 @@ PyObject* LinExpr_sizeof(LinExpr& self) {
     return PyLong_FromSize_t(Py_TYPE(object_of(self).ptr())->tp_basicsize + array);
 }
 
-py::object pickled_tail(LinExpr& self) {
-    if (!self.tail) return none();
-    int blocks = 0;
-    for (const LinExpr* block = self.tail; block; block = block->tail) ++blocks;
-    if (blocks <= kPickledBlocks) return borrow(reinterpret_cast<PyObject*>(self.tail));
-    py::object joined = owned(linexpr_copy(self.tail));
-    linexpr_flatten(as_linexpr(joined));
-    return joined;
+// Older blocks that are pickled before the state, oldest first, so that each finds those below it done: every
+// kPickledBlocks-th, counted from the oldest. A block between two of them names the one below it, which names the rest.
+void append_milestones(LinExpr& self, py::list& args) {
+    if (!self.tail) return;
+    const std::vector<LinExpr*> blocks = blocks_of(self.tail);
+    if (blocks.size() <= kPickledBlocks) return;
+    const std::size_t above = blocks.size() % kPickledBlocks;
+    for (std::size_t i = above ? blocks.size() - above : 0; i < blocks.size(); i += kPickledBlocks)
+        args.append(object_of(*blocks[i]));
 }
 
 py::object LinExpr_reduce(LinExpr& self) {
-    py::list coeffs, vars;
+    PyTypeObject* type = Py_TYPE(object_of(self).ptr());
+    py::list coeffs, vars, args;
+    args.append(py::handle(reinterpret_cast<PyObject*>(type)));
+    args.append(kPickleFormat);
+    append_milestones(self, args);
     for (std::uint32_t i = 0; i < self.size; ++i) {
         coeffs.append(self.terms[i].coeff);
         vars.append(py::handle(reinterpret_cast<PyObject*>(self.terms[i].var)));
     }
-    const py::tuple state = py::make_tuple(coeffs, self.constant, pickled_tail(self), vars);
-    PyTypeObject* type = Py_TYPE(object_of(self).ptr());
-    const py::tuple args = py::make_tuple(py::handle(reinterpret_cast<PyObject*>(type)), kPickleFormat, state);
+    const py::object tail = self.tail ? borrow(object_of(*self.tail)) : none();
+    args.append(py::make_tuple(coeffs, self.constant, tail, vars));
     static const Name kDict("__dict__");
     if (type != LinExpr_Type)
         if (const py::object fields = find_attribute(object_of(self), kDict))
-            return py::make_tuple(py::handle(restore_function), args, fields);
-    return py::make_tuple(py::handle(restore_function), args);
+            return py::make_tuple(py::handle(restore_function), py::tuple(args), fields);
+    return py::make_tuple(py::handle(restore_function), py::tuple(args));
 }
 
 [[noreturn]] void raise_bad_pickle() { raise(PyExc_ValueError, "not the pickled state of a LinExpr"); }
@@ -237,14 +240,17 @@ void read_state_terms(TermBuffer& buffer, py::handle coeffs, py::handle vars) {
 }
 
 PyObject* restore_linexpr(py::handle, py::handle args) {
-    PyObject *type, *coeffs, *tail, *vars;
-    long format;
-    double constant;
-    if (!PyArg_ParseTuple(args.ptr(), "O!l(OdOO)", &PyType_Type, &type, &format, &coeffs, &constant, &tail, &vars))
-        throw PythonError{};
-    if (format != kPickleFormat || !PyType_IsSubtype(reinterpret_cast<PyTypeObject*>(type), LinExpr_Type) ||
-        (tail != Py_None && !is_linexpr(tail)))
+    const Py_ssize_t count = PyTuple_GET_SIZE(args.ptr());
+    if (count < 3) raise_bad_pickle();
+    PyObject* type = PyTuple_GET_ITEM(args.ptr(), 0);
+    PyObject* state = PyTuple_GET_ITEM(args.ptr(), count - 1);
+    if (checked(PyLong_AsLong(PyTuple_GET_ITEM(args.ptr(), 1))) != kPickleFormat || !PyType_Check(type) ||
+        !PyType_IsSubtype(reinterpret_cast<PyTypeObject*>(type), LinExpr_Type) || !PyTuple_Check(state))
         raise_bad_pickle();
+    PyObject *coeffs, *tail, *vars;
+    double constant;
+    if (!PyArg_ParseTuple(state, "OdOO", &coeffs, &constant, &tail, &vars)) throw PythonError{};
+    if (tail != Py_None && !is_linexpr(tail)) raise_bad_pickle();
     TermBuffer buffer;
     read_state_terms(buffer, coeffs, vars);
     py::object e = owned(allocate_linexpr(reinterpret_cast<PyTypeObject*>(type)));
@@ -327,7 +333,8 @@ PyMethodDef functions[] = {
      "expression.\n\n"
      "quicksum(c[i] * x[i] for i in range(n))"},
     {"_restore_linexpr", reinterpret_cast<PyCFunction>(slot<restore_linexpr>()), METH_VARARGS,
-     "_restore_linexpr(type, format, state)\n--\n\nA LinExpr from its pickled state."},
+     "_restore_linexpr(type, format, *older, state)\n--\n\n"
+     "A LinExpr from its pickled state. `older` are blocks of it that had to be restored before."},
     {},
 };
 

@@ -21,17 +21,20 @@ const Name kX("x");
 bool reads_plainly(const Handle* var) {
     if (is_inert(var)) return true;
     if (Py_TYPE(reinterpret_cast<PyObject*>(const_cast<Handle*>(var))) != Var_Type) return false;
-    return !checked(PyDict_Contains(var->dict, kX.get()));
+    const py::object fields = borrow(var->dict);
+    return !checked(PyDict_Contains(fields.ptr(), kX.get()));
 }
 
-bool in_one_model(const LinExpr* e) {
-    if (e->size == 0 || e->size > INT_MAX) return false;
-    const PyObject* cmodel = e->terms[0].var->cmodel;
+// The columns of the terms, when all are live and of one model; none otherwise.
+std::vector<int> columns_of(const LinExpr* e, const py::object& cmodel) {
+    std::vector<int> columns;
+    columns.reserve(e->size);
     for (std::uint32_t i = 0; i < e->size; ++i) {
         const Handle* var = e->terms[i].var;
-        if (var->cmodel != cmodel || var->cindex() < 0 || !reads_plainly(var)) return false;
+        columns.push_back(var->cindex());
+        if (var->cmodel != cmodel.ptr() || columns.back() < 0 || !reads_plainly(var)) return {};
     }
-    return true;
+    return columns;
 }
 
 double shown(double value) {
@@ -42,12 +45,14 @@ double shown(double value) {
 }
 
 bool read_values(const LinExpr* e, std::vector<double>& values) {
-    if (!in_one_model(e)) return false;
-    std::vector<int> indices(e->size);
-    for (std::uint32_t i = 0; i < e->size; ++i) indices[i] = e->terms[i].var->cindex();
-    values.resize(e->size);
-    ZVNmodel* model = model_pointer(e->terms[0].var->cmodel);
-    return model && !ZVNgetdblattrlist(model, "X", static_cast<int>(e->size), indices.data(), values.data());
+    if (e->size == 0 || e->size > INT_MAX) return false;
+    const py::object cmodel = borrow(e->terms[0].var->cmodel);
+    const std::vector<int> columns = columns_of(e, cmodel);
+    // Looking a name up among a variable's own fields may run the code of a key, which may change the expression.
+    if (columns.empty() || columns.size() != e->size || e->tail) return false;
+    values.resize(columns.size());
+    ZVNmodel* model = model_pointer(cmodel);
+    return model && !ZVNgetdblattrlist(model, "X", static_cast<int>(columns.size()), columns.data(), values.data());
 }
 
 double value_by_attributes(LinExpr* e) {

@@ -37,16 +37,20 @@ bool is_iterable(py::handle object) {
     return checked(PyObject_IsInstance(object.ptr(), iterable));
 }
 
-std::size_t list_position(py::handle index, std::size_t size) {
+Py_ssize_t list_index(py::handle index) {
     if (!PyIndex_Check(index.ptr())) {
         PyErr_Format(PyExc_TypeError, "list indices must be integers, not %.200s", Py_TYPE(index.ptr())->tp_name);
         throw PythonError{};
     }
-    Py_ssize_t i = PyNumber_AsSsize_t(index.ptr(), PyExc_IndexError);
+    const Py_ssize_t i = PyNumber_AsSsize_t(index.ptr(), PyExc_IndexError);
     if (i == -1 && PyErr_Occurred()) throw PythonError{};
-    if (i < 0) i += static_cast<Py_ssize_t>(size);
-    if (i < 0 || i >= static_cast<Py_ssize_t>(size)) raise(PyExc_IndexError, "list index out of range");
-    return static_cast<std::size_t>(i);
+    return i;
+}
+
+std::size_t list_position(Py_ssize_t index, std::size_t size) {
+    if (index < 0) index += static_cast<Py_ssize_t>(size);
+    if (index < 0 || index >= static_cast<Py_ssize_t>(size)) raise(PyExc_IndexError, "list index out of range");
+    return static_cast<std::size_t>(index);
 }
 
 void inherit_operators(PyTypeObject* type, PyTypeObject* own) {

@@ -39,8 +39,11 @@ inline double as_double(py::handle object) {
 // isinstance(object, collections.abc.Iterable)
 bool is_iterable(py::handle object);
 
-// The position that a list index means, where negative ones count from the end; IndexError beyond.
-std::size_t list_position(py::handle index, std::size_t size);
+// The number that a list index is. Its __index__() may be anyone's code and change what the index is for, so sizes
+// are read afterwards.
+Py_ssize_t list_index(py::handle index);
+// The position that it means, where negative ones count from the end; IndexError beyond.
+std::size_t list_position(Py_ssize_t index, std::size_t size);
 
 // A subclass of `own` made in Python would find + by the methods __add__ and __radd__, and `x + s` with s of the
 // subclass would come out as `s + x`, because __radd__ is a method of its own. Unless the subclass has such methods
