@@ -131,6 +131,16 @@ def test_keys_that_change_the_model_while_they_are_hashed(model, change):
         assert len(names(model)) == 1
 
 
+def test_name_that_disposes_of_the_model_on_the_way(model):
+    class Name(str):
+        def encode(self, *args):
+            model.dispose()
+            return b"name"
+
+    with pytest.raises(ZelvanError):
+        model.addVar(name=Name("name"))
+
+
 def test_names(model):
     model.addVars(2, 2, name="x")
     model.addVars(["a", 1, 2.5, None, (3, "b")], name="y")
@@ -185,13 +195,13 @@ def test_broadcast_of_arguments(model):
         [[[1]], [[2]], [[3]], [[4]]],
         np.array([[1], [2], [3], [4]]),
         np.array([[[1, 2, 3, 4]]]),
-        np.matrix([[1, 2], [3, 4]]),
+        lambda: np.matrix([[1, 2], [3, 4]]),
         [np.array([[1, 2]]), np.array([[3, 4]])],
     ],
-    ids=str,
 )
+@pytest.mark.filterwarnings("ignore:the matrix subclass:PendingDeprecationWarning")
 def test_nested_values_come_in_row_order(model, nested):
-    x = model.addVars(2, 2, ub=nested)
+    x = model.addVars(2, 2, ub=nested() if callable(nested) else nested)
     model.update()
     assert [var.UB for var in x.values()] == [1, 2, 3, 4]
 

@@ -443,15 +443,11 @@ py::object Model_addVar(Model& self, Args args) {
     const double lower = lb ? to_double(lb) : 0.0;
     const double upper = ub ? to_double(ub) : ZVN_INFINITY;
     const double cost = obj ? to_double(obj) : 0.0;
-    ZVNmodel* model = model_pointer(self);
-    int code;
-    if (!name || is_empty_string(name)) {
-        code = ZVNaddvar(model, entries.size(), entries.ind(), entries.val(), cost, lower, upper, type, nullptr);
-    } else {
-        const CString text(name);
-        code = ZVNaddvar(model, entries.size(), entries.ind(), entries.val(), cost, lower, upper, type, text);
-    }
-    check(code, as_object(self));
+    const auto add = [&](const char* text) {
+        return ZVNaddvar(model_pointer(self), entries.size(), entries.ind(), entries.val(), cost, lower, upper, type,
+                         text);
+    };
+    check(!name || is_empty_string(name) ? add(nullptr) : add(CString(name)), as_object(self));
     const int col = model_update_mode(self) == 1 ? static_cast<int>(PyList_GET_SIZE(self.vars)) : -1;
     py::object var = steal(new_handle(Var_Type, self.cmodel, col));
     checked(PyList_Append(self.vars, var.ptr()));
