@@ -1,8 +1,10 @@
 """Parameter services of environments, models and the module."""
 
 import gc
+import pathlib
 import random
 import sys
+import threading
 
 import numpy as np
 import pytest
@@ -320,6 +322,35 @@ def test_params_outlive_their_model(env_silent):
             ParamClass(wrong)
     with pytest.raises(ZelvanError, match="Invalid Environment"):
         ParamClass.__new__(ParamClass).__getattr__("Threads")
+
+
+def test_parameters_may_change_while_the_model_is_solved(env_silent, tmp_path):
+    """A running solve keeps the parameters that it began with; its log goes to the file of the moment."""
+    m = Model("", env_silent)
+    x = m.addVars(300, ub=1)
+    m.addConstrs(x[i] + x[i + 1] <= 1 for i in range(299))
+    m.setObjective(x.sum(), ZVN.MAXIMIZE)
+    logs = [str(tmp_path / f"{name}.log") for name in "ab"]
+    solved = threading.Event()
+
+    def change():
+        while not solved.is_set():
+            for log in logs:
+                m.resetParams()
+                m.Params.LogToConsole = 0
+                m.Params.LogFile = log
+
+    thread = threading.Thread(target=change)
+    thread.start()
+    for _ in range(60):
+        m.reset()
+        m.optimize()
+        assert m.Status == ZVN.OPTIMAL and m.ObjVal == pytest.approx(150)
+    solved.set()
+    thread.join()
+    lines = set("".join(pathlib.Path(log).read_text() for log in logs).splitlines())
+    assert any(line.startswith("Ended with status OPTIMAL") for line in lines)
+    m.dispose()
 
 
 def test_a_subclass_may_add_attributes(env):

@@ -29,9 +29,16 @@ std::shared_ptr<LogFile> open_log(const std::string& path) {
 }  // namespace
 
 void Env::log(std::string_view text) const {
-    if (!params.get_int(Param::OutputFlag)) return;
-    if (log_file) log_file->write(text);
-    if (!params.get_int(Param::LogToConsole)) return;
+    std::shared_ptr<LogFile> file;
+    bool shown;
+    {
+        const std::lock_guard lock(mutex);
+        if (!params.get_int(Param::OutputFlag)) return;
+        file = log_file;
+        shown = params.get_int(Param::LogToConsole);
+    }
+    if (file) file->write(text);
+    if (!shown) return;
     if (callback) {
         callback(std::string(text).c_str(), callback_data);
     } else {
@@ -40,19 +47,36 @@ void Env::log(std::string_view text) const {
     }
 }
 
-void Env::set_int(int param, int value) { params.set_int(param, value); }
-
-void Env::set_dbl(int param, double value) { params.set_dbl(param, value); }
-
-void Env::set_str(int param, std::string value) {
-    if (param == static_cast<int>(Param::LogFile) && started) log_file = open_log(value);
-    params.set_str(param, std::move(value));
+ParamValues Env::settings() const {
+    const std::lock_guard lock(mutex);
+    return params;
 }
 
-void Env::set_params(ParamValues values) {
+void Env::set_int(int param, int value) {
+    const std::lock_guard lock(mutex);
+    params.set_int(param, value);
+}
+
+void Env::set_dbl(int param, double value) {
+    const std::lock_guard lock(mutex);
+    params.set_dbl(param, value);
+}
+
+void Env::set_str(int param, std::string value) {
+    const bool opens = param == static_cast<int>(Param::LogFile) && started;
+    std::shared_ptr<LogFile> file = opens ? open_log(value) : nullptr;
+    const std::lock_guard lock(mutex);
+    params.set_str(param, std::move(value));
+    if (opens) log_file.swap(file);
+}
+
+void Env::set_params(const ParamValues& values) {
     const std::string& path = values.get_str(Param::LogFile);
-    if (started && path != params.get_str(Param::LogFile)) log_file = open_log(path);
-    params = std::move(values);
+    const bool opens = started && path != params.get_str(Param::LogFile);
+    std::shared_ptr<LogFile> file = opens ? open_log(path) : nullptr;
+    const std::lock_guard lock(mutex);
+    params = values;
+    if (opens) log_file.swap(file);
 }
 
 void Env::start() {

@@ -26,6 +26,12 @@ private:
     std::mutex mutex_;
 };
 
+// A mutex whose owner may be copied: the copy gets one of its own.
+struct OwnMutex : std::mutex {
+    OwnMutex() = default;
+    OwnMutex(const OwnMutex&) {}
+};
+
 // Parameters, log and error text of one environment; each model has one of its own, copied from the
 // environment that it was made on.
 struct Env {
@@ -35,16 +41,19 @@ struct Env {
     ZVNlogcallback callback = nullptr;
     void* callback_data = nullptr;
     std::shared_ptr<LogFile> log_file;
+    mutable OwnMutex mutex;  // held to change params and log_file, and to read them while a solve may run elsewhere
 
     // Writes text to the log: callback or standard output (OutputFlag, LogToConsole), and LogFile.
     // May be called on any thread.
     void log(std::string_view text) const;
+    // A copy of the parameters that later changes from other threads leave alone.
+    ParamValues settings() const;
     // The three setters behind ZVNset...param; they take care of LogFile and of fixed limits.
     void set_int(int param, int value);
     void set_dbl(int param, double value);
     void set_str(int param, std::string value);
     // All values at once, or none when the log file can't be opened.
-    void set_params(ParamValues values);
+    void set_params(const ParamValues& values);
     void reset_params() { set_params(ParamValues()); }
     void start();
 };

@@ -110,18 +110,19 @@ void read_params(Env& env, const std::string& path) {
         }
         at = end + 1;
     }
-    env.set_params(std::move(values));
+    env.set_params(values);
 }
 
 void write_params(const Env& env, const std::string& path) {
+    const ParamValues values = env.settings();
     std::string text = "# Parameters that differ from their default\n";
     for (int i = 0; i < num_params(); ++i) {
-        if (env.params.is_default(i)) continue;
+        if (values.is_default(i)) continue;
         const ParamSpec& spec = param_spec(i);
         if (spec.flags & kOpaque)
             text += std::string("# ") + spec.name + " is set; its value is not written\n";
         else
-            text += std::string(spec.name) + "  " + value_text(env.params, i) + "\n";
+            text += std::string(spec.name) + "  " + value_text(values, i) + "\n";
     }
     write_file(path, text);
 }

@@ -120,7 +120,8 @@ void store_counts(const Run& run, Solution& solution) {
     solution.concurrent_winner = run.concurrent_winner;
 }
 
-Solution solve_single(const ModelData& data, SolverModel problem, const ParamValues& params, Run& run) {
+Solution solve_single(const ModelData& data, SolverModel problem, Run& run) {
+    const ParamValues& params = run.params;
     bridge_pwl_objective(data, problem, 1.0);
     Solution solution;
     solution.is_mip = problem.is_mip();
@@ -145,16 +146,15 @@ Solution solve(Model& model) {
     SolverModel problem(model.data);
     bridge_semi_continuous(model.data, problem);
     Run run(model);
-    Solution solution = model.data.objectives.size() > 1
-                            ? solve_multi_objective(model.data, std::move(problem), run)
-                            : solve_single(model.data, std::move(problem), model.env.params, run);
+    Solution solution = model.data.objectives.size() > 1 ? solve_multi_objective(model.data, std::move(problem), run)
+                                                         : solve_single(model.data, std::move(problem), run);
     store_counts(run, solution);
     return solution;
 }
 
 // A solve without a solution leaves a line instead of a file; any other fault is one of the call.
 void write_result_file(Model& model) {
-    const std::string& path = model.env.params.get_str(Param::ResultFile);
+    const std::string path = model.env.settings().get_str(Param::ResultFile);
     if (path.empty()) return;
     try {
         write_any(model, path);

@@ -40,9 +40,9 @@ double resident_memory() {
     return resident * static_cast<double>(sysconf(_SC_PAGESIZE));
 }
 
-Monitor::Monitor(Model& model)
+Monitor::Monitor(Model& model, const ParamValues& params)
     : model_(model),
-      params_(model.env.params),
+      params_(params),
       watch_(model.watch_signal),
       work_limit_(params_.get_dbl(Param::WorkLimit)),
       iteration_limit_(params_.get_dbl(Param::IterationLimit)),

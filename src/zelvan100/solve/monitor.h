@@ -18,7 +18,8 @@ double resident_memory();
 
 class Monitor : public SolveEvents {
 public:
-    explicit Monitor(Model& model);
+    // The parameters must outlive this.
+    Monitor(Model& model, const ParamValues& params);
 
     // Begins a run on a model of this size.
     void begin_run(const SolverModel& model);

@@ -32,11 +32,11 @@ SolverResult solve_trivial(const SolverModel& problem, double tolerance) {
     return result;
 }
 
-Run::Run(Model& model) : monitor(model), model_(model), params_(model.env.params) {
+Run::Run(Model& model) : params(model.env.settings()), monitor(model, params), model_(model) {
     if (!model_.session) model_.session = std::make_shared<HighsSession>();
     session().attach(&monitor);
-    const bool shown =
-        params_.get_int(Param::OutputFlag) && (params_.get_int(Param::LogToConsole) || model.env.log_file);
+    const bool shown = params.get_int(Param::OutputFlag) &&
+                       (params.get_int(Param::LogToConsole) || !params.get_str(Param::LogFile).empty());
     session().set_option("output_flag", shown);
 }
 
@@ -48,17 +48,17 @@ SolverResult Run::solve(const SolverModel& problem, const Start& start) {
     result.bound = -problem.sense * std::numeric_limits<double>::infinity();
     result.outcome = Outcome::kStopped;
     if (monitor.stop(Progress())) return result;
-    if (is_trivial(problem)) return solve_trivial(problem, params_.get_dbl(Param::FeasibilityTol));
+    if (is_trivial(problem)) return solve_trivial(problem, params.get_dbl(Param::FeasibilityTol));
     result.outcome = Outcome::kTimeLimit;
     if (monitor.time_left() <= 0.0) return result;
 
-    set_options(session(), params_, problem);
-    if (params_.get_int(Param::LPWarmStart) == 0) session().forget_basis();
+    set_options(session(), params, problem);
+    if (params.get_int(Param::LPWarmStart) == 0) session().forget_basis();
     session().load(problem);
     pass_start(problem, start);
     result = run_loaded(problem);
     const bool must_know =
-        params_.get_int(Param::DualReductions) == 0 || (params_.get_int(Param::InfUnbdInfo) != 0 && !problem.is_mip());
+        params.get_int(Param::DualReductions) == 0 || (params.get_int(Param::InfUnbdInfo) != 0 && !problem.is_mip());
     if (result.outcome == Outcome::kInfeasibleOrUnbounded && must_know) result = tell_apart(problem);
     return result;
 }
@@ -67,7 +67,7 @@ void Run::pass_start(const SolverModel& problem, const Start& start) {
     const bool is_mip = problem.is_mip();
     if (is_mip && !start.x.empty() && !session().set_start(start.x))
         monitor.log("The start violates bounds and is not used\n");
-    if (is_mip || start.basis.rows.empty() || params_.get_int(Param::LPWarmStart) == 0) return;
+    if (is_mip || start.basis.rows.empty() || params.get_int(Param::LPWarmStart) == 0) return;
     if (!session().set_basis(start.basis)) monitor.log("The start basis is not a basis and is not used\n");
 }
 
@@ -81,7 +81,7 @@ SolverResult Run::run_loaded(const SolverModel& problem) {
         session().set_option("simplex_strategy", kPrimalSimplex);
         session().set_option("time_limit", monitor.time_left());
         result = run_session();
-        set_options(session(), params_, problem);
+        set_options(session(), params, problem);
     }
     if (result.outcome == Outcome::kMemory)
         throw Error(ZVN_ERROR_OUT_OF_MEMORY, "HiGHS ran out of memory during the solve");
@@ -89,8 +89,8 @@ SolverResult Run::run_loaded(const SolverModel& problem) {
 }
 
 SolverResult Run::run_method(const SolverModel& problem) {
-    if (params_.get_int(Param::Method) == kConcurrent && !problem.is_mip()) {
-        SolverResult result = run_concurrently(session(), problem, monitor, params_, concurrent_winner);
+    if (params.get_int(Param::Method) == kConcurrent && !problem.is_mip()) {
+        SolverResult result = run_concurrently(session(), problem, monitor, params, concurrent_winner);
         end_run(result);
         return result;
     }
@@ -99,7 +99,7 @@ SolverResult Run::run_method(const SolverModel& problem) {
 }
 
 SolverResult Run::run_session() {
-    SolverResult result = session().run(params_.get_int(Param::Threads));
+    SolverResult result = session().run(params.get_int(Param::Threads));
     end_run(result);
     return result;
 }
@@ -142,8 +142,8 @@ int Run::status_of(const SolverResult& result) const {
         case Outcome::kIterationLimit:
             return ZVN_ITERATION_LIMIT;
         case Outcome::kSolutionLimit:
-            return monitor.num_solutions() >= params_.get_int(Param::SolutionLimit) ? ZVN_SOLUTION_LIMIT
-                                                                                    : ZVN_NODE_LIMIT;
+            return monitor.num_solutions() >= params.get_int(Param::SolutionLimit) ? ZVN_SOLUTION_LIMIT
+                                                                                   : ZVN_NODE_LIMIT;
         default:
             if (monitor.stop_status()) return monitor.stop_status();
             return result.x.empty() ? ZVN_NUMERIC : ZVN_SUBOPTIMAL;

@@ -14,6 +14,7 @@ public:
     Run(const Run&) = delete;
     Run& operator=(const Run&) = delete;
 
+    const ParamValues params;  // as they stood at the begin
     Monitor monitor;
     // Counts over all solves so far.
     double work = 0.0, iterations = 0.0, nodes = 0.0;
@@ -25,7 +26,7 @@ public:
         std::vector<double> x;  // for a MIP, NaN where a column has no value
         Basis basis;            // for an LP
     };
-    // Solves with the parameters of the model's environment.
+    // Solves with `params`.
     SolverResult solve(const SolverModel& problem, const Start& start = {});
     // The value of the attribute Status that the outcome means.
     int status_of(const SolverResult& result) const;
@@ -40,7 +41,6 @@ private:
     void end_run(const SolverResult& result);
 
     Model& model_;
-    const ParamValues& params_;
 };
 
 // A model without columns, or with a range that holds no value: solved without HiGHS.
