@@ -181,6 +181,29 @@ def test_lists_are_built_on_demand(env_silent):
     m.dispose()
 
 
+def test_models_disposed_of_while_their_lists_are_built(env_silent):
+    class Fleeting(Model):
+        def update(self):
+            super().update()
+            if hasattr(self, "_flees"):
+                self.dispose()
+
+    base = unbuilt_model(env_silent, 3)
+    for method in (Model.getVars, Model.getSOSs, Model.addVar, lambda m: m.getVarByName("C0")):
+        m = Fleeting(cmodel=wrap_pointer(library().ZVNcopymodel(get_pointer(base._cmodel))))
+        m._flees = True
+        with pytest.raises(ZelvanError, match="^Model has already been freed$"):
+            method(m)
+
+    class Position:
+        def __index__(self):
+            base.dispose()
+            return 0
+
+    with pytest.raises(ZelvanError, match="^Model has already been freed$"):
+        base._Model__getVar(Position())
+
+
 def test_removal(lp, env_silent):
     x, y, z = lp.getVars()
     c1, c2 = lp.getConstrs()

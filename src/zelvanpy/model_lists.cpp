@@ -181,6 +181,7 @@ void model_setup(Model& model, bool empty) {
     }
     call_own(model, "update", {});
     threshold.restore();
+    require_open(model);  // an update of a subclass may have disposed of it
 }
 
 int model_update_mode(Model& model) {
@@ -231,9 +232,9 @@ PyObject* Model_getupdatemode(Model& self) { return PyLong_FromLong(model_update
 
 template <Kind K>
 py::object handle_by_position(Model& self, py::handle position) {
-    model_setup(self);
     const Py_ssize_t i = PyNumber_AsSsize_t(position.ptr(), PyExc_IndexError);
     if (i == -1 && PyErr_Occurred()) throw PythonError{};
+    model_setup(self);
     return steal(PySequence_GetItem(self.*list_row(K).list, i));
 }
 
