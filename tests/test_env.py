@@ -234,8 +234,11 @@ def test_read_by_name_and_pattern(tmp_path, monkeypatch, capsys, env_silent):
     assert caught.value.errno == 0 and "missing.lp" in capsys.readouterr().out
     with pytest.raises(AttributeError):
         zelvanpy.read(5)
-    with pytest.raises(AttributeError):
-        zelvanpy.read("one.lp", env="none")
+    for wrong in ("none", model):
+        with pytest.raises(TypeError, match="'env' must be an Env or None"):
+            zelvanpy.read("one.lp", wrong)
+    monkeypatch.setattr(glob, "glob", lambda pattern: ("one.lp",))
+    assert zelvanpy.read("*", env_silent).NumVars == 1
     assert zelvanpy.system("exit 3") is None
 
 

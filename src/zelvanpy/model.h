@@ -42,6 +42,8 @@ py::object model_get_attr(Model& model, py::handle name, py::handle objs);
 void model_set_attr(Model& model, py::handle name, py::handle arg1, py::handle arg2);
 // Calls an own method by name, so that one of a subclass counts.
 py::object call_own(Model& model, const char* name, py::handle argument);
+// The first file that a pattern with * or ? matches, a name without them as it is; empty when no file matches.
+py::object matching_file(py::handle filename);
 // Writes a line to the model's log.
 void model_message(Model& model, py::handle message);
 // Builds the lists if they are not there yet.

@@ -14,6 +14,13 @@ void model_message(Model& model, py::handle message) {
     ZVNmsg(ZVNgetenv(model_pointer(model)), CString(line));
 }
 
+py::object matching_file(py::handle filename) {
+    const auto holds = [&](const char* wildcard) { return filename.attr("find")(wildcard).cast<Py_ssize_t>() >= 0; };
+    if (!holds("*") && !holds("?")) return borrow(filename);
+    const py::list found(py::module_::import("glob").attr("glob")(filename));
+    return found.empty() ? py::object() : py::object(found[0]);
+}
+
 namespace {
 
 // self.message(text), where a subclass may have its own.
@@ -52,13 +59,6 @@ void Model_write(Model& self, Args args) {
 
 bool contains(py::handle text, const char* part) {
     return checked(PyUnicode_Contains(text.ptr(), py::str(part).ptr())) != 0;
-}
-
-// The first file that matches a pattern, the name itself when it is none; null when no file matches.
-py::object matching_file(py::handle filename) {
-    if (!contains(filename, "*") && !contains(filename, "?")) return borrow(filename);
-    const py::list found(py::module_::import("glob").attr("glob")(filename));
-    return found.empty() ? py::object() : py::object(found[0]);
 }
 
 void Model_read(Model& self, Args args) {

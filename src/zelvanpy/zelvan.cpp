@@ -13,7 +13,7 @@ namespace {
 PyObject* zelvan_class;
 
 const Name kDefaultEnv("_defaultenv"), kExiting("_exiting"), kInteractive("_zelvan__interactive");
-const Name kClose("close"), kCenv("_cenv"), kFind("find");
+const Name kClose("close");
 
 py::object class_state(const Name& name) { return steal(PyObject_GetAttr(zelvan_class, name.get())); }
 void set_class_state(const Name& name, py::handle value) {
@@ -22,11 +22,6 @@ void set_class_state(const Name& name, py::handle value) {
 bool class_flag(const Name& name) { return checked(PyObject_IsTrue(class_state(name).ptr())); }
 
 py::object builtin_print() { return py::module_::import("builtins").attr("print"); }
-
-bool contains(py::handle text, const char* part) {
-    const py::object position = steal(PyObject_CallMethodObjArgs(text.ptr(), kFind.get(), to_str(part).ptr(), nullptr));
-    return checked_double(PyFloat_AsDouble(position.ptr())) >= 0;
-}
 
 }  // namespace
 
@@ -92,23 +87,16 @@ py::object zelvan_platform(py::handle) { return to_str(ZVNplatform()); }
 
 py::object zelvan_iscontainer(py::handle) { return steal(PyLong_FromLong(ZVNisContainer())); }
 
-// The first file that a pattern matches, a name without wildcards as it is.
-py::object matching_file(py::handle name) {
-    if (!contains(name, "*") && !contains(name, "?")) return borrow(name);
-    const py::object files = py::module_::import("glob").attr("glob")(name);
-    if (PyList_GET_SIZE(files.ptr()) == 0) {
-        print_line(steal(PyUnicode_FromFormat("No file matching '%S' found", name.ptr())));
-        raise_zelvan(0, "Unable to read model");
-    }
-    return borrow(PyList_GET_ITEM(files.ptr(), 0));
-}
-
 py::object read_model(py::handle modelname, py::handle env) {
     const py::object file = matching_file(modelname);
+    if (!file) {
+        print_line(steal(PyUnicode_FromFormat("No file matching '%S' found", modelname.ptr())));
+        raise_zelvan(0, "Unable to read model");
+    }
     const py::object uenv = env && !env.is_none() ? borrow(env) : default_env();
-    const py::object cenv = steal(PyObject_GetAttr(uenv.ptr(), kCenv.get()));
+    if (!is_env(uenv)) raise(PyExc_TypeError, "read() argument 'env' must be an Env or None");
     ZVNmodel* model = nullptr;
-    if (ZVNreadmodel(env_pointer(cenv), CString(file), &model)) {
+    if (ZVNreadmodel(env_pointer(*reinterpret_cast<Env*>(uenv.ptr())), CString(file), &model)) {
         print_line(error_message(uenv));
         raise_zelvan(0, "Unable to read model");
     }
