@@ -94,8 +94,8 @@ public:
                 while (i < code.size() && code[i].offset < end) ++i;
                 continue;
             }
-            // Newer interpreters move handlers of exceptions behind the loops that they run in.
-            if (past_loop && code[i].name == "PUSH_EXC_INFO") refuse();
+            // Newer interpreters move handlers of exceptions behind all the loops that they run in.
+            if (code[i].name == "PUSH_EXC_INFO" && past_loop && PyList_GET_SIZE(names_.ptr()) == 0) refuse();
             if (code[i].name == "LOAD_FAST_AND_CLEAR") ++saved_[code[i].argument.cast<std::string>()];
             if (stored_names(code[i]).empty())
                 ++i;
