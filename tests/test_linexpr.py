@@ -138,8 +138,8 @@ def test_failures_change_nothing(xyz):
 def test_reading_and_removing(xyz):
     x, y, z = xyz
     e = x + 2 * y + 3 * x + 4 * z
-    assert e.getVar(-1) is z and e.getVar(numpy.int64(1)) is y and e.getCoeff(True) == 2.0
-    e.remove(Var(None, 0))
+    assert e.getVar(i=-1) is z and e.getVar(numpy.int64(1)) is y and e.getCoeff(True) == 2.0
+    e.remove(item=Var(None, 0))
     assert terms(e) == [(2.0, 1), (4.0, 2)]
     e.remove(-2)
     e.remove(False)

@@ -91,8 +91,17 @@ std::size_t position_of(Column& self, py::handle index) {
     return list_position(i, self.coeffs.size());
 }
 
-PyObject* Column_getCoeff(Column& self, py::handle i) { return PyFloat_FromDouble(self.coeffs[position_of(self, i)]); }
-py::object Column_getConstr(Column& self, py::handle i) { return self.constrs[position_of(self, i)]; }
+PyObject* Column_getCoeff(Column& self, Args args) {
+    static const Signature<1> kGetCoeff{"getCoeff", 1, {Name("i")}};
+    const auto [i] = kGetCoeff.parse(args);
+    return PyFloat_FromDouble(self.coeffs[position_of(self, i)]);
+}
+
+py::object Column_getConstr(Column& self, Args args) {
+    static const Signature<1> kGetConstr{"getConstr", 1, {Name("i")}};
+    const auto [i] = kGetConstr.parse(args);
+    return self.constrs[position_of(self, i)];
+}
 
 // Keeps the entries for which `keep(position)` holds.
 template <class Keep>
@@ -107,10 +116,13 @@ void filter(Column& self, Keep keep) {
     self.constrs.swap(kept.constrs);
 }
 
-void Column_remove(Column& self, py::handle which) {
+void Column_remove(Column& self, Args args) {
+    static const Signature<1> kRemove{"remove", 1, {Name("which")}};
+    const auto [which] = kRemove.parse(args);
     if (is_constr(which)) {
-        filter(self, [&](std::size_t i) { return !self.constrs[i].is(which); });
-    } else if (PyLong_Check(which.ptr())) {
+        const PyObject* constr = which;
+        filter(self, [&](std::size_t i) { return self.constrs[i].ptr() != constr; });
+    } else if (PyLong_Check(which)) {
         const std::size_t position = position_of(self, which);
         filter(self, [&](std::size_t i) { return i != position; });
     }
@@ -184,14 +196,14 @@ PyMethodDef methods[] = {
      "Append entries: a number and a Constr, or two sequences of equal length.\n\n"
      "Raises ZelvanError, and adds nothing, for different lengths and for an element of `constrs` that is no Constr."},
     {"size", method<Column_size>, METH_NOARGS, "size($self)\n--\n\nNumber of entries (int)."},
-    {"getCoeff", method<Column_getCoeff>, METH_O,
-     "getCoeff($self, i, /)\n--\n\n"
+    {"getCoeff", method<Column_getCoeff>, kKeywords,
+     "getCoeff($self, i)\n--\n\n"
      "Coefficient (float) of entry `i`; negative positions count from the end. Raises IndexError."},
-    {"getConstr", method<Column_getConstr>, METH_O,
-     "getConstr($self, i, /)\n--\n\n"
+    {"getConstr", method<Column_getConstr>, kKeywords,
+     "getConstr($self, i)\n--\n\n"
      "Constr of entry `i`; negative positions count from the end. Raises IndexError."},
-    {"remove", method<Column_remove>, METH_O,
-     "remove($self, which, /)\n--\n\n"
+    {"remove", method<Column_remove>, kKeywords,
+     "remove($self, which)\n--\n\n"
      "Drop the entry at position `which` (int, raises IndexError), or every entry of the row `which` (Constr)."},
     {"clear", method<Column_clear>, METH_NOARGS, "clear($self)\n--\n\nDrop all entries."},
     {"copy", method<Column_copy>, METH_NOARGS,

@@ -46,7 +46,9 @@ void LinExpr_addMethod(LinExpr& self, Args args) {
     linexpr_add_any(&self, arg, factor);
 }
 
-void LinExpr_addConstant(LinExpr& self, py::handle c) {
+void LinExpr_addConstant(LinExpr& self, Args args) {
+    static const Signature<1> kAddConstant{"addConstant", 1, {Name("c")}};
+    const auto [c] = kAddConstant.parse(args);
     if (std::isnan(float_of(c))) raise_zelvan(ZVN_ERROR_INVALID_ARGUMENT, "Constant is Nan");
     linexpr_add_constant(&self, as_double(c));
 }
@@ -74,11 +76,15 @@ std::size_t position_of(LinExpr& self, py::handle index) {
     return list_position(i, self.size);
 }
 
-PyObject* LinExpr_getCoeff(LinExpr& self, py::handle i) {
+PyObject* LinExpr_getCoeff(LinExpr& self, Args args) {
+    static const Signature<1> kGetCoeff{"getCoeff", 1, {Name("i")}};
+    const auto [i] = kGetCoeff.parse(args);
     return PyFloat_FromDouble(self.terms[position_of(self, i)].coeff);
 }
 
-py::object LinExpr_getVar(LinExpr& self, py::handle i) {
+py::object LinExpr_getVar(LinExpr& self, Args args) {
+    static const Signature<1> kGetVar{"getVar", 1, {Name("i")}};
+    const auto [i] = kGetVar.parse(args);
     return borrow(reinterpret_cast<PyObject*>(self.terms[position_of(self, i)].var));
 }
 
@@ -103,11 +109,13 @@ void remove_var(LinExpr& self, Handle* var) {
     swap_terms(&self, kept);
 }
 
-void LinExpr_remove(LinExpr& self, py::handle which) {
+void LinExpr_remove(LinExpr& self, Args args) {
+    static const Signature<1> kRemove{"remove", 1, {Name("item")}};
+    const auto [item] = kRemove.parse(args);
     linexpr_flatten(&self);
-    if (is_var(which)) return remove_var(self, as_handle(which));
-    if (!PyLong_Check(which.ptr())) return;
-    const std::size_t position = position_of(self, which);
+    if (is_var(item)) return remove_var(self, as_handle(item));
+    if (!PyLong_Check(item)) return;
+    const std::size_t position = position_of(self, item);
     Handle* var = self.terms[position].var;
     std::copy(self.terms + position + 1, self.terms + self.size, self.terms + position);
     --self.size;
@@ -117,7 +125,9 @@ void LinExpr_remove(LinExpr& self, py::handle which) {
 void LinExpr_clear(LinExpr& self) { linexpr_clear(&self); }
 PyObject* LinExpr_copy(LinExpr& self) { return as_result(linexpr_copy(&self)); }
 
-void LinExpr_mul(LinExpr& self, py::handle mult) {
+void LinExpr_mul(LinExpr& self, Args args) {
+    static const Signature<1> kMul{"_mul", 1, {Name("mult")}};
+    const auto [mult] = kMul.parse(args);
     double value;
     if (!scalar_value(mult, value))
         raise_zelvan(ZVN_ERROR_INVALID_ARGUMENT, "Invalid argument to LinExpr multiplication");
@@ -271,8 +281,8 @@ PyMethodDef methods[] = {
      "add($self, arg1, mult=1.0)\n--\n\n"
      "Add `mult * arg1` in place; `arg1` is a Var, LinExpr or number.\n\n"
      "Raises ZelvanError for another type, for a multiplier of a Var that is infinite or NaN, and for a NaN constant."},
-    {"addConstant", method<LinExpr_addConstant>, METH_O,
-     "addConstant($self, c, /)\n--\n\nAdd the number `c` to the constant. Raises ZelvanError for NaN."},
+    {"addConstant", method<LinExpr_addConstant>, kKeywords,
+     "addConstant($self, c)\n--\n\nAdd the number `c` to the constant. Raises ZelvanError for NaN."},
     {"addTerms", method<LinExpr_addTerms>, kKeywords,
      "addTerms($self, newcoeffs, newvars)\n--\n\n"
      "Append terms: a number and a Var, or two iterables of equal length.\n\n"
@@ -281,21 +291,21 @@ PyMethodDef methods[] = {
     {"size", method<LinExpr_size>, METH_NOARGS,
      "size($self)\n--\n\nNumber of terms (int), equal variables counted as often as they stand."},
     {"getConstant", method<LinExpr_getConstant>, METH_NOARGS, "getConstant($self)\n--\n\nThe constant (float)."},
-    {"getCoeff", method<LinExpr_getCoeff>, METH_O,
-     "getCoeff($self, i, /)\n--\n\n"
+    {"getCoeff", method<LinExpr_getCoeff>, kKeywords,
+     "getCoeff($self, i)\n--\n\n"
      "Coefficient (float) of term `i`; negative positions count from the end. Raises IndexError."},
-    {"getVar", method<LinExpr_getVar>, METH_O,
-     "getVar($self, i, /)\n--\n\nVar of term `i`; negative positions count from the end. Raises IndexError."},
+    {"getVar", method<LinExpr_getVar>, kKeywords,
+     "getVar($self, i)\n--\n\nVar of term `i`; negative positions count from the end. Raises IndexError."},
     {"getValue", method<LinExpr_getValue>, METH_NOARGS,
      "getValue($self)\n--\n\n"
      "Value (float) in the current solution. Raises what reading the attribute X of a variable raises."},
-    {"remove", method<LinExpr_remove>, METH_O,
-     "remove($self, item, /)\n--\n\n"
+    {"remove", method<LinExpr_remove>, kKeywords,
+     "remove($self, item)\n--\n\n"
      "Drop the term at position `item` (int, raises IndexError), or every term of the variable `item` (Var)."},
     {"clear", method<LinExpr_clear>, METH_NOARGS, "clear($self)\n--\n\nDrop all terms and the constant."},
     {"copy", method<LinExpr_copy>, METH_NOARGS, "copy($self)\n--\n\nAn independent copy (LinExpr)."},
-    {"_mul", method<LinExpr_mul>, METH_O,
-     "_mul($self, mult, /)\n--\n\n"
+    {"_mul", method<LinExpr_mul>, kKeywords,
+     "_mul($self, mult)\n--\n\n"
      "Multiply by a number in place. Raises ZelvanError for another type, infinity and NaN."},
     {"_flatten", method<LinExpr_flatten>, METH_NOARGS,
      "_flatten($self)\n--\n\nJoin the blocks of a long sum, in the order of addition."},
