@@ -160,6 +160,13 @@ def test_positions_whose_code_changes_the_expression():
 
         with pytest.raises(IndexError):
             method(e, Position())
+
+        class Growing:
+            def __index__(self, e=e):
+                e.add(quicksum(handles(5000)))
+                return -1
+
+        assert method(e, Growing()) is not None and e.size() == 5000
     e = chain(handles(250))
     older = e.__reduce__()[1][2][2]
     older.__init__(e)

@@ -79,13 +79,15 @@ std::size_t position_of(LinExpr& self, py::handle index) {
 PyObject* LinExpr_getCoeff(LinExpr& self, Args args) {
     static const Signature<1> kGetCoeff{"getCoeff", 1, {Name("i")}};
     const auto [i] = kGetCoeff.parse(args);
-    return PyFloat_FromDouble(self.terms[position_of(self, i)].coeff);
+    const std::size_t position = position_of(self, i);  // may move the terms
+    return PyFloat_FromDouble(self.terms[position].coeff);
 }
 
 py::object LinExpr_getVar(LinExpr& self, Args args) {
     static const Signature<1> kGetVar{"getVar", 1, {Name("i")}};
     const auto [i] = kGetVar.parse(args);
-    return borrow(reinterpret_cast<PyObject*>(self.terms[position_of(self, i)].var));
+    const std::size_t position = position_of(self, i);
+    return borrow(reinterpret_cast<PyObject*>(self.terms[position].var));
 }
 
 PyObject* LinExpr_getValue(LinExpr& self) { return PyFloat_FromDouble(linexpr_value(&self)); }
