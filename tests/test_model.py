@@ -555,6 +555,29 @@ def test_a_model_stays_as_it_is_until_its_result_file_is_written(tmp_path, monke
     m.dispose()
 
 
+def test_each_thread_reads_the_text_of_its_own_failure(lp, tmp_path):
+    lp.Params.ResultFile = str(tmp_path / "missing" / "result.lp")
+    solved, refusals = threading.Event(), set()
+
+    def fail():
+        while not solved.is_set():
+            with pytest.raises(AttributeError) as refusal:
+                lp.getAttr("Nothing")
+            refusals.add(str(refusal.value))
+
+    thread = threading.Thread(target=fail)
+    thread.start()
+    try:
+        for _ in range(200):
+            lp.reset()
+            with pytest.raises(ZelvanError, match="missing"):
+                lp.optimize()
+    finally:
+        solved.set()
+        thread.join()
+    assert len(refusals) == 1 and "'Nothing'" in refusals.pop()
+
+
 def test_models_are_not_leaked(env_silent, lp):
     def work():
         m = Model("a", env_silent)

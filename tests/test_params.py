@@ -342,12 +342,14 @@ def test_parameters_may_change_while_the_model_is_solved(env_silent, tmp_path):
 
     thread = threading.Thread(target=change)
     thread.start()
-    for _ in range(60):
-        m.reset()
-        m.optimize()
-        assert m.Status == ZVN.OPTIMAL and m.ObjVal == pytest.approx(150)
-    solved.set()
-    thread.join()
+    try:
+        for _ in range(60):
+            m.reset()
+            m.optimize()
+            assert m.Status == ZVN.OPTIMAL and m.ObjVal == pytest.approx(150)
+    finally:
+        solved.set()
+        thread.join()
     lines = set("".join(pathlib.Path(log).read_text() for log in logs).splitlines())
     assert any(line.startswith("Ended with status OPTIMAL") for line in lines)
     m.dispose()

@@ -17,7 +17,7 @@ int refuse_creation(int code, const char* text) {
     return code;
 }
 
-const char* message_of(const Env* env) { return env ? env->error.c_str() : handle_error().c_str(); }
+const char* message_of(const Env* env) { return env ? error_text(*env) : handle_error().c_str(); }
 
 bool names_container(const char* path) {
     std::ifstream file(path);

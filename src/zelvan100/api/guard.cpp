@@ -83,6 +83,36 @@ std::string& handle_error() {
     return text;
 }
 
+namespace {
+
+// What the latest failed call on this thread left, and the number of its environment.
+struct Failure {
+    std::uint64_t env = 0;
+    std::string text;
+};
+thread_local Failure failure;
+
+}  // namespace
+
+int fail(Env& env, int code, const std::string& text) noexcept {
+    try {
+        failure = {env.number.value, text};
+        const std::lock_guard lock(env.mutex);
+        env.error = text;
+    } catch (const std::exception&) {
+        failure.env = 0;  // no memory for the text: the code must do
+    }
+    return code;
+}
+
+const char* error_text(const Env& env) {
+    if (failure.env == env.number.value) return failure.text.c_str();
+    thread_local std::string copy;
+    const std::lock_guard lock(env.mutex);
+    copy = env.error;
+    return copy.c_str();
+}
+
 int refuse(const ZVNenv* handle) { return refuse_ticket(handle, TicketKind::kEnv, "environment"); }
 
 int refuse(const ZVNmodel* handle) { return refuse_ticket(handle, TicketKind::kModel, "model"); }

@@ -41,8 +41,12 @@ inline Env* env_of(ZVNenv* handle) { return handle && handle->kind == TicketKind
 inline Model* model_of(ZVNmodel* handle) {
     return handle && handle->kind == TicketKind::kModel ? handle->object : nullptr;
 }
-inline std::string& error_text(Env& env) { return env.error; }
-inline std::string& error_text(Model& model) { return model.env.error; }
+inline Env& env_with_error(Env& env) { return env; }
+inline Env& env_with_error(Model& model) { return model.env; }
+// Leaves the text of a failed call on the environment. A thread reads back what its own call left there, whatever
+// other threads do meanwhile, and otherwise the latest text. Gives the code.
+int fail(Env& env, int code, const std::string& text) noexcept;
+const char* error_text(const Env& env);
 // The code for a handle behind which there is no object of the kind; tells why.
 int refuse(const ZVNenv* handle);
 int refuse(const ZVNmodel* handle);
@@ -54,14 +58,11 @@ int run(Object& object, Body&& body) noexcept {
         body(object);
         return 0;
     } catch (const Error& e) {
-        error_text(object) = e.text();
-        return e.code();
+        return fail(env_with_error(object), e.code(), e.text());
     } catch (const std::bad_alloc&) {
-        error_text(object) = "Out of memory";
-        return ZVN_ERROR_OUT_OF_MEMORY;
+        return fail(env_with_error(object), ZVN_ERROR_OUT_OF_MEMORY, "Out of memory");
     } catch (const std::exception& e) {
-        error_text(object) = std::string("Internal error: ") + e.what();
-        return ZVN_ERROR_INTERNAL;
+        return fail(env_with_error(object), ZVN_ERROR_INTERNAL, std::string("Internal error: ") + e.what());
     }
 }
 

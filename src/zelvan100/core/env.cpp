@@ -1,11 +1,17 @@
 #include "core/env.h"
 
+#include <atomic>
 #include <cerrno>
 #include <cstring>
 
 #include "core/error.h"
 
 namespace zelvan {
+
+OwnNumber::OwnNumber() {
+    static std::atomic<std::uint64_t> latest{0};
+    value = ++latest;
+}
 
 LogFile::LogFile(const std::string& path) : file_(std::fopen(path.c_str(), "ab")) {
     if (!file_) throw Error(ZVN_ERROR_FILE_WRITE, "Unable to open log file '" + path + "': " + std::strerror(errno));

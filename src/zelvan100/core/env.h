@@ -1,5 +1,6 @@
 #pragma once
 
+#include <cstdint>
 #include <cstdio>
 #include <memory>
 #include <mutex>
@@ -32,16 +33,25 @@ struct OwnMutex : std::mutex {
     OwnMutex(const OwnMutex&) {}
 };
 
+// A number that no other object has or had, copies included.
+struct OwnNumber {
+    OwnNumber();
+    OwnNumber(const OwnNumber&) : OwnNumber() {}
+    std::uint64_t value;
+};
+
 // Parameters, log and error text of one environment; each model has one of its own, copied from the
 // environment that it was made on.
 struct Env {
     ParamValues params;
     bool started = false;
-    std::string error;
+    std::string error;  // of the latest failed call on any thread; see fail() in api/guard.h
+    OwnNumber number;
     ZVNlogcallback callback = nullptr;
     void* callback_data = nullptr;
     std::shared_ptr<LogFile> log_file;
-    mutable OwnMutex mutex;  // held to change params and log_file, and to read them while a solve may run elsewhere
+    mutable OwnMutex
+        mutex;  // held to change params, log_file and error, and to read them while a solve may run elsewhere
 
     // Writes text to the log: callback or standard output (OutputFlag, LogToConsole), and LogFile.
     // May be called on any thread.
