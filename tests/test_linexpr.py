@@ -14,9 +14,11 @@ from hypothesis import settings
 from hypothesis import strategies as st
 from hypothesis.stateful import Bundle, RuleBasedStateMachine, invariant, multiple, rule
 
+import zelvanpy
 from zelvanpy import LinExpr, TempConstr, Var, ZelvanError, quicksum, read
 
 INVALID = 10003
+simple_expression = getattr(zelvanpy, "__simpleexpr")
 
 
 def handles(count):
@@ -184,6 +186,10 @@ def test_normalize_merges_equal_columns():
     pending = Var(None, -1) + 2 * Var(None, -1)
     pending._normalize()
     assert terms(pending) == [(3.0, -1)]
+    simplified = simple_expression(e)
+    assert simplified is not e and content(simplified) == content(e)
+    assert content(simple_expression(xs[3])) == (0.0, [(1.0, 3)]) and content(simple_expression(2)) == (2.0, [])
+    refused("Unable to convert argument to an expression", simple_expression, "2", code=-1)
 
 
 def chain(xs):

@@ -278,6 +278,12 @@ py::object quicksum_function(py::handle, Args args) {
     return quicksum(list);
 }
 
+py::object simpleexpr_function(py::handle, Args args) {
+    static const Signature<1> kSimpleExpr{"__simpleexpr", 1, {Name("arg")}};
+    const auto [arg] = kSimpleExpr.parse(args);
+    return simple_expr(arg);
+}
+
 PyMethodDef methods[] = {
     {"add", method<LinExpr_addMethod>, kKeywords,
      "add($self, arg1, mult=1.0)\n--\n\n"
@@ -344,6 +350,9 @@ PyMethodDef functions[] = {
      "Sum of an iterable of variables, expressions and numbers, faster than sum(): all terms go into one "
      "expression.\n\n"
      "quicksum(c[i] * x[i] for i in range(n))"},
+    {"__simpleexpr", method<simpleexpr_function>, kKeywords,
+     "__simpleexpr($module, arg)\n--\n\n"
+     "A normalised copy (LinExpr) of a number, variable or expression. Raises ZelvanError for anything else."},
     {"_restore_linexpr", reinterpret_cast<PyCFunction>(slot<restore_linexpr>()), METH_VARARGS,
      "_restore_linexpr(type, format, *older, state)\n--\n\n"
      "A LinExpr from its pickled state. `older` are blocks of it that had to be restored before."},
