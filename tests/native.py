@@ -66,7 +66,7 @@ class Environment:
         self.check(lib.ZVNstartenv(self.handle))
 
     def _receive(self, message, _):
-        self.log += message.decode().splitlines()
+        self.log += [line for line in message.decode().split("\n") if line]
         return 0
 
     def check(self, code):
