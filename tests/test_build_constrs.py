@@ -158,6 +158,8 @@ def test_order_of_refusals(model, xyz):
         (lambda: model.addConstr(x <= float("nan")), ZVN.ERROR_INVALID_ARGUMENT, "Constant is Nan"),
         (lambda: model.addConstr(float("nan") * x <= 1), None, "coefficient nan"),
         (lambda: model.addConstr(x == float("inf")), None, "Right-hand side"),
+        (lambda: model.addConstr(x + foreign <= 1, name=3), ZVN.ERROR_NOT_IN_MODEL, "Variable not in model"),
+        (lambda: model.addRange(foreign, 0, 1, name=3), ZVN.ERROR_NOT_IN_MODEL, "Variable not in model"),
     ]
     for call, code, text in cases:
         with pytest.raises(ZelvanError, match=text) as caught:
@@ -168,6 +170,27 @@ def test_order_of_refusals(model, xyz):
     model.update()
     assert model.NumConstrs == 0 and model.getConstrs() == []
     other.dispose()
+
+
+def test_a_name_that_adds_rows_and_variables_itself(model, xyz, tmp_path):
+    class Name(str):
+        def encode(self, *args):
+            model.addConstr(z >= 5, "inner")
+            model.addVar()
+            return bytes(self, "ascii")
+
+    x, y, z = xyz
+    for add in (model.addConstr, model.addLConstr):
+        outer = add(x + 2 * y <= 3, name=Name("outer"))
+        model.update()
+        assert written_rows(model, tmp_path)[-2:] == ["inner: z >= 5", "outer: x + 2 y <= 3"]
+        assert (model.getConstrs()[-1] is outer) and outer.ConstrName == "outer"
+        model.remove(model.getConstrs())
+    extra = model.addVar(name=Name("extra"))
+    model.setObjectiveN(2 * x + y, 0, name=Name("named"))
+    model.update()
+    assert model.getVars()[-2] is extra and extra.VarName == "extra" and len(model.getVars()) == model.NumVars
+    assert str(model.getObjective(0)) == "2.0 x + y"
 
 
 def test_explicit_form_is_deprecated(model, xyz):

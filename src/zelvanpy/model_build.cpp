@@ -8,7 +8,7 @@ namespace zelvanpy {
 
 namespace {
 
-LibraryTerms call_buffer;
+LibraryTerms spare_buffer;
 // Entries that a buffer may keep between calls.
 constexpr std::size_t kKeptTerms = 1 << 16;
 
@@ -31,10 +31,10 @@ void LibraryTerms::clean() {
     val_.resize(size);
 }
 
-CallBuffer::CallBuffer() : buffer_(call_buffer) { buffer_.clear(); }
+CallBuffer::CallBuffer() : buffer_(std::move(spare_buffer)) { buffer_.clear(); }
 
 CallBuffer::~CallBuffer() {
-    if (static_cast<std::size_t>(buffer_.size()) > kKeptTerms) buffer_ = LibraryTerms();
+    if (static_cast<std::size_t>(buffer_.size()) <= kKeptTerms) spare_buffer = std::move(buffer_);
 }
 
 void append_var(const Model& model, const Handle* var, double mult, LibraryTerms& buffer) {
@@ -56,14 +56,6 @@ py::object flat_copy(py::handle expr) {
     py::object copy = steal(reinterpret_cast<PyObject*>(linexpr_copy(source)));
     linexpr_flatten(as_linexpr(copy));
     return copy;
-}
-
-py::object append_constr(Model& model) {
-    const bool indexed = model_update_mode(model) == 1;
-    const int row = indexed ? static_cast<int>(PyList_GET_SIZE(model.constrs)) : -1;
-    py::object constr = steal(new_handle(Constr_Type, model.cmodel, row));
-    checked(PyList_Append(model.constrs, constr.ptr()));
-    return constr;
 }
 
 char first_char(py::handle text) {

@@ -34,8 +34,8 @@ private:
     std::vector<double> val_;
 };
 
-// The buffer of the call that is running. Filling it runs no Python code, so one serves all calls; a buffer
-// that grew large is given back when the call ends.
+// The terms of the call that is running, in the memory of the call before; a buffer that grew large is given back
+// when the call ends.
 class CallBuffer {
 public:
     CallBuffer();
@@ -46,7 +46,7 @@ public:
     LibraryTerms& operator*() { return buffer_; }
 
 private:
-    LibraryTerms& buffer_;
+    LibraryTerms buffer_;
 };
 
 // Appends mult * the terms of a flat expression. A variable without index or of another model raises
@@ -55,8 +55,6 @@ void append_terms(const Model& model, const LinExpr* expr, double mult, LibraryT
 void append_var(const Model& model, const Handle* var, double mult, LibraryTerms& buffer);
 // The expression itself when it is flat, otherwise a flattened copy.
 py::object flat_copy(py::handle expr);
-// A new Constr for a row that the library took in, at the end of the model's list.
-py::object append_constr(Model& model);
 // ord(text[0]) as one byte.
 char first_char(py::handle text);
 // "name[key]" with the parts of the key joined by commas; "" for an empty name.

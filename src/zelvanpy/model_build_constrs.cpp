@@ -38,35 +38,41 @@ const Name RowName::kNoName("");
 // ---- rows from expressions
 
 struct Row {
-    char sense;
+    char sense = ZVN_LESS_EQUAL;
     double lower = -ZVN_INFINITY;  // not infinite: a range row
     double upper = 0.0;
 };
 
 py::object add_buffered_row(Model& self, LibraryTerms& terms, const Row& row, const char* name) {
     terms.clean();
+    // First: making an object may run finalizers, which must not find the row without its handle.
+    py::object constr = steal(new_handle(Constr_Type, self.cmodel, -1));
+    const bool indexed = model_update_mode(self) == 1;
     ZVNmodel* model = model_pointer(self);
     const int code = row.lower == -ZVN_INFINITY
                          ? ZVNaddconstr(model, terms.size(), terms.ind(), terms.val(), row.sense, row.upper, name)
                          : ZVNaddrangeconstr(model, terms.size(), terms.ind(), terms.val(), row.lower, row.upper, name);
     check(code, as_object(self));
-    return append_constr(self);
+    if (indexed) as_handle(constr)->index = static_cast<int>(PyList_GET_SIZE(self.constrs));
+    checked(PyList_Append(self.constrs, constr.ptr()));
+    return constr;
 }
 
-// The worker of all rows: the constant of the expression moves to the sides.
-py::object add_row(Model& self, py::handle expr, Row row, PyObject* name) {
+// The worker of all rows: the constant of the expression moves to the sides. A given sense replaces that of the row.
+py::object add_row(Model& self, py::handle expr, Row row, PyObject* name, PyObject* sense = nullptr) {
     model_setup(self);
     py::object linear = borrow(expr);
     if (is_var(expr) || (!is_linexpr(expr) && is_scalar(expr)))
         linear = steal(PyObject_CallFunctionObjArgs(reinterpret_cast<PyObject*>(LinExpr_Type), expr.ptr(), nullptr));
     if (!is_linexpr(linear)) raise_zelvan(0, kInvalid);
+    if (sense) row.sense = first_char(sense);
     const py::object flat = flat_copy(linear);
     const LinExpr* terms = as_linexpr(flat);
     row.upper -= terms->constant;
     if (row.lower != -ZVN_INFINITY) row.lower -= terms->constant;
-    const RowName text(name);
     CallBuffer buffer;
     append_terms(self, terms, 1.0, *buffer);
+    const RowName text(name);
     return add_buffered_row(self, *buffer, row, text);
 }
 
@@ -105,12 +111,13 @@ bool add_difference(Model& self, TempConstr* constr, PyObject* name, py::object&
     model_setup(self);
     const py::object left = flat_copy(constr->lhs);
     const LinExpr* terms = as_linexpr(left);
-    const RowName text(name);
+    const Row row{constr->sense, -ZVN_INFINITY, right.constant - terms->constant};
     CallBuffer buffer;
     append_terms(self, terms, 1.0, *buffer);
     if (right.var) append_var(self, right.var, -1.0, *buffer);
     if (right.expr) append_terms(self, as_linexpr(right.expr), -1.0, *buffer);
-    result = add_buffered_row(self, *buffer, {constr->sense, -ZVN_INFINITY, right.constant - terms->constant}, text);
+    const RowName text(name);
+    result = add_buffered_row(self, *buffer, row, text);
     return true;
 }
 
@@ -186,13 +193,12 @@ struct LinearSide {
 // A constant side must convert to a float; anything else is refused.
 LinearSide linear_side(py::handle side) {
     LinearSide result;
-    const py::object keep = borrow(side);
+    result.keep = borrow(side);
     if (Py_TYPE(side.ptr()) == LinExpr_Type) {
         result.keep = flat_copy(side);
         result.expr = as_linexpr(result.keep);
         result.constant = result.expr->constant;
     } else if (is_var(side)) {
-        result.keep = borrow(side);
         result.var = as_handle(side);
     } else {
         const py::object number = PyFloat_CheckExact(side.ptr())
@@ -276,7 +282,7 @@ py::object add_constr(Model& self, PyObject* lhs, PyObject* sense, PyObject* rhs
         raise_zelvan(ZVN_ERROR_INVALID_ARGUMENT, "Invalid None value for lhs when calling Model.addConstr");
     const py::object expr = difference(lhs, rhs);
     checked(PyErr_WarnEx(PyExc_DeprecationWarning, "Deprecated, pass a TempConstr or use Model.addLConstr", 1));
-    return add_row(self, expr, {first_char(sense ? sense : Py_None)}, name);
+    return add_row(self, expr, {}, name, sense ? sense : Py_None);
 }
 
 }  // namespace
@@ -313,7 +319,7 @@ py::object Model_addQConstr(Model& self, Args args) {
     if (lhs == Py_None)
         raise_zelvan(ZVN_ERROR_INVALID_ARGUMENT, "Invalid None value for lhs when calling Model.addQConstr");
     const py::object expr = difference(lhs, rhs);
-    return add_row(self, expr, {first_char(sense ? sense : Py_None)}, name);
+    return add_row(self, expr, {}, name, sense ? sense : Py_None);
 }
 
 py::object Model_addRange(Model& self, Args args) {

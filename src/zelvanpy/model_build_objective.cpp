@@ -64,26 +64,24 @@ void Model_setObjectiveN(Model& self, Args args) {
     const py::object linear = linear_form(expr);
     const LinExpr* terms = as_linexpr(linear);
     const double constant = terms->constant;
-    LibraryTerms buffer;  // not the shared one: the conversions run Python code
-    append_terms(self, terms, 1.0, buffer);
+    CallBuffer buffer;
+    append_terms(self, terms, 1.0, *buffer);
     const CString text(name ? borrow(name) : steal(PyUnicode_FromString("")));
     const int number = to_int(index);
     const int rank = priority ? to_int(priority) : 0;
     const double factor = weight ? to_float(weight) : 1.0;
     const double absolute = abstol ? to_float(abstol) : 1e-6;
     const double relative = reltol ? to_float(reltol) : 0.0;
-    check(ZVNsetobjectiven(model_pointer(self), number, rank, factor, absolute, relative, text, constant, buffer.size(),
-                           buffer.ind(), buffer.val()),
+    check(ZVNsetobjectiven(model_pointer(self), number, rank, factor, absolute, relative, text, constant,
+                           buffer->size(), buffer->ind(), buffer->val()),
           as_object(self));
 }
 
 namespace {
 
-// constant + the non-zero coefficients, in column order.
-py::object objective_of(Model& self, const char* constant, const char* coefficients) {
+// Sets the expression, new, to the constant + the non-zero coefficients, in column order.
+void read_objective(Model& self, const char* constant, const char* coefficients, LinExpr* expr) {
     ZVNmodel* model = model_pointer(self);
-    py::object result = steal(reinterpret_cast<PyObject*>(new_linexpr()));
-    LinExpr* expr = as_linexpr(result);
     check(ZVNgetdblattr(model, constant, &expr->constant), as_object(self));
     const int count = static_cast<int>(self.live_vars);
     std::vector<int> index(count);
@@ -92,7 +90,6 @@ py::object objective_of(Model& self, const char* constant, const char* coefficie
     check(ZVNgetdblattrlist(model, coefficients, count, index.data(), coeff.data()), as_object(self));
     for (int j = 0; j < count; ++j)
         if (coeff[j] != 0.0) linexpr_append(expr, coeff[j], as_handle(PyList_GET_ITEM(self.vars, j)));
-    return result;
 }
 
 // Puts the parameter ObjNumber back at the end of a scope.
@@ -115,9 +112,17 @@ private:
 py::object Model_getObjective(Model& self, Args args) {
     const auto [index] = kGetObjective.parse(args);
     model_setup(self);
-    if (!index || index == Py_None) return objective_of(self, "ObjCon", "Obj");
-    const ObjNumberScope scope(self, to_int(index));
-    return objective_of(self, "ObjNCon", "ObjN");
+    const bool is_main = !index || index == Py_None;
+    const int number = is_main ? 0 : to_int(index);
+    py::object result = steal(reinterpret_cast<PyObject*>(new_linexpr()));
+    require_open(self);  // making an object may run code of the caller
+    if (is_main) {
+        read_objective(self, "ObjCon", "Obj", as_linexpr(result));
+    } else {
+        const ObjNumberScope scope(self, number);
+        read_objective(self, "ObjNCon", "ObjN", as_linexpr(result));
+    }
+    return result;
 }
 
 void Model_setPWLObj(Model& self, Args args) {
@@ -142,8 +147,8 @@ void Model_setPWLObj(Model& self, Args args) {
 py::object Model_getPWLObj(Model& self, Args args) {
     const auto [var] = kGetPWLObj.parse(args);
     require_var(var);
-    model_setup(self);
     const int col = as_handle(var)->cindex();
+    if (col >= 0) model_setup(self);
     if (col < 0 || col >= self.live_vars) raise_zelvan(ZVN_ERROR_NOT_IN_MODEL, "Variable not in model");
     ZVNmodel* model = model_pointer(self);
     int count = 0;

@@ -443,14 +443,20 @@ py::object Model_addVar(Model& self, Args args) {
     const double lower = lb ? to_double(lb) : 0.0;
     const double upper = ub ? to_double(ub) : ZVN_INFINITY;
     const double cost = obj ? to_double(obj) : 0.0;
+    // First: making an object may run finalizers, which must not find the column without its handle.
+    py::object var = steal(new_handle(Var_Type, self.cmodel, -1));
     const auto add = [&](const char* text) {
-        return ZVNaddvar(model_pointer(self), entries.size(), entries.ind(), entries.val(), cost, lower, upper, type,
-                         text);
+        const bool indexed = model_update_mode(self) == 1;
+        check(ZVNaddvar(model_pointer(self), entries.size(), entries.ind(), entries.val(), cost, lower, upper, type,
+                        text),
+              as_object(self));
+        if (indexed) as_handle(var)->index = static_cast<int>(PyList_GET_SIZE(self.vars));
+        checked(PyList_Append(self.vars, var.ptr()));
     };
-    check(!name || is_empty_string(name) ? add(nullptr) : add(CString(name)), as_object(self));
-    const int col = model_update_mode(self) == 1 ? static_cast<int>(PyList_GET_SIZE(self.vars)) : -1;
-    py::object var = steal(new_handle(Var_Type, self.cmodel, col));
-    checked(PyList_Append(self.vars, var.ptr()));
+    if (!name || is_empty_string(name))
+        add(nullptr);
+    else
+        add(CString(name));
     return var;
 }
 
