@@ -158,9 +158,9 @@ def memory_of_model(count):
     return float(out.stdout)
 
 
-def growth(table, name, make, count):
+def growth(table, name, make, count, bar=2.2):
     ratio = timing.compare(make(2 * count), make(count), repeats=5, number=1)
-    table.row(name + ": 2n over n", ratio, bar=2.2)
+    table.row(name + ": 2n over n", ratio, bar=bar)
 
 
 def main():
@@ -179,6 +179,7 @@ def main():
 
     growth(table, "addVar", add_var_loop, calls // 2)
     growth(table, "addVars", lambda n: lambda: add_vars_flat(n), N // 2)
+    growth(table, "a plain dict of as many keys", lambda n: lambda: dict.fromkeys(range(n)), N // 2, bar=None)
     subject, baseline = measure_rows(calls, 5), measure_rows(calls // 2, 5)
     table.note("addConstr: 2n over n", subject.subject / baseline.subject, bar=2.2)
     subject, baseline = measure_add_constrs(SIDE, 3), measure_add_constrs(int(SIDE / 2**0.5), 3)
