@@ -16,6 +16,21 @@ bool add_to_sum(py::handle result, PyObject* term) {
     return Py_TYPE(result.ptr()) == LinExpr_Type && add_known<double_linexpr>(as_linexpr(result), term);
 }
 
+// A product that only the sum holds gives its variable away; false for any other term.
+bool take_term(py::handle result, const py::object& term) {
+    LinExpr* const from = as_linexpr(term);
+    if (Py_TYPE(term.ptr()) != LinExpr_Type || Py_REFCNT(term.ptr()) != 1 || from->size != 1 || from->tail ||
+        Py_TYPE(result.ptr()) != LinExpr_Type)
+        return false;
+    LinExpr* const to = as_linexpr(result);
+    if (to->size == to->capacity) double_linexpr(to);
+    to->terms[to->size++] = from->terms[0];
+    from->size = 0;
+    to->constant += from->constant;
+    if (!is_inert(to->terms[to->size - 1].var)) wake_linexpr(to);
+    return true;
+}
+
 void sum_list(py::object& result, PyObject* list) {
     linexpr_reserve(as_linexpr(result), PyList_GET_SIZE(list));
     for (Py_ssize_t i = 0; i < PyList_GET_SIZE(list); ++i) {
@@ -30,7 +45,8 @@ void sum_iterable(py::object& result, py::handle terms) {
     const iternextfunc next = Py_TYPE(iterator.ptr())->tp_iternext;
     while (PyObject* element = next(iterator.ptr())) {
         const py::object term = py::reinterpret_steal<py::object>(element);
-        if (!add_to_sum(result, element)) result = steal(PyNumber_InPlaceAdd(result.ptr(), element));
+        if (!take_term(result, term) && !add_to_sum(result, element))
+            result = steal(PyNumber_InPlaceAdd(result.ptr(), element));
     }
     if (!PyErr_Occurred()) return;
     if (!PyErr_ExceptionMatches(PyExc_StopIteration)) throw PythonError{};
