@@ -21,7 +21,7 @@ struct Model {
     PyObject* weakrefs;
     Py_ssize_t live_vars;  // how many leading entries existed at the last update
     Py_ssize_t live_constrs;
-    int new_ranges;     // range rows whose helper column the next update brings
+    int new_ranges;     // range rows added since the last update, which may bring helper columns
     int update_mode;    // cached UpdateMode, -1 not cached
     bool deleted_vars;  // some Var is marked for removal
     bool deleted_constrs;
