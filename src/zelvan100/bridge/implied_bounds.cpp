@@ -31,7 +31,7 @@ struct Sum {
 
 class Tightener {
 public:
-    explicit Tightener(const SolverModel& problem) : problem_(problem), bounds_{problem.lb, problem.ub} {}
+    explicit Tightener(const Problem& problem) : problem_(problem), bounds_{problem.lb, problem.ub} {}
 
     bool pass() {
         bool changed = false;
@@ -73,13 +73,13 @@ private:
         return new_lower || new_upper;
     }
 
-    const SolverModel& problem_;
+    const Problem& problem_;
     ColumnBounds bounds_;
 };
 
 }  // namespace
 
-ColumnBounds implied_bounds(const SolverModel& problem) {
+ColumnBounds implied_bounds(const Problem& problem) {
     Tightener tightener(problem);
     for (int pass = 0; pass < kPasses && tightener.pass();) ++pass;
     return tightener.take();

@@ -1,6 +1,6 @@
 #pragma once
 
-#include "solve/solver_model.h"
+#include "solve/problem.h"
 
 namespace zelvan {
 
@@ -10,6 +10,6 @@ struct ColumnBounds {
 
 // Bounds of all columns as the rows imply them, never looser than the columns' own: what a row leaves for
 // a column when all others are at their best. A few passes over the matrix.
-ColumnBounds implied_bounds(const SolverModel& problem);
+ColumnBounds implied_bounds(const Problem& problem);
 
 }  // namespace zelvan

@@ -127,9 +127,9 @@ private:
     double lower_, upper_;
 };
 
-void add_convex(SolverModel& problem, int j, const Piece& piece, double weight) {
+void add_convex(Problem& problem, int j, const Piece& piece, double weight) {
     problem.offset += weight * piece.value;
-    SolverModel::Terms terms{{j, 1.0}};
+    Problem::Terms terms{{j, 1.0}};
     for (const Segment& segment : piece.segments) {
         const bool left = segment.width < 0.0;
         const int d = problem.add_col(left ? -kInf : 0.0, left ? 0.0 : segment.width, weight * segment.slope, false);
@@ -138,8 +138,8 @@ void add_convex(SolverModel& problem, int j, const Piece& piece, double weight) 
     problem.add_row(terms, piece.begin, piece.begin);
 }
 
-void add_pieces(SolverModel& problem, int j, const std::vector<Piece>& pieces, double weight) {
-    SolverModel::Terms sum{{j, 1.0}}, one;
+void add_pieces(Problem& problem, int j, const std::vector<Piece>& pieces, double weight) {
+    Problem::Terms sum{{j, 1.0}}, one;
     for (const Piece& piece : pieces) {
         const int z = problem.add_col(0.0, 1.0, weight * piece.value, true);
         one.emplace_back(z, 1.0);
@@ -161,7 +161,7 @@ bool is_unlimited(const std::vector<Piece>& pieces) {
     });
 }
 
-void bridge_term(const ModelData& data, SolverModel& problem, int j, const PwlPoints& points, double weight,
+void bridge_term(const ModelData& data, Problem& problem, int j, const PwlPoints& points, double weight,
                  std::optional<ColumnBounds>& implied) {
     const double direction = problem.sense * (weight < 0.0 ? -1.0 : 1.0);
     Function function(points, problem.lb[j], problem.ub[j]);
@@ -187,7 +187,7 @@ void bridge_term(const ModelData& data, SolverModel& problem, int j, const PwlPo
 
 }  // namespace
 
-void bridge_pwl_objective(const ModelData& data, SolverModel& problem, double weight) {
+void bridge_pwl_objective(const ModelData& data, Problem& problem, double weight) {
     std::optional<ColumnBounds> implied;
     for (const auto& [j, points] : data.pwl_obj) bridge_term(data, problem, j, points, weight, implied);
 }

@@ -19,13 +19,13 @@
 //   a model that stays an LP.
 
 #include "core/model_data.h"
-#include "solve/solver_model.h"
+#include "solve/problem.h"
 
 namespace zelvan {
 
 // Adds `weight` times each term to the objective of the problem. Throws Error when a term that isn't
 // convex needs a bound on its column and none is implied.
-void bridge_pwl_objective(const ModelData& data, SolverModel& problem, double weight);
+void bridge_pwl_objective(const ModelData& data, Problem& problem, double weight);
 
 // f(x); at a jump the smaller value for direction 1, the larger one for -1.
 double pwl_value(const PwlPoints& points, double x, double direction);

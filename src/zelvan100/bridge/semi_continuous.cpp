@@ -19,7 +19,7 @@ struct Gap {
 };
 
 // Makes the bounds of the column the hull of 0 and its interval. The answer is whether there is a gap.
-bool widen_to_hull(SolverModel& problem, int j) {
+bool widen_to_hull(Problem& problem, int j) {
     const double lower = problem.lb[j], upper = problem.ub[j];
     if (lower > upper) {
         problem.lb[j] = problem.ub[j] = 0.0;
@@ -32,7 +32,7 @@ bool widen_to_hull(SolverModel& problem, int j) {
 
 }  // namespace
 
-void bridge_semi_continuous(const ModelData& data, SolverModel& problem) {
+void bridge_semi_continuous(const ModelData& data, Problem& problem) {
     std::vector<Gap> gaps;
     bool bounded = true;
     for (int j = 0; j < data.cols.size(); ++j) {

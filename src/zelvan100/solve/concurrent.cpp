@@ -46,7 +46,7 @@ private:
 
 }  // namespace
 
-SolverResult run_concurrently(HighsSession& session, const SolverModel& problem, Monitor& monitor,
+SolverResult run_concurrently(HighsSession& session, const Problem& problem, Monitor& monitor,
                               const ParamValues& params, int& winner) {
     std::atomic<int> first{0};
     SolverResult by_barrier;

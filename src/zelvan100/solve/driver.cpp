@@ -74,8 +74,8 @@ void log_end(Model& model) {
 }
 
 // The objective may be no worse than Cutoff, as a row of a MIP.
-void add_cutoff(SolverModel& problem, double cutoff) {
-    SolverModel::Terms terms;
+void add_cutoff(Problem& problem, double cutoff) {
+    Problem::Terms terms;
     for (int j = 0; j < problem.num_cols(); ++j)
         if (problem.cost[j] != 0.0) terms.emplace_back(j, problem.cost[j]);
     constexpr double kInf = std::numeric_limits<double>::infinity();
@@ -120,7 +120,7 @@ void store_counts(const Run& run, Solution& solution) {
     solution.concurrent_winner = run.concurrent_winner;
 }
 
-Solution solve_single(const ModelData& data, SolverModel problem, Run& run) {
+Solution solve_single(const ModelData& data, Problem problem, Run& run) {
     const ParamValues& params = run.params;
     bridge_pwl_objective(data, problem, 1.0);
     Solution solution;
@@ -143,7 +143,7 @@ Solution solve_single(const ModelData& data, SolverModel problem, Run& run) {
 }
 
 Solution solve(Model& model) {
-    SolverModel problem(model.data);
+    Problem problem(model.data);
     bridge_semi_continuous(model.data, problem);
     Run run(model);
     Solution solution = model.data.objectives.size() > 1 ? solve_multi_objective(model.data, std::move(problem), run)

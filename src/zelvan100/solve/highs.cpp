@@ -58,7 +58,7 @@ std::uint64_t mix(std::uint64_t hash, std::uint64_t word) {
     return hash ^ (hash >> 32);
 }
 
-std::uint64_t hash_matrix(const SolverModel& model) {
+std::uint64_t hash_matrix(const Problem& model) {
     std::uint64_t hash = mix(model.num_cols(), model.num_rows());
     for (int start : model.start) hash = mix(hash, start);
     for (int k = 0; k < model.num_entries(); ++k)
@@ -237,7 +237,7 @@ void HighsSession::set_option(const char* name, const char* value) {
     check(Highs_setStringOptionValue(highs_, name, value), name);
 }
 
-void HighsSession::load(const SolverModel& model) {
+void HighsSession::load(const Problem& model) {
     const std::uint64_t hash = hash_matrix(model);
     const bool same_matrix = loaded_ && hash == matrix_hash_ && cost_.size() == model.cost.size() &&
                              row_lower_.size() == model.row_lower.size();
@@ -262,7 +262,7 @@ void HighsSession::load(const SolverModel& model) {
     set_basis(basis);
 }
 
-void HighsSession::pass(const SolverModel& model) {
+void HighsSession::pass(const Problem& model) {
     const std::vector<HighsInt> types = model.is_mip() ? integrality(model.integer) : std::vector<HighsInt>();
     check(Highs_passModel(highs_, model.num_cols(), model.num_rows(), model.num_entries(), 0, kHighsMatrixFormatRowwise,
                           kHighsHessianFormatTriangular, model.sense, model.offset, model.cost.data(), model.lb.data(),
@@ -271,7 +271,7 @@ void HighsSession::pass(const SolverModel& model) {
           "take the model");
 }
 
-void HighsSession::pass_changes(const SolverModel& model) {
+void HighsSession::pass_changes(const Problem& model) {
     if (model.sense != sense_) check(Highs_changeObjectiveSense(highs_, model.sense), "change the sense");
     if (model.offset != offset_) check(Highs_changeObjectiveOffset(highs_, model.offset), "change the offset");
     if (const auto [first, last] = differing(cost_, model.cost); first <= last)

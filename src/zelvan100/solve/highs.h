@@ -9,7 +9,7 @@
 #include <string_view>
 #include <vector>
 
-#include "solve/solver_model.h"
+#include "solve/problem.h"
 
 namespace zelvan {
 
@@ -78,7 +78,7 @@ public:
 
     // Hands the model over; after the first call only what differs. The basis stays, and the latest
     // solution of a MIP where it is still feasible.
-    void load(const SolverModel& model);
+    void load(const Problem& model);
     // Costs of all columns for a further solve of the loaded model.
     void change_costs(const std::vector<double>& cost, double offset);
     void forget_basis();
@@ -105,8 +105,8 @@ private:
     struct Callback;  // what HiGHS calls
 
     void check(int status, const char* what);
-    void pass(const SolverModel& model);
-    void pass_changes(const SolverModel& model);
+    void pass(const Problem& model);
+    void pass_changes(const Problem& model);
     SolverResult fetch();
     std::vector<double> certificate(std::size_t size, int (*get)(const void*, int*, double*));
 

@@ -51,7 +51,7 @@ Monitor::Monitor(Model& model, const ParamValues& params)
     model.watch_signal = false;
 }
 
-void Monitor::begin_run(const SolverModel& model) {
+void Monitor::begin_run(const Problem& model) {
     work_unit_ = kWorkOfIteration * (static_cast<double>(model.num_rows()) + model.num_cols() + model.num_entries());
     found_.clear();
     num_solutions_ = 0;

@@ -22,7 +22,7 @@ public:
     Monitor(Model& model, const ParamValues& params);
 
     // Begins a run on a model of this size.
-    void begin_run(const SolverModel& model);
+    void begin_run(const Problem& model);
     // Work and simplex iterations of earlier runs, on top of which those of the next one count.
     void begin_count(double work_before, double iterations_before);
     double elapsed() const;  // seconds since this was made

@@ -26,7 +26,7 @@ struct Blend {
 
 class Hierarchy {
 public:
-    Hierarchy(const ModelData& data, SolverModel base, Run& run) : data_(data), problem_(std::move(base)), run_(run) {
+    Hierarchy(const ModelData& data, Problem base, Run& run) : data_(data), problem_(std::move(base)), run_(run) {
         const double weight = data.objectives[0].weight;
         for (int j = 0; j < data.cols.size(); ++j) problem_.cost[j] = weight * data.cols.obj[j];
         problem_.offset = weight * data.obj_constant;
@@ -85,7 +85,7 @@ private:
             const double tolerance = std::max(objective.abs_tol, objective.rel_tol * std::abs(values[k]));
             allowance = std::max(allowance, std::abs(objective.weight) * tolerance);
         }
-        SolverModel::Terms terms;
+        Problem::Terms terms;
         double reached = 0.0;
         for (int j = 0; j < problem_.num_cols(); ++j) {
             if (problem_.cost[j] == 0.0) continue;
@@ -113,7 +113,7 @@ private:
     }
 
     const ModelData& data_;
-    SolverModel problem_;
+    Problem problem_;
     Run& run_;
     Blend main_;  // the main objective with its weight, over the columns of the problem
 };
@@ -135,7 +135,7 @@ std::vector<double> objective_values(const ModelData& data, const std::vector<do
     return values;
 }
 
-Solution solve_multi_objective(const ModelData& data, SolverModel base, Run& run) {
+Solution solve_multi_objective(const ModelData& data, Problem base, Run& run) {
     return Hierarchy(data, std::move(base), run).solve();
 }
 

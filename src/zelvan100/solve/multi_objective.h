@@ -8,7 +8,7 @@ namespace zelvan {
 // their weights. Each later solve may worsen what the earlier ones reached by the tolerances of their
 // objectives: by the largest of weight * max(ObjNAbsTol, ObjNRelTol * |value|) within a priority.
 // `base` is the model without objective.
-Solution solve_multi_objective(const ModelData& data, SolverModel base, Run& run);
+Solution solve_multi_objective(const ModelData& data, Problem base, Run& run);
 
 // Values of all objectives at a point.
 std::vector<double> objective_values(const ModelData& data, const std::vector<double>& x);

@@ -75,7 +75,7 @@ double pivot_threshold(const ParamValues& params) {
 }
 
 // HiGHS counts single reductions where we have passes: a pass is taken for one on each 20th row or column.
-void set_presolve_passes(HighsSession& session, int passes, const SolverModel& model) {
+void set_presolve_passes(HighsSession& session, int passes, const Problem& model) {
     if (passes == 0) session.set_option("presolve", "off");
     const double reductions = std::ceil(passes * (static_cast<double>(model.num_cols()) + model.num_rows()) / 20.0);
     session.set_option("presolve_reduction_limit", passes > 0 ? clamped(reductions) : -1);
@@ -83,7 +83,7 @@ void set_presolve_passes(HighsSession& session, int passes, const SolverModel& m
 
 }  // namespace
 
-void set_options(HighsSession& session, const ParamValues& params, const SolverModel& model) {
+void set_options(HighsSession& session, const ParamValues& params, const Problem& model) {
     for (const auto& option : kIntOptions) session.set_option(option.name, params.get_int(option.param));
     for (const auto& option : kDoubleOptions)
         session.set_option(option.name, std::max(option.minimum, params.get_dbl(option.param)));

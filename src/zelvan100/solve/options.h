@@ -7,6 +7,6 @@ namespace zelvan {
 
 // The parameters that HiGHS has options for. Limits of time and of what is counted across several runs
 // are set by the driver.
-void set_options(HighsSession& session, const ParamValues& params, const SolverModel& model);
+void set_options(HighsSession& session, const ParamValues& params, const Problem& model);
 
 }  // namespace zelvan

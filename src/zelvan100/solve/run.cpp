@@ -16,9 +16,9 @@ constexpr int kPrimalSimplex = 4;  // of the HiGHS option simplex_strategy
 
 }  // namespace
 
-bool is_trivial(const SolverModel& problem) { return problem.num_cols() == 0 || problem.has_empty_range(); }
+bool is_trivial(const Problem& problem) { return problem.num_cols() == 0 || problem.has_empty_range(); }
 
-SolverResult solve_trivial(const SolverModel& problem, double tolerance) {
+SolverResult solve_trivial(const Problem& problem, double tolerance) {
     SolverResult result;
     result.outcome = Outcome::kInfeasible;
     if (problem.has_empty_range()) return result;
@@ -42,7 +42,7 @@ Run::Run(Model& model) : params(model.env.settings()), monitor(model, params), m
 
 Run::~Run() { session().attach(nullptr); }
 
-SolverResult Run::solve(const SolverModel& problem, const Start& start) {
+SolverResult Run::solve(const Problem& problem, const Start& start) {
     monitor.begin_run(problem);
     SolverResult result;
     result.bound = -problem.sense * std::numeric_limits<double>::infinity();
@@ -63,7 +63,7 @@ SolverResult Run::solve(const SolverModel& problem, const Start& start) {
     return result;
 }
 
-void Run::pass_start(const SolverModel& problem, const Start& start) {
+void Run::pass_start(const Problem& problem, const Start& start) {
     const bool is_mip = problem.is_mip();
     if (is_mip && !start.x.empty() && !session().set_start(start.x))
         monitor.log("The start violates bounds and is not used\n");
@@ -71,7 +71,7 @@ void Run::pass_start(const SolverModel& problem, const Start& start) {
     if (!session().set_basis(start.basis)) monitor.log("The start basis is not a basis and is not used\n");
 }
 
-SolverResult Run::run_loaded(const SolverModel& problem) {
+SolverResult Run::run_loaded(const Problem& problem) {
     SolverResult result = run_method(problem);
     if (result.outcome == Outcome::kUnknown && !problem.is_mip() && !monitor.stop_status()) {
         monitor.log("The result is uncertain: solving anew by primal simplex without presolve\n");
@@ -88,7 +88,7 @@ SolverResult Run::run_loaded(const SolverModel& problem) {
     return result;
 }
 
-SolverResult Run::run_method(const SolverModel& problem) {
+SolverResult Run::run_method(const Problem& problem) {
     if (params.get_int(Param::Method) == kConcurrent && !problem.is_mip()) {
         SolverResult result = run_concurrently(session(), problem, monitor, params, concurrent_winner);
         end_run(result);
@@ -105,7 +105,7 @@ SolverResult Run::run_session() {
 }
 
 // A model without optimum is unbounded when it has a feasible point.
-SolverResult Run::tell_apart(const SolverModel& problem) {
+SolverResult Run::tell_apart(const Problem& problem) {
     monitor.log("Solving without objective to tell infeasible from unbounded\n");
     session().change_costs(std::vector<double>(problem.cost.size(), 0.0), 0.0);
     SolverResult result = run_loaded(problem);

@@ -27,16 +27,16 @@ public:
         Basis basis;            // for an LP
     };
     // Solves with `params`.
-    SolverResult solve(const SolverModel& problem, const Start& start = {});
+    SolverResult solve(const Problem& problem, const Start& start = {});
     // The value of the attribute Status that the outcome means.
     int status_of(const SolverResult& result) const;
     HighsSession& session() { return *model_.session; }
 
 private:
-    SolverResult run_loaded(const SolverModel& problem);
-    void pass_start(const SolverModel& problem, const Start& start);
-    SolverResult tell_apart(const SolverModel& problem);
-    SolverResult run_method(const SolverModel& problem);
+    SolverResult run_loaded(const Problem& problem);
+    void pass_start(const Problem& problem, const Start& start);
+    SolverResult tell_apart(const Problem& problem);
+    SolverResult run_method(const Problem& problem);
     SolverResult run_session();
     void end_run(const SolverResult& result);
 
@@ -44,7 +44,7 @@ private:
 };
 
 // A model without columns, or with a range that holds no value: solved without HiGHS.
-bool is_trivial(const SolverModel& problem);
-SolverResult solve_trivial(const SolverModel& problem, double tolerance);
+bool is_trivial(const Problem& problem);
+SolverResult solve_trivial(const Problem& problem, double tolerance);
 
 }  // namespace zelvan

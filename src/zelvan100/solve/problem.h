@@ -10,12 +10,12 @@
 
 namespace zelvan {
 
-class SolverModel {
+class Problem {
 public:
     // Takes over bounds, rows and types. Semi-continuous types, piecewise-linear terms and further
     // objectives are left to the bridges. The matrix stays in `data` until a bridge adds to it.
     // Throws Error when a coefficient is beyond what HiGHS computes with.
-    explicit SolverModel(const ModelData& data);
+    explicit Problem(const ModelData& data);
 
     int sense = 1;
     double offset = 0.0;

@@ -1,4 +1,4 @@
-#include "solve/solver_model.h"
+#include "solve/problem.h"
 
 #include <algorithm>
 #include <cmath>
@@ -36,7 +36,7 @@ void check_matrix(const ModelData& data) {
 
 }  // namespace
 
-SolverModel::SolverModel(const ModelData& data)
+Problem::Problem(const ModelData& data)
     : sense(data.sense),
       offset(data.obj_constant),
       cost(data.cols.obj),
@@ -68,11 +68,11 @@ SolverModel::SolverModel(const ModelData& data)
     }
 }
 
-bool SolverModel::is_mip() const {
+bool Problem::is_mip() const {
     return std::any_of(integer.begin(), integer.end(), [](char value) { return value != 0; });
 }
 
-bool SolverModel::has_empty_range() const {
+bool Problem::has_empty_range() const {
     constexpr double kInf = std::numeric_limits<double>::infinity();
     const auto has = [](const std::vector<double>& values, double value) {
         return std::find(values.begin(), values.end(), value) != values.end();
@@ -80,7 +80,7 @@ bool SolverModel::has_empty_range() const {
     return has(lb, kInf) || has(ub, -kInf) || has(row_lower, kInf) || has(row_upper, -kInf);
 }
 
-bool SolverModel::is_feasible(const std::vector<double>& x, double tolerance) const {
+bool Problem::is_feasible(const std::vector<double>& x, double tolerance) const {
     for (int j = 0; j < num_cols(); ++j) {
         if (x[j] < lb[j] - tolerance || x[j] > ub[j] + tolerance) return false;
         if (integer[j] && std::abs(x[j] - std::round(x[j])) > tolerance) return false;
@@ -93,7 +93,7 @@ bool SolverModel::is_feasible(const std::vector<double>& x, double tolerance) co
     return true;
 }
 
-int SolverModel::add_col(double lower, double upper, double objective, bool is_integer) {
+int Problem::add_col(double lower, double upper, double objective, bool is_integer) {
     lb.push_back(lower);
     ub.push_back(upper);
     cost.push_back(objective);
@@ -101,7 +101,7 @@ int SolverModel::add_col(double lower, double upper, double objective, bool is_i
     return num_cols() - 1;
 }
 
-int SolverModel::add_row(const Terms& terms, double lower, double upper) {
+int Problem::add_row(const Terms& terms, double lower, double upper) {
     if (!own_matrix_) {
         col_.assign(model_col_, model_col_ + num_entries());
         val_.assign(model_val_, model_val_ + num_entries());
