@@ -75,7 +75,7 @@ int ZVNgetattrinfo(ZVNmodel* model, const char* name, int* type, int* kind, int*
     return with_model(model, [&](Model&) {
         const AttrSpec& spec = attr_spec(known_attr(name));
         if (type) *type = spec.type;
-        if (kind) *kind = spec.kind;
+        if (kind) *kind = static_cast<int>(spec.kind);
         if (settable) *settable = spec.settable;
     });
 }

@@ -53,8 +53,8 @@ int ZVNreset(ZVNmodel* model, int clearall) {
         m.discard_solution();
         m.session.reset();
         if (clearall) {
-            m.data.cols.optional.clear();
-            m.data.rows.optional.clear();
+            for (Identity* family : {static_cast<Identity*>(&m.data.cols), static_cast<Identity*>(&m.data.rows)})
+                family->optional.clear();
         }
     });
 }

@@ -10,17 +10,6 @@ namespace {
 
 constexpr const char* kTypeNames[] = {"char", "int", "double", "string"};
 
-struct Kind {
-    const char* singular;
-    const char* plural;
-};
-constexpr Kind kKinds[] = {{"the model", "models"},
-                           {"variable", "variables"},
-                           {"constraint", "constraints"},
-                           {"SOS constraint", "SOS constraints"},
-                           {"quadratic constraint", "quadratic constraints"},
-                           {"general constraint", "general constraints"}};
-
 std::string quoted(const AttrSpec& spec) { return std::string("attribute '") + spec.name + "'"; }
 
 std::string number_text(double value) {
@@ -47,16 +36,12 @@ int attr_of_type(const char* name, AttrType type) {
     return attr;
 }
 
-int size_of(const Model& model, AttrKind kind) {
-    return kind == kVar ? model.num_cols() : kind == kConstr ? model.num_rows() : 0;
-}
+int size_of(const Model& model, Kind kind) { return model.data.size(kind); }
 
-int limit_of(const Model& model, AttrKind kind) {
-    return kind == kVar ? model.col_limit() : kind == kConstr ? model.row_limit() : 0;
-}
+int limit_of(const Model& model, Kind kind) { return model.data.size(kind) + model.queue.size(kind); }
 
 [[noreturn]] void refuse_index(const Model& model, const AttrSpec& spec, int i) {
-    const Kind& kind = kKinds[spec.kind];
+    const KindSpec& kind = spec_of(spec.kind);
     const int size = size_of(model, spec.kind);
     if (i >= size && i < limit_of(model, spec.kind))
         throw Error(ZVN_ERROR_INDEX_OUT_OF_RANGE, "Unable to retrieve " + quoted(spec) + " of " + kind.singular + " " +
@@ -118,8 +103,8 @@ const AttrSpec& settable(int attr) {
 }
 
 std::string of_object(const AttrSpec& spec, int i) {
-    std::string text = quoted(spec) + " of " + kKinds[spec.kind].singular;
-    return spec.kind == kModel ? text : text + " " + std::to_string(i);
+    std::string text = quoted(spec) + " of " + spec_of(spec.kind).singular;
+    return spec.kind == Kind::kModel ? text : text + " " + std::to_string(i);
 }
 
 [[noreturn]] void refuse_value(const AttrSpec& spec, int i, double value, const std::string& expected) {
@@ -196,7 +181,7 @@ void check_write_indices(const Model& model, const AttrSpec& spec, int n, const 
         if (ind[k] < 0 || ind[k] >= limit)
             throw Error(ZVN_ERROR_INDEX_OUT_OF_RANGE, "Index " + std::to_string(ind[k]) + " for " + quoted(spec) +
                                                           " is out of range: the model has " + std::to_string(limit) +
-                                                          " " + kKinds[spec.kind].plural);
+                                                          " " + spec_of(spec.kind).plural);
 }
 
 }  // namespace
@@ -204,15 +189,15 @@ void check_write_indices(const Model& model, const AttrSpec& spec, int n, const 
 int attr_of_model(const char* name, AttrType type) {
     const int attr = attr_of_type(name, type);
     const AttrSpec& spec = attr_spec(attr);
-    if (spec.kind != kModel)
+    if (spec.kind != Kind::kModel)
         throw Error(ZVN_ERROR_INVALID_ARGUMENT, std::string("Attribute '") + spec.name + "' belongs to " +
-                                                    kKinds[spec.kind].plural + ", not to models");
+                                                    spec_of(spec.kind).plural + ", not to models");
     return attr;
 }
 
 int attr_of_objects(const char* name, AttrType type) {
     const int attr = attr_of_type(name, type);
-    if (attr_spec(attr).kind == kModel)
+    if (attr_spec(attr).kind == Kind::kModel)
         throw Error(ZVN_ERROR_INVALID_ARGUMENT, std::string("Attribute '") + attr_spec(attr).name +
                                                     "' belongs to the model, not to its variables or constraints");
     return attr;

@@ -4,6 +4,7 @@
 
 #include <string_view>
 
+#include "core/kinds.h"
 #include "core/model.h"
 
 namespace zelvan {
@@ -16,7 +17,6 @@ enum class Attr : int {
 };
 
 enum AttrType { kChar = 0, kInt = 1, kDouble = 2, kString = 3 };
-enum AttrKind { kModel = 0, kVar = 1, kConstr = 2, kSos = 3, kQConstr = 4, kGenConstr = 5 };
 
 int num_attrs();
 const char* attr_name(int i);

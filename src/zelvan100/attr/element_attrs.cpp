@@ -4,11 +4,6 @@ namespace zelvan {
 
 namespace {
 
-Values optional_values(const std::map<int, OptionalValues>& optional, int attr) {
-    const auto found = optional.find(attr);
-    return found == optional.end() ? Values::all(unset_value(attr)) : Values::of(found->second.values);
-}
-
 // Slopes never fall. A jump makes a function that is not convex.
 bool convex(const PwlPoints& points) {
     double slope = -kInfinity;
@@ -39,12 +34,9 @@ double pwl_convex(const Model& m, int col) {
     return found == m.data.pwl_obj.end() || convex(found->second);
 }
 
-Values optional_column_values(const Model& m, Attr attr) {
-    return optional_values(m.data.cols.optional, static_cast<int>(attr));
-}
-
-Values optional_row_values(const Model& m, Attr attr) {
-    return optional_values(m.data.rows.optional, static_cast<int>(attr));
+Values option_values(const Identity& family, Option option) {
+    const std::vector<double>* values = family.optional.find(option);
+    return values ? Values::of(*values) : Values::all(unset(option));
 }
 
 }  // namespace zelvan

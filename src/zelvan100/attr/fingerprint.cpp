@@ -60,7 +60,10 @@ double fingerprint(const Model& m) {
         const Objective& objective = data.objectives[k];
         hash.add(static_cast<std::uint64_t>(static_cast<std::int64_t>(objective.priority)));
         hash.add({objective.weight, objective.abs_tol, objective.rel_tol, k ? objective.constant : 0.0});
-        hash.add(objective.coeff);
+        for (std::size_t e = 0; e < objective.coeff.col.size(); ++e) {
+            hash.add(static_cast<std::uint64_t>(objective.coeff.col[e]));
+            hash.add(objective.coeff.val[e]);
+        }
     }
     for (const auto& [col, points] : data.pwl_obj) {
         hash.add(static_cast<std::uint64_t>(col));

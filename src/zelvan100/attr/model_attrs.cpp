@@ -66,7 +66,7 @@ double num_binary_vars(const Model& m) {
 double num_pwl_vars(const Model& m) { return static_cast<double>(m.data.pwl_obj.size()); }
 
 double num_starts(const Model& m) {
-    return static_cast<double>(m.data.cols.optional.count(static_cast<int>(Attr::Start)));
+    return m.data.cols.optional.find(Option::kStart) ? 1.0 : 0.0;
 }
 
 double none(const Model&) { return 0.0; }

@@ -26,9 +26,9 @@ double num_objectives(const Model& m) {
     return m.data.objectives.empty() ? 1.0 : static_cast<double>(m.data.objectives.size());
 }
 
-Values objective_n(const Model& m) {
+double objective_n(const Model& m, int col) {
     const Objective& objective = selected(m);
-    return Values::of(first_selected(m) ? m.data.cols.obj : objective.coeff);
+    return first_selected(m) ? m.data.cols.obj[col] : objective.coeff.at(col);
 }
 
 double objective_n_constant(const Model& m) {
@@ -50,9 +50,9 @@ double objective_n_value(const Model& m) {
         return m.solution.multi_obj[&objective - m.data.objectives.data()];
     if (first_selected(m) && !m.data.pwl_obj.empty())
         throw missing("the value of a piecewise-linear objective is kept for solution 0 only");
-    const Values x = pool_values(m), coeff = objective_n(m);
+    const double* x = pool_values(m).doubles;
     double value = objective_n_constant(m);
-    for (int j = 0; j < m.num_cols(); ++j) value += coeff.doubles[j] * x.doubles[j];
+    for (int j = 0; j < m.num_cols(); ++j) value += objective_n(m, j) * x[j];
     return value;
 }
 

@@ -63,7 +63,7 @@ Values farkas_dual(const Model&);
 bool is_multi_objective(const Model&);
 double is_multi_objective_number(const Model&);
 double num_objectives(const Model&);
-Values objective_n(const Model&);
+double objective_n(const Model&, int col);
 double objective_n_constant(const Model&);
 double objective_n_priority(const Model&);
 double objective_n_weight(const Model&);
@@ -84,15 +84,14 @@ Texts column_tags(const Model&);
 Texts row_names(const Model&);
 Texts row_tags(const Model&);
 double pwl_convex(const Model&, int col);
-Values optional_column_values(const Model&, Attr);
-Values optional_row_values(const Model&, Attr);
-template <Attr attribute>
-Values column_option(const Model& model) {
-    return optional_column_values(model, attribute);
+Values option_values(const Identity&, Option);
+template <Option option>
+Values column_option(const Model& m) {
+    return option_values(m.data.cols, option);
 }
-template <Attr attribute>
-Values row_option(const Model& model) {
-    return optional_row_values(model, attribute);
+template <Option option>
+Values row_option(const Model& m) {
+    return option_values(m.data.rows, option);
 }
 
 // --- quality.cpp: how far the solution is off. A measure gives the largest amount, the index where it

@@ -81,9 +81,9 @@ Values reduced_costs(const Model& m) { return present(m.solution.rc, m.num_cols(
 Values duals(const Model& m) { return present(m.solution.pi, m.num_rows(), m, kNoDuals); }
 Values slacks(const Model& m) { return present(m.solution.slack, m.num_rows(), m, kNoSolution); }
 
-Values column_basis(const Model& m) { return basis(m.solution.vbasis, column_option<Attr::VBasis>(m)); }
+Values column_basis(const Model& m) { return basis(m.solution.vbasis, column_option<Option::kColumnBasis>(m)); }
 
-Values row_basis(const Model& m) { return basis(m.solution.cbasis, row_option<Attr::CBasis>(m)); }
+Values row_basis(const Model& m) { return basis(m.solution.cbasis, row_option<Option::kRowBasis>(m)); }
 
 Values unbounded_ray(const Model& m) {
     return present(m.solution.ray, m.num_cols(), m,

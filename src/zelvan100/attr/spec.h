@@ -33,7 +33,7 @@ struct Texts {
 struct AttrSpec {
     const char* name;
     AttrType type;
-    AttrKind kind;
+    Kind kind;
     bool settable = false;
     // At most one of the readers is there; each throws Error while there is no value. Without one, `why`
     // tells why there is none.

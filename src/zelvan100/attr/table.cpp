@@ -43,25 +43,24 @@ constexpr NameIndex<kCount> kIndex{kNames};
 
 constexpr double kMaxInt = 2147483647;
 
-using A = Attr;
 using Number = double (*)(const Model&);
 
-constexpr AttrSpec model_int(const char* name, Number read) { return {name, kInt, kModel, false, read}; }
-constexpr AttrSpec model_dbl(const char* name, Number read) { return {name, kDouble, kModel, false, read}; }
+constexpr AttrSpec model_int(const char* name, Number read) { return {name, kInt, Kind::kModel, false, read}; }
+constexpr AttrSpec model_dbl(const char* name, Number read) { return {name, kDouble, Kind::kModel, false, read}; }
 constexpr AttrSpec model_str(const char* name, const char* (*read)(const Model&)) {
-    return {name, kString, kModel, false, nullptr, read};
+    return {name, kString, Kind::kModel, false, nullptr, read};
 }
-constexpr AttrSpec column(const char* name, AttrType type, Values (*read)(const Model&), AttrKind kind = kVar) {
+constexpr AttrSpec column(const char* name, AttrType type, Values (*read)(const Model&), Kind kind = Kind::kColumn) {
     return {name, type, kind, false, nullptr, nullptr, read};
 }
 constexpr AttrSpec row(const char* name, AttrType type, Values (*read)(const Model&)) {
-    return column(name, type, read, kConstr);
+    return column(name, type, read, Kind::kRow);
 }
-constexpr AttrSpec texts(const char* name, AttrKind kind, Texts (*read)(const Model&)) {
+constexpr AttrSpec texts(const char* name, Kind kind, Texts (*read)(const Model&)) {
     return {name, kString, kind, false, nullptr, nullptr, nullptr, nullptr, read};
 }
 // Where there is nothing to read (yet), and why.
-constexpr AttrSpec absent(const char* name, AttrType type, AttrKind kind, const char* why, bool settable = false) {
+constexpr AttrSpec absent(const char* name, AttrType type, Kind kind, const char* why, bool settable = false) {
     AttrSpec spec{name, type, kind, settable};
     spec.why = why;
     return spec;
@@ -96,7 +95,7 @@ constexpr AttrSpec kAttrs[] = {
     model_int("IsQP", none),
     model_int("IsQCP", none),
     model_int("IsMultiObj", is_multi_objective_number),
-    absent("IISMinimal", kInt, kModel, kNoIis),
+    absent("IISMinimal", kInt, Kind::kModel, kNoIis),
     model_dbl("Kappa", condition_estimate),
     model_dbl("KappaExact", condition),
     model_dbl("MaxCoeff", max_coeff),
@@ -139,74 +138,74 @@ constexpr AttrSpec kAttrs[] = {
     column("UB", kDouble, upper_bounds).set(-kLargestFinite, kInfinity),
     column("Obj", kDouble, objective_coeffs).set(-kLargestFinite, kLargestFinite),
     column("VType", kChar, types).set("CBISN"),
-    texts("VarName", kVar, column_names).set_text(ZVN_MAX_NAMELEN),
+    texts("VarName", Kind::kColumn, column_names).set_text(ZVN_MAX_NAMELEN),
     column("X", kDouble, primal_values),
     column("RC", kDouble, reduced_costs),
     column("Xn", kDouble, pool_values),
-    absent("BarX", kDouble, kVar, kNoBarX),
-    column("Start", kDouble, column_option<A::Start>).set(-kUndefined, kUndefined),
-    column("VarHintVal", kDouble, column_option<A::VarHintVal>).set(-kUndefined, kUndefined),
-    column("VarHintPri", kInt, column_option<A::VarHintPri>).set(-kMaxInt, kMaxInt),
-    column("BranchPriority", kInt, column_option<A::BranchPriority>).set(-kMaxInt, kMaxInt),
-    column("Partition", kInt, column_option<A::Partition>).set(-1, kMaxInt),
+    absent("BarX", kDouble, Kind::kColumn, kNoBarX),
+    column("Start", kDouble, column_option<Option::kStart>).set(-kUndefined, kUndefined),
+    column("VarHintVal", kDouble, column_option<Option::kHintValue>).set(-kUndefined, kUndefined),
+    column("VarHintPri", kInt, column_option<Option::kHintPriority>).set(-kMaxInt, kMaxInt),
+    column("BranchPriority", kInt, column_option<Option::kBranchPriority>).set(-kMaxInt, kMaxInt),
+    column("Partition", kInt, column_option<Option::kPartition>).set(-1, kMaxInt),
     column("VBasis", kInt, column_basis).set(ZVN_SUPERBASIC, ZVN_BASIC),
-    {"PWLObjCvx", kInt, kVar, false, nullptr, nullptr, nullptr, pwl_convex},
-    column("PoolIgnore", kInt, column_option<A::PoolIgnore>).set(0, 1),
-    absent("IISLB", kInt, kVar, kNoIis),
-    absent("IISUB", kInt, kVar, kNoIis),
-    column("IISLBForce", kInt, column_option<A::IISLBForce>).set(-1, 1),
-    column("IISUBForce", kInt, column_option<A::IISUBForce>).set(-1, 1),
-    absent("SAObjLow", kDouble, kVar, kNoSensitivity),
-    absent("SAObjUp", kDouble, kVar, kNoSensitivity),
-    absent("SALBLow", kDouble, kVar, kNoSensitivity),
-    absent("SALBUp", kDouble, kVar, kNoSensitivity),
-    absent("SAUBLow", kDouble, kVar, kNoSensitivity),
-    absent("SAUBUp", kDouble, kVar, kNoSensitivity),
+    {"PWLObjCvx", kInt, Kind::kColumn, false, nullptr, nullptr, nullptr, pwl_convex},
+    column("PoolIgnore", kInt, column_option<Option::kPoolIgnore>).set(0, 1),
+    absent("IISLB", kInt, Kind::kColumn, kNoIis),
+    absent("IISUB", kInt, Kind::kColumn, kNoIis),
+    column("IISLBForce", kInt, column_option<Option::kIisLowerForce>).set(-1, 1),
+    column("IISUBForce", kInt, column_option<Option::kIisUpperForce>).set(-1, 1),
+    absent("SAObjLow", kDouble, Kind::kColumn, kNoSensitivity),
+    absent("SAObjUp", kDouble, Kind::kColumn, kNoSensitivity),
+    absent("SALBLow", kDouble, Kind::kColumn, kNoSensitivity),
+    absent("SALBUp", kDouble, Kind::kColumn, kNoSensitivity),
+    absent("SAUBLow", kDouble, Kind::kColumn, kNoSensitivity),
+    absent("SAUBUp", kDouble, Kind::kColumn, kNoSensitivity),
     column("UnbdRay", kDouble, unbounded_ray),
-    column("PStart", kDouble, column_option<A::PStart>).set(-kUndefined, kUndefined),
-    absent("PreFixVal", kDouble, kVar, kNoPresolved),
-    absent("VarPreStat", kInt, kVar, kNoPresolved),
-    texts("VTag", kVar, column_tags).set_text(ZVN_MAX_TAGLEN),
+    column("PStart", kDouble, column_option<Option::kPrimalStart>).set(-kUndefined, kUndefined),
+    absent("PreFixVal", kDouble, Kind::kColumn, kNoPresolved),
+    absent("VarPreStat", kInt, Kind::kColumn, kNoPresolved),
+    texts("VTag", Kind::kColumn, column_tags).set_text(ZVN_MAX_TAGLEN),
 
     // Linear constraints
     row("Sense", kChar, senses).set("<>="),
     row("RHS", kDouble, right_sides).set(-kInfinity, kInfinity),
-    texts("ConstrName", kConstr, row_names).set_text(ZVN_MAX_NAMELEN),
+    texts("ConstrName", Kind::kRow, row_names).set_text(ZVN_MAX_NAMELEN),
     row("Pi", kDouble, duals),
     row("Slack", kDouble, slacks),
     row("CBasis", kInt, row_basis).set(ZVN_SUPERBASIC, ZVN_BASIC),
-    absent("IISConstr", kInt, kConstr, kNoIis),
-    row("IISConstrForce", kInt, row_option<A::IISConstrForce>).set(-1, 1),
-    absent("SARHSLow", kDouble, kConstr, kNoSensitivity),
-    absent("SARHSUp", kDouble, kConstr, kNoSensitivity),
+    absent("IISConstr", kInt, Kind::kRow, kNoIis),
+    row("IISConstrForce", kInt, row_option<Option::kIisForce>).set(-1, 1),
+    absent("SARHSLow", kDouble, Kind::kRow, kNoSensitivity),
+    absent("SARHSUp", kDouble, Kind::kRow, kNoSensitivity),
     row("FarkasDual", kDouble, farkas_dual),
-    row("DStart", kDouble, row_option<A::DStart>).set(-kUndefined, kUndefined),
-    row("Lazy", kInt, row_option<A::Lazy>).set(-1, 3),
-    texts("CTag", kConstr, row_tags).set_text(ZVN_MAX_TAGLEN),
+    row("DStart", kDouble, row_option<Option::kDualStart>).set(-kUndefined, kUndefined),
+    row("Lazy", kInt, row_option<Option::kLazy>).set(-1, 3),
+    texts("CTag", Kind::kRow, row_tags).set_text(ZVN_MAX_TAGLEN),
 
     // SOS
-    absent("IISSOS", kInt, kSos, kNoObject),
-    absent("IISSOSForce", kInt, kSos, kNoObject, true),
+    absent("IISSOS", kInt, Kind::kSos, kNoObject),
+    absent("IISSOSForce", kInt, Kind::kSos, kNoObject, true),
 
     // Quadratic constraints
-    absent("QCSense", kChar, kQConstr, kNoObject, true),
-    absent("QCRHS", kDouble, kQConstr, kNoObject, true),
-    absent("QCName", kString, kQConstr, kNoObject, true),
-    absent("IISQConstr", kInt, kQConstr, kNoObject),
-    absent("IISQConstrForce", kInt, kQConstr, kNoObject, true),
-    absent("QCPi", kDouble, kQConstr, kNoObject),
-    absent("QCSlack", kDouble, kQConstr, kNoObject),
-    absent("QCTag", kString, kQConstr, kNoObject, true),
+    absent("QCSense", kChar, Kind::kQuadRow, kNoObject, true),
+    absent("QCRHS", kDouble, Kind::kQuadRow, kNoObject, true),
+    absent("QCName", kString, Kind::kQuadRow, kNoObject, true),
+    absent("IISQConstr", kInt, Kind::kQuadRow, kNoObject),
+    absent("IISQConstrForce", kInt, Kind::kQuadRow, kNoObject, true),
+    absent("QCPi", kDouble, Kind::kQuadRow, kNoObject),
+    absent("QCSlack", kDouble, Kind::kQuadRow, kNoObject),
+    absent("QCTag", kString, Kind::kQuadRow, kNoObject, true),
 
     // General constraints
-    absent("GenConstrType", kInt, kGenConstr, kNoObject),
-    absent("GenConstrName", kString, kGenConstr, kNoObject, true),
-    absent("IISGenConstr", kInt, kGenConstr, kNoObject),
-    absent("IISGenConstrForce", kInt, kGenConstr, kNoObject, true),
-    absent("FuncPieceError", kDouble, kGenConstr, kNoObject, true),
-    absent("FuncPieceLength", kDouble, kGenConstr, kNoObject, true),
-    absent("FuncPieceRatio", kDouble, kGenConstr, kNoObject, true),
-    absent("FuncPieces", kInt, kGenConstr, kNoObject, true),
+    absent("GenConstrType", kInt, Kind::kGeneral, kNoObject),
+    absent("GenConstrName", kString, Kind::kGeneral, kNoObject, true),
+    absent("IISGenConstr", kInt, Kind::kGeneral, kNoObject),
+    absent("IISGenConstrForce", kInt, Kind::kGeneral, kNoObject, true),
+    absent("FuncPieceError", kDouble, Kind::kGeneral, kNoObject, true),
+    absent("FuncPieceLength", kDouble, Kind::kGeneral, kNoObject, true),
+    absent("FuncPieceRatio", kDouble, Kind::kGeneral, kNoObject, true),
+    absent("FuncPieces", kInt, Kind::kGeneral, kNoObject, true),
 
     // Solution quality
     model_dbl("MaxVio", max_violation),
@@ -248,7 +247,7 @@ constexpr AttrSpec kAttrs[] = {
     model_dbl("IntVioSum", sum<integrality_violation, false>),
 
     // Several objectives
-    column("ObjN", kDouble, objective_n).set(-kLargestFinite, kLargestFinite),
+    AttrSpec{"ObjN", kDouble, Kind::kColumn, false, nullptr, nullptr, nullptr, objective_n}.set(-kLargestFinite, kLargestFinite),
     model_dbl("ObjNCon", objective_n_constant).set(-kLargestFinite, kLargestFinite),
     model_int("ObjNPriority", objective_n_priority).set(-kMaxInt, kMaxInt),
     model_dbl("ObjNWeight", objective_n_weight).set(-kLargestFinite, kLargestFinite),
@@ -259,21 +258,21 @@ constexpr AttrSpec kAttrs[] = {
     model_int("NumObj", num_objectives).set(0, 1000000),
 
     // Several scenarios
-    absent("ScenNLB", kDouble, kVar, kNoScenarios, true),
-    absent("ScenNUB", kDouble, kVar, kNoScenarios, true),
-    absent("ScenNObj", kDouble, kVar, kNoScenarios, true),
-    absent("ScenNRHS", kDouble, kConstr, kNoScenarios, true),
-    absent("ScenNName", kString, kModel, kNoScenarios, true),
-    absent("ScenNX", kDouble, kVar, kNoScenarios),
-    absent("ScenNObjBound", kDouble, kModel, kNoScenarios),
-    absent("ScenNObjVal", kDouble, kModel, kNoScenarios),
+    absent("ScenNLB", kDouble, Kind::kColumn, kNoScenarios, true),
+    absent("ScenNUB", kDouble, Kind::kColumn, kNoScenarios, true),
+    absent("ScenNObj", kDouble, Kind::kColumn, kNoScenarios, true),
+    absent("ScenNRHS", kDouble, Kind::kRow, kNoScenarios, true),
+    absent("ScenNName", kString, Kind::kModel, kNoScenarios, true),
+    absent("ScenNX", kDouble, Kind::kColumn, kNoScenarios),
+    absent("ScenNObjBound", kDouble, Kind::kModel, kNoScenarios),
+    absent("ScenNObjVal", kDouble, Kind::kModel, kNoScenarios),
     model_int("NumScenarios", none),
 
     // Batches
-    absent("BatchErrorCode", kInt, kModel, kNoBatch),
-    absent("BatchErrorMessage", kString, kModel, kNoBatch),
-    absent("BatchID", kString, kModel, kNoBatch),
-    absent("BatchStatus", kInt, kModel, kNoBatch),
+    absent("BatchErrorCode", kInt, Kind::kModel, kNoBatch),
+    absent("BatchErrorMessage", kString, Kind::kModel, kNoBatch),
+    absent("BatchID", kString, Kind::kModel, kNoBatch),
+    absent("BatchStatus", kInt, Kind::kModel, kNoBatch),
 };
 
 constexpr bool in_listed_order() {

@@ -35,23 +35,29 @@ void compact(std::vector<T>& values, const std::vector<char>& keep) {
     values.resize(next);
 }
 
-void extend(std::map<int, OptionalValues>& optional, int size) {
-    for (auto& [attr, values] : optional) values.values.resize(size, values.unset);
-}
-
 std::vector<char> kept(int size, const std::vector<int>& deleted) {
     std::vector<char> keep(size, 1);
     for (int i : deleted) keep[i] = 0;
     return keep;
 }
 
-double& optional_value(std::map<int, OptionalValues>& optional, int attr, int index, int size) {
-    OptionalValues& values = optional[attr];
-    if (values.values.empty()) {
-        values.unset = unset_value(attr);
-        values.values.assign(size, values.unset);
+Option option_of(int attr) {
+    switch (static_cast<Attr>(attr)) {
+        case Attr::Start: return Option::kStart;
+        case Attr::VarHintVal: return Option::kHintValue;
+        case Attr::VarHintPri: return Option::kHintPriority;
+        case Attr::BranchPriority: return Option::kBranchPriority;
+        case Attr::Partition: return Option::kPartition;
+        case Attr::VBasis: return Option::kColumnBasis;
+        case Attr::PoolIgnore: return Option::kPoolIgnore;
+        case Attr::IISLBForce: return Option::kIisLowerForce;
+        case Attr::IISUBForce: return Option::kIisUpperForce;
+        case Attr::PStart: return Option::kPrimalStart;
+        case Attr::CBasis: return Option::kRowBasis;
+        case Attr::IISConstrForce: return Option::kIisForce;
+        case Attr::DStart: return Option::kDualStart;
+        default: return Option::kLazy;
     }
-    return values.values[index];
 }
 
 // The number in a default name such as "C17"; -1 when `name` is none.
@@ -82,27 +88,6 @@ int find(const Names& names, std::string_view name, char letter, std::unordered_
 }
 
 }  // namespace
-
-double unset_value(int attr) {
-    switch (static_cast<Attr>(attr)) {
-        case Attr::VarHintPri:
-        case Attr::BranchPriority:
-        case Attr::Partition:
-        case Attr::PoolIgnore:
-        case Attr::Lazy:
-            return 0.0;
-        case Attr::IISLBForce:
-        case Attr::IISUBForce:
-        case Attr::IISConstrForce:
-            return -1.0;
-        case Attr::VBasis:
-            return ZVN_NONBASIC_LOWER;
-        case Attr::CBasis:
-            return ZVN_BASIC;
-        default:
-            return kUndefined;
-    }
-}
 
 Model::Model(const Env& parent) : env(parent) { env.error.clear(); }
 
@@ -160,8 +145,7 @@ void Model::splice_columns() {
     append(cols.type, added.type);
     cols.names.append(added.names);
     cols.tags.append(added.tags);
-    extend(cols.optional, cols.size());
-    for (std::size_t k = 1; k < data.objectives.size(); ++k) data.objectives[k].coeff.resize(cols.size(), 0.0);
+    cols.optional.resize(cols.size());
 }
 
 void Model::splice_rows() {
@@ -179,15 +163,11 @@ void Model::splice_rows() {
         append(rows.col, added.col);
         append(rows.val, added.val);
         append(rows.sense, added.sense);
-        if (!rows.lower.empty() || !added.lower.empty()) {
-            rows.lower.resize(before, -kInfinity);
-            added.lower.resize(total - before, -kInfinity);
-            append(rows.lower, added.lower);
-        }
+        append(rows.lower, added.lower);
         append(rows.rhs, added.rhs);
         rows.names.append(added.names);
         rows.tags.append(added.tags);
-        extend(rows.optional, total);
+        rows.optional.resize(total);
     }
 }
 
@@ -200,7 +180,6 @@ void Model::splice_helpers() {
         if (name.size() > ZVN_MAX_NAMELEN) name.clear();
         queue.entries.push_back({helper.row, num_cols(), 1.0});
         data.cols.push_back(helper.lb, helper.ub, 0.0, 'C', name);
-        for (std::size_t k = 1; k < data.objectives.size(); ++k) data.objectives[k].coeff.push_back(0.0);
     }
     if (queue.entries.empty()) return;
 
@@ -288,20 +267,23 @@ void Model::apply_number(const Write& write) {
             return;
         case Attr::NumStart:
             if (write.value == 0)
-                cols.optional.erase(static_cast<int>(Attr::Start));
+                cols.optional.erase(Option::kStart);
             else if (cols.size() > 0)
-                optional_value(cols.optional, static_cast<int>(Attr::Start), 0, cols.size());
+                cols.optional.make(Option::kStart, cols.size());
             return;
         case Attr::NumObj: {
-            const std::size_t before = data.objectives.size();
             data.objectives.resize(static_cast<std::size_t>(write.value));
-            for (std::size_t k = std::max<std::size_t>(before, 1); k < data.objectives.size(); ++k)
-                data.objectives[k].coeff.assign(cols.size(), 0.0);
             return;
         }
         case Attr::ObjN:
-            (write.number == 0 ? cols.obj : objective().coeff)[i] = write.value;
-            if (write.number == 0) data.pwl_obj.erase(i);
+            if (write.number == 0) {
+                cols.obj[i] = write.value;
+                data.pwl_obj.erase(i);
+            } else {
+                std::vector<double> coeff = objective().coeff.dense(cols.size());
+                coeff[i] = write.value;
+                objective().coeff = SparseVector::of(coeff);
+            }
             return;
         case Attr::ObjNCon:
             (write.number == 0 ? data.obj_constant : objective().constant) = write.value;
@@ -320,9 +302,9 @@ void Model::apply_number(const Write& write) {
             return;
         default:
             if (is_one_of(write.attr, Attr::LB, Attr::VTag))
-                optional_value(cols.optional, write.attr, i, cols.size()) = write.value;
+                cols.optional.make(option_of(write.attr), cols.size())[i] = write.value;
             else
-                optional_value(rows.optional, write.attr, i, rows.size()) = write.value;
+                rows.optional.make(option_of(write.attr), rows.size())[i] = write.value;
     }
 }
 
@@ -347,14 +329,9 @@ void Model::apply_text(const TextWrite& write) {
 void Model::apply_objective(const ObjectiveWrite& write) {
     if (write.sense != 0) data.sense = write.sense;
     const std::size_t number = std::max(write.number, 0);
-    if (write.number >= 0 && data.objectives.size() <= number) {
-        const std::size_t before = std::max<std::size_t>(data.objectives.size(), 1);
-        data.objectives.resize(number + 1);
-        for (std::size_t k = before; k <= number; ++k) data.objectives[k].coeff.assign(num_cols(), 0.0);
-    }
-    std::vector<double>& coeff = number == 0 ? data.cols.obj : data.objectives[number].coeff;
+    if (write.number >= 0 && data.objectives.size() <= number) data.objectives.resize(number + 1);
     if (write.number >= 0) {
-        std::vector<double> old = std::move(data.objectives[number].coeff);
+        SparseVector old = std::move(data.objectives[number].coeff);
         data.objectives[number] = write.fields;
         data.objectives[number].coeff = std::move(old);
     }
@@ -362,8 +339,12 @@ void Model::apply_objective(const ObjectiveWrite& write) {
         data.obj_constant = write.fields.constant;
         data.pwl_obj.erase(data.pwl_obj.begin(), data.pwl_obj.lower_bound(write.num_cols));
     }
+    std::vector<double> dense;
+    if (number > 0) dense = data.objectives[number].coeff.dense(num_cols());
+    std::vector<double>& coeff = number == 0 ? data.cols.obj : dense;
     std::fill_n(coeff.begin(), write.num_cols, 0.0);
     for (std::size_t k = 0; k < write.col.size(); ++k) coeff[write.col[k]] += write.val[k];
+    if (number > 0) data.objectives[number].coeff = SparseVector::of(dense);
 }
 
 void Model::remove_deleted_cols() {
@@ -379,8 +360,14 @@ void Model::remove_deleted_cols() {
     compact(cols.type, keep);
     cols.names.compact(keep);
     cols.tags.compact(keep);
-    for (auto& [attr, values] : cols.optional) compact(values.values, keep);
-    for (std::size_t k = 1; k < data.objectives.size(); ++k) compact(data.objectives[k].coeff, keep);
+    cols.optional.for_each([&](auto& values) { compact(values, keep); });
+    for (std::size_t k = 1; k < data.objectives.size(); ++k) {
+        SparseVector left;
+        const SparseVector& old = data.objectives[k].coeff;
+        for (std::size_t e = 0; e < old.col.size(); ++e)
+            if (keep[old.col[e]]) left.push_back(renumbered[old.col[e]], old.val[e]);
+        data.objectives[k].coeff = std::move(left);
+    }
     std::map<int, PwlPoints> pwl;
     for (auto& [col, points] : data.pwl_obj)
         if (keep[col]) pwl.emplace(renumbered[col], std::move(points));
@@ -420,10 +407,10 @@ void Model::remove_deleted_rows() {
     rows.val.resize(to);
     compact(rows.sense, keep);
     compact(rows.rhs, keep);
-    if (!rows.lower.empty()) compact(rows.lower, keep);
+    compact(rows.lower, keep);
     rows.names.compact(keep);
     rows.tags.compact(keep);
-    for (auto& [attr, values] : rows.optional) compact(values.values, keep);
+    rows.optional.for_each([&](auto& values) { compact(values, keep); });
 }
 
 }  // namespace zelvan

@@ -49,9 +49,8 @@ struct PwlWrite {
     PwlPoints points;  // empty removes the term
 };
 
-struct Queue {
-    Columns cols;  // additions, numbered behind the columns of the model
-    Rows rows;     // additions; their entries may name queued columns
+// Additions are numbered behind the objects of the model; entries of rows and members may name queued columns.
+struct Queue : Families {
     struct Entry {
         int row, col;
         double val;
@@ -150,8 +149,5 @@ private:
     std::unordered_map<std::string_view, int> col_index_, row_index_;  // views into data.*.names
     bool col_index_valid_ = false, row_index_valid_ = false;
 };
-
-// The value that an optional attribute of a column or row has where it was never set.
-double unset_value(int attr);
 
 }  // namespace zelvan

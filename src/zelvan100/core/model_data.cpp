@@ -7,10 +7,6 @@ namespace zelvan {
 
 namespace {
 
-void extend(std::map<int, OptionalValues>& optional, int size) {
-    for (auto& [attr, values] : optional) values.values.resize(size, values.unset);
-}
-
 double side(double value) { return std::fabs(value) >= kInfinityThreshold ? std::copysign(kInfinity, value) : value; }
 
 }  // namespace
@@ -22,7 +18,7 @@ void Columns::push_back(double lower, double upper, double cost, char vtype, std
     type.push_back(vtype);
     names.push_back(name);
     tags.resize(size());
-    extend(optional, size());
+    optional.resize(size());
 }
 
 std::pair<double, double> Rows::sides(int i) const {
@@ -40,24 +36,44 @@ std::pair<double, double> Rows::sides(int i) const {
 }
 
 void Rows::push_back(char row_sense, double right, std::string_view name) {
-    start.push_back(static_cast<std::int64_t>(col.size()));
+    close_row();
     sense.push_back(row_sense);
     rhs.push_back(right);
-    if (!lower.empty()) lower.push_back(-kInfinity);
+    lower.push_back(-kInfinity);
     names.push_back(name);
     tags.resize(size());
-    extend(optional, size());
+    optional.resize(size());
 }
 
 void Rows::push_back_range(double left, double right, std::string_view name) {
-    lower.resize(size(), -kInfinity);
     push_back('R', right, name);
-    lower.resize(size(), -kInfinity);
     lower.back() = left;
 }
 
+void SosSets::push_back(int sos_type, std::string_view name) {
+    close_row();
+    type.push_back(static_cast<char>(sos_type));
+    names.push_back(name);
+    tags.resize(size());
+    optional.resize(size());
+}
+
+int Families::size(Kind kind) const {
+    switch (kind) {
+        case Kind::kColumn:
+            return cols.size();
+        case Kind::kRow:
+            return rows.size();
+        case Kind::kSos:
+            return sos.size();
+        default:
+            return 0;
+    }
+}
+
 bool ModelData::is_mip() const {
-    return std::any_of(cols.type.begin(), cols.type.end(), [](char type) { return type != 'C'; });
+    return sos.size() > 0 ||
+           std::any_of(cols.type.begin(), cols.type.end(), [](char type) { return type != 'C'; });
 }
 
 ColumnMajor ModelData::by_columns() const {
@@ -79,21 +95,25 @@ ColumnMajor ModelData::by_columns() const {
     return matrix;
 }
 
-std::string ModelData::col_name(int j) const {
-    const char* name = cols.names.get(j);
-    return name ? name : default_col_name(j);
+namespace {
+
+std::string name_of(const Identity& family, Kind kind, int i) {
+    const char* name = family.names.get(i);
+    return name ? name : ModelData::default_name(kind, i);
 }
 
-std::string ModelData::row_name(int i) const {
-    const char* name = rows.names.get(i);
-    return name ? name : default_row_name(i);
-}
+}  // namespace
+
+std::string ModelData::col_name(int j) const { return name_of(cols, Kind::kColumn, j); }
+std::string ModelData::row_name(int i) const { return name_of(rows, Kind::kRow, i); }
+std::string ModelData::sos_name(int k) const { return name_of(sos, Kind::kSos, k); }
 
 void ModelData::drop_names() {
-    cols.names.clear();
-    cols.names.resize(cols.size());
-    rows.names.clear();
-    rows.names.resize(rows.size());
+    for (Names* names : {&cols.names, &rows.names, &sos.names}) {
+        const int size = names->size();
+        names->clear();
+        names->resize(size);
+    }
 }
 
 }  // namespace zelvan

@@ -191,7 +191,7 @@ void LpReader::objective_among_several() {
         objective.constant = expression(1.0, true).constant;
         if (std::fabs(objective.constant) >= kInfinityThreshold)
             source_.fail(lexer_.line, "the constant of the objective is too large");
-        objective.coeff = take_objective();
+        objective.coeff = SparseVector::of(take_objective());
     }
     objectives.push_back(std::move(objective));
 }
@@ -296,10 +296,7 @@ void LpReader::close_row(std::string_view name, double lower, double upper) {
     rows.start.push_back(static_cast<std::int64_t>(to));
     rows.sense.push_back(kind.sense);
     rows.rhs.push_back(kind.rhs);
-    if (kind.sense == 'R' || !rows.lower.empty()) {
-        rows.lower.resize(rows.rhs.size() - 1, -kInfinity);
-        rows.lower.push_back(kind.lower);
-    }
+    rows.lower.push_back(kind.lower);
     rows.names.push_back(name);
 }
 
@@ -490,7 +487,6 @@ void LpReader::settle() {
                   " has a negative upper bound; its lower bound is 0, as none is given");
     }
     cols.tags.resize(cols.size());
-    for (std::size_t k = 1; k < out_.objectives.size(); ++k) out_.objectives[k].coeff.resize(cols.size(), 0.0);
     out_.rows.tags.resize(out_.rows.size());
 }
 

@@ -107,7 +107,7 @@ void LpWriter::several_objectives() {
         line_start_ = out_.size();
         out_ += ' ';
         if (!names_.objective(k).empty()) out_ += names_.objective(k) + ":";
-        sum(objective.coeff, data_.cols.size(), false, objective.constant);
+        sum(objective.coeff.dense(data_.cols.size()), data_.cols.size(), false, objective.constant);
     }
 }
 

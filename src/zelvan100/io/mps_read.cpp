@@ -473,8 +473,7 @@ void MpsReader::settle_objectives() {
         if (row < 0 || row_index_[row] >= 0)
             source_.fail(lines_.number(), "the objective " + quoted(name) + " is no row of type N");
     }
-    for (std::size_t k = 1; k < out_.objectives.size(); ++k) out_.objectives[k].coeff.assign(out_.cols.size(), 0.0);
-    for (const auto& [objective, col, value] : objective_entries_) out_.objectives[objective].coeff[col] = value;
+    for (const auto& [objective, col, value] : objective_entries_) out_.objectives[objective].coeff.push_back(col, value);
     for (const auto& [col, points] : out_.pwl_obj) {
         if (points.size() < 2)
             source_.fail(lines_.number(), "the objective term of column " + quoted(col_names_.name(col)) +
@@ -523,14 +522,13 @@ void MpsReader::build_rows() {
             rows.val[to] = col_val_[k];
         }
     }
+    rows.lower.assign(rows.size(), -kInfinity);
     for (const auto& [i, range] : ranges_) {
         const char type = rows.sense[i] == '<' ? 'L' : rows.sense[i] == '>' ? 'G' : 'E';
         const auto [lower, upper] = range_sides(type, rows.rhs[i], range);
         const RowKind kind = row_kind(lower, upper);
         rows.sense[i] = kind.sense;
         rows.rhs[i] = kind.rhs;
-        if (kind.sense != 'R') continue;
-        rows.lower.resize(rows.size(), -kInfinity);
         rows.lower[i] = kind.lower;
     }
 }

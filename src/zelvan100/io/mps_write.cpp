@@ -53,7 +53,7 @@ public:
 
 private:
     void name_objective(std::size_t k);
-    double cost(std::size_t k, int j) const { return k == 0 ? data_.cols.obj[j] : data_.objectives[k].coeff[j]; }
+    double cost(std::size_t k, int j) const { return k == 0 ? data_.cols.obj[j] : data_.objectives[k].coeff.at(j); }
     void objectives();
     void rows();
     void columns();

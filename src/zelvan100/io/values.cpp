@@ -24,11 +24,6 @@ void append_line(std::string& text, const ModelData& data, int j, double value) 
     text += '\n';
 }
 
-const std::vector<double>* optional_values(const Model& model, Attr attr) {
-    const auto found = model.data.cols.optional.find(static_cast<int>(attr));
-    return found == model.data.cols.optional.end() ? nullptr : &found->second.values;
-}
-
 void write_some(const Model& model, std::string text, const std::vector<double>& values, double unset,
                 const std::string& path) {
     for (int j = 0; j < model.num_cols(); ++j)
@@ -98,14 +93,14 @@ void write_solution(Model& model, const std::string& path) {
 void write_start(Model& model, const std::string& path) {
     const std::string header = "# MIP start\n";
     if (model.solution.count() > 0) return write_some(model, header, model.solution.x, kUndefined, path);
-    const std::vector<double>* start = optional_values(model, Attr::Start);
+    const std::vector<double>* start = model.data.cols.optional.find(Option::kStart);
     if (!start)
         throw Error(ZVN_ERROR_DATA_NOT_AVAILABLE, "There is no solution or start to write to file '" + path + "'");
     write_some(model, header, *start, kUndefined, path);
 }
 
 void write_priorities(Model& model, const std::string& path) {
-    const std::vector<double>* priorities = optional_values(model, Attr::BranchPriority);
+    const std::vector<double>* priorities = model.data.cols.optional.find(Option::kBranchPriority);
     write_some(model, "# Branching priorities\n", priorities ? *priorities : std::vector<double>(model.num_cols(), 0.0),
                0.0, path);
 }

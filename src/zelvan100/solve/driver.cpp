@@ -5,7 +5,6 @@
 #include <cstdio>
 #include <limits>
 
-#include "attr/attr.h"
 #include "bridge/pwl_objective.h"
 #include "bridge/semi_continuous.h"
 #include "core/error.h"
@@ -85,21 +84,20 @@ void add_cutoff(Problem& problem, double cutoff) {
 
 // The start of a MIP that the user gave; NaN where a column has no value.
 std::vector<double> user_start(const ModelData& data) {
-    const auto found = data.cols.optional.find(static_cast<int>(Attr::Start));
-    if (found == data.cols.optional.end()) return {};
-    std::vector<double> x = found->second.values;
+    const std::vector<double>* values = data.cols.optional.find(Option::kStart);
+    if (!values) return {};
+    std::vector<double> x = *values;
     std::replace_if(x.begin(), x.end(), [](double value) { return value >= kInfinity; }, std::nan(""));
     return x;
 }
 
 // A basis that the user set, empty unless there are statuses of columns and of rows.
 Basis user_basis(const ModelData& data) {
-    const auto statuses = [](const std::map<int, OptionalValues>& optional, Attr attr) -> std::vector<int> {
-        const auto found = optional.find(static_cast<int>(attr));
-        if (found == optional.end()) return {};
-        return {found->second.values.begin(), found->second.values.end()};
+    const auto statuses = [](const std::vector<double>* values) -> std::vector<int> {
+        return values ? std::vector<int>(values->begin(), values->end()) : std::vector<int>();
     };
-    Basis basis{statuses(data.cols.optional, Attr::VBasis), statuses(data.rows.optional, Attr::CBasis)};
+    Basis basis{statuses(data.cols.optional.find(Option::kColumnBasis)),
+                statuses(data.rows.optional.find(Option::kRowBasis))};
     if (basis.cols.empty() || basis.rows.empty()) return {};
     for (int i = 0; i < data.rows.size(); ++i) basis.rows[i] = side_status(basis.rows[i], data.rows.sense[i]);
     return basis;
@@ -174,8 +172,8 @@ void optimize(Model& model) {
     log_begin(model);
     model.solution = solve(model);
     // A start basis serves one solve, the next one goes on from the basis of this one.
-    model.data.cols.optional.erase(static_cast<int>(Attr::VBasis));
-    model.data.rows.optional.erase(static_cast<int>(Attr::CBasis));
+    model.data.cols.optional.erase(Option::kColumnBasis);
+    model.data.rows.optional.erase(Option::kRowBasis);
     log_end(model);
     write_result_file(model);
 }

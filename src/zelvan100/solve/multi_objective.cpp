@@ -22,6 +22,10 @@ struct Blend {
         for (std::size_t j = 0; j < coeff.size(); ++j) cost[j] += weight * coeff[j];
         offset += weight * constant;
     }
+    void add(const SparseVector& coeff, double constant, double weight) {
+        for (std::size_t k = 0; k < coeff.col.size(); ++k) cost[coeff.col[k]] += weight * coeff.val[k];
+        offset += weight * constant;
+    }
 };
 
 class Hierarchy {
@@ -121,15 +125,16 @@ private:
 }  // namespace
 
 std::vector<double> objective_values(const ModelData& data, const std::vector<double>& x) {
-    const auto value = [&](const std::vector<double>& coeff, double constant) {
-        for (std::size_t j = 0; j < coeff.size(); ++j) constant += coeff[j] * x[j];
-        return constant;
-    };
     std::vector<double> values;
     values.reserve(data.objectives.size());
-    for (const Objective& objective : data.objectives)
-        values.push_back(values.empty() ? value(data.cols.obj, data.obj_constant)
-                                        : value(objective.coeff, objective.constant));
+    values.push_back(data.obj_constant);
+    for (std::size_t j = 0; j < data.cols.obj.size(); ++j) values[0] += data.cols.obj[j] * x[j];
+    for (std::size_t k = 1; k < data.objectives.size(); ++k) {
+        const Objective& objective = data.objectives[k];
+        values.push_back(objective.constant);
+        for (std::size_t e = 0; e < objective.coeff.col.size(); ++e)
+            values[k] += objective.coeff.val[e] * x[objective.coeff.col[e]];
+    }
     const double direction = data.objectives[0].weight < 0.0 ? -data.sense : data.sense;
     for (const auto& [j, points] : data.pwl_obj) values[0] += pwl_value(points, x[j], direction);
     return values;
