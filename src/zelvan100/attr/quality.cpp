@@ -9,6 +9,7 @@
 #include <cmath>
 
 #include "attr/readers.h"
+#include "solve/check.h"
 
 namespace zelvan {
 
@@ -36,14 +37,6 @@ Scale scale_of(const ModelData& data, bool scaled) {
     return scale;
 }
 
-double activity(const Rows& rows, int i, const double* x) {
-    double sum = 0.0;
-    for (std::int64_t k = rows.start[i]; k < rows.start[i + 1]; ++k) sum += rows.val[k] * x[rows.col[k]];
-    return sum;
-}
-
-double outside(double value, double lower, double upper) { return std::max({0.0, lower - value, value - upper}); }
-
 // What a dual value (of a minimization) is off the signs that the sides allow: positive ones need a lower
 // side, negative ones an upper side.
 double wrong_sign(double dual, double lower, double upper) {
@@ -56,8 +49,6 @@ double complementarity(double dual, double value, double lower, double upper) {
     const double gap = dual > 0.0 ? value - lower : upper - value;
     return std::fabs(gap) < kInfinityThreshold ? std::fabs(dual * gap) : 0.0;
 }
-
-bool is_integer_type(char type) { return type == 'B' || type == 'I' || type == 'N'; }
 
 }  // namespace
 
@@ -74,11 +65,7 @@ Amounts bound_violation(const Model& m, bool scaled) {
     const Scale scale = scale_of(m.data, scaled);
     const Columns& cols = m.data.cols;
     Amounts amounts;
-    for (int j = 0; j < cols.size(); ++j) {
-        double off = outside(x[j], cols.lb[j], cols.ub[j]);
-        if (cols.type[j] == 'S' || cols.type[j] == 'N') off = std::min(off, std::fabs(x[j]));  // 0 is allowed too
-        amounts.add(off / scale.col[j], j);
-    }
+    for (int j = 0; j < cols.size(); ++j) amounts.add(bound_violation(cols, j, x[j]) / scale.col[j], j);
     return amounts;
 }
 
@@ -88,7 +75,7 @@ Amounts constr_violation(const Model& m, bool scaled) {
     Amounts amounts;
     for (int i = 0; i < m.num_rows(); ++i) {
         const auto [lower, upper] = m.data.rows.sides(i);
-        amounts.add(outside(activity(m.data.rows, i, x), lower, upper) * scale.row[i], i);
+        amounts.add(outside(row_activity(m.data.rows, i, x), lower, upper) * scale.row[i], i);
     }
     return amounts;
 }
@@ -100,7 +87,7 @@ Amounts constr_residual(const Model& m, bool scaled) {
     for (int i = 0; i < m.num_rows(); ++i) {
         const double right = m.data.rows.rhs[i];
         if (std::fabs(right) >= kInfinityThreshold) continue;
-        amounts.add(std::fabs(activity(m.data.rows, i, x) + slack[i] - right) * scale.row[i], i);
+        amounts.add(std::fabs(row_activity(m.data.rows, i, x) + slack[i] - right) * scale.row[i], i);
     }
     return amounts;
 }
@@ -140,7 +127,8 @@ Amounts complementarity_violation(const Model& m, bool) {
         amounts.add(complementarity(m.data.sense * rc[j], x[j], cols.lb[j], cols.ub[j]), j);
     for (int i = 0; i < m.num_rows(); ++i) {
         const auto [lower, upper] = m.data.rows.sides(i);
-        amounts.add(complementarity(m.data.sense * pi[i], activity(m.data.rows, i, x), lower, upper), m.num_cols() + i);
+        const double value = row_activity(m.data.rows, i, x);
+        amounts.add(complementarity(m.data.sense * pi[i], value, lower, upper), m.num_cols() + i);
     }
     return amounts;
 }
@@ -149,7 +137,7 @@ Amounts integrality_violation(const Model& m, bool) {
     const double* x = primal_values(m).doubles;
     Amounts amounts;
     for (int j = 0; j < m.num_cols(); ++j)
-        if (is_integer_type(m.data.cols.type[j])) amounts.add(std::fabs(x[j] - std::round(x[j])), j);
+        if (is_integer_type(m.data.cols.type[j])) amounts.add(integrality_violation(x[j]), j);
     return amounts;
 }
 

@@ -7,6 +7,7 @@
 #include <set>
 
 #include "bridge/pwl_objective.h"
+#include "solve/check.h"
 #include "solve/store.h"
 
 namespace zelvan {
@@ -125,18 +126,13 @@ private:
 }  // namespace
 
 std::vector<double> objective_values(const ModelData& data, const std::vector<double>& x) {
-    std::vector<double> values;
-    values.reserve(data.objectives.size());
-    values.push_back(data.obj_constant);
-    for (std::size_t j = 0; j < data.cols.obj.size(); ++j) values[0] += data.cols.obj[j] * x[j];
+    std::vector<double> values{main_objective(data, x.data())};
     for (std::size_t k = 1; k < data.objectives.size(); ++k) {
         const Objective& objective = data.objectives[k];
         values.push_back(objective.constant);
         for (std::size_t e = 0; e < objective.coeff.col.size(); ++e)
             values[k] += objective.coeff.val[e] * x[objective.coeff.col[e]];
     }
-    const double direction = data.objectives[0].weight < 0.0 ? -data.sense : data.sense;
-    for (const auto& [j, points] : data.pwl_obj) values[0] += pwl_value(points, x[j], direction);
     return values;
 }
 

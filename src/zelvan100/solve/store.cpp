@@ -4,6 +4,8 @@
 #include <cmath>
 #include <utility>
 
+#include "solve/check.h"
+
 namespace zelvan {
 
 namespace {
@@ -48,15 +50,20 @@ void store_result(const ModelData& data, SolverResult result, Solution& solution
         solution.obj_bound = stored(result.bound);
         solution.mip_gap = kInfinity;
     }
-    if (result.x.empty() && status != ZVN_OPTIMAL) return;
+    if (result.x.size() < data.cols.lb.size() || (result.x.empty() && status != ZVN_OPTIMAL)) return;
 
-    solution.obj_val = result.objective;
-    if (!solution.is_mip && status == ZVN_OPTIMAL) solution.obj_bound = result.objective;
-    if (solution.is_mip) solution.mip_gap = gap(solution.obj_val, solution.obj_bound);
     result.x.resize(data.cols.size());
     solution.x = std::move(result.x);
+    solution.obj_val = main_objective(data, solution.x.data());
+    if (!solution.is_mip && status == ZVN_OPTIMAL) solution.obj_bound = solution.obj_val;
+    if (solution.is_mip) {
+        // What was reached is the better bound where rounding puts it beyond the proven one.
+        if (data.sense * solution.obj_val < data.sense * solution.obj_bound) solution.obj_bound = solution.obj_val;
+        solution.mip_gap = gap(solution.obj_val, solution.obj_bound);
+    }
     solution.slack.resize(data.rows.size());
-    for (int i = 0; i < data.rows.size(); ++i) solution.slack[i] = data.rows.rhs[i] - result.row_activity[i];
+    for (int i = 0; i < data.rows.size(); ++i)
+        solution.slack[i] = data.rows.rhs[i] - row_activity(data.rows, i, solution.x.data());
     if (solution.is_mip || (result.rc.empty() && !solution.x.empty())) return;
     result.rc.resize(data.cols.size());
     result.pi.resize(data.rows.size());

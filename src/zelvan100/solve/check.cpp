@@ -1,0 +1,133 @@
+#include "solve/check.h"
+
+#include <algorithm>
+#include <cmath>
+#include <cstdio>
+#include <limits>
+
+#include "bridge/pwl_objective.h"
+
+namespace zelvan {
+
+namespace {
+
+// Rounding of a sum of products, relative to the sum of their magnitudes: the values of x are rounded themselves,
+// so are the products and the partial sums.
+constexpr double kRounding = 8.0 * std::numeric_limits<double>::epsilon();
+
+// The largest of some breaches. Everything is compared so that NaN is a breach.
+class Worst {
+public:
+    void add(Kind kind, int index, double amount, double tolerance, double rounding, bool of_integrality = false) {
+        if (amount <= tolerance) return;
+        if (amount <= tolerance + kRounding * rounding) return;
+        const double ratio = std::isnan(amount) ? std::numeric_limits<double>::infinity() : amount / tolerance;
+        if (breach_ && ratio <= ratio_) return;
+        ratio_ = ratio;
+        breach_ = {kind, index, of_integrality, amount, tolerance};
+    }
+    const std::optional<Breach>& breach() const { return breach_; }
+
+private:
+    std::optional<Breach> breach_;
+    double ratio_ = 0.0;
+};
+
+double magnitude(const SparseRows& rows, int i, const double* x) {
+    double sum = 0.0;
+    for (std::int64_t k = rows.start[i]; k < rows.start[i + 1]; ++k) sum += std::fabs(rows.val[k] * x[rows.col[k]]);
+    return sum;
+}
+
+void check_columns(const Columns& cols, const double* x, const Tolerances& tolerances, Worst& worst) {
+    for (int j = 0; j < cols.size(); ++j) {
+        const double value = x[j];
+        worst.add(Kind::kColumn, j, bound_violation(cols, j, value), tolerances.feasibility, std::fabs(value));
+        if (is_integer_type(cols.type[j]))
+            worst.add(Kind::kColumn, j, integrality_violation(value), tolerances.integrality, 0.0, true);
+    }
+}
+
+void check_rows(const Rows& rows, const double* x, const Tolerances& tolerances, Worst& worst) {
+    for (int i = 0; i < rows.size(); ++i) {
+        const auto [lower, upper] = rows.sides(i);
+        const double amount = outside(row_activity(rows, i, x), lower, upper);
+        if (amount <= tolerances.feasibility) continue;
+        worst.add(Kind::kRow, i, amount, tolerances.feasibility, magnitude(rows, i, x));
+    }
+}
+
+}  // namespace
+
+double row_activity(const SparseRows& rows, int i, const double* x) {
+    double sum = 0.0;
+    for (std::int64_t k = rows.start[i]; k < rows.start[i + 1]; ++k) sum += rows.val[k] * x[rows.col[k]];
+    return sum;
+}
+
+double outside(double value, double lower, double upper) {
+    const double off = std::max(lower - value, value - upper);
+    return off <= 0.0 ? 0.0 : off;
+}
+
+double bound_violation(const Columns& cols, int j, double value) {
+    double lower = cols.lb[j], upper = cols.ub[j];
+    const char type = cols.type[j];
+    if (type == 'B') {
+        lower = std::max(lower, 0.0);
+        upper = std::min(upper, 1.0);
+    }
+    const double off = outside(value, lower, upper);
+    return type == 'S' || type == 'N' ? std::min(off, std::fabs(value)) : off;
+}
+
+bool is_integer_type(char type) { return type == 'B' || type == 'I' || type == 'N'; }
+
+double integrality_violation(double value) { return std::fabs(value - std::round(value)); }
+
+double sos_violation(const SosSets& sets, int k, const double* x) {
+    const auto begin = static_cast<std::size_t>(sets.start[k]), end = static_cast<std::size_t>(sets.start[k + 1]);
+    std::vector<std::pair<double, double>> members;  // weight, size
+    for (std::size_t m = begin; m < end; ++m) members.emplace_back(sets.val[m], std::fabs(x[sets.col[m]]));
+    std::stable_sort(members.begin(), members.end(), [](const auto& a, const auto& b) { return a.first < b.first; });
+    // The largest members behind each one; those in front of the window are kept while it moves on.
+    const std::size_t size = members.size(), window = static_cast<std::size_t>(sets.type[k]);
+    std::vector<double> behind(size + 1, 0.0);
+    for (std::size_t m = size; m-- > 0;) behind[m] = std::max(behind[m + 1], members[m].second);
+    double front = 0.0, least = behind[0];
+    for (std::size_t m = 0; m < size; ++m) {
+        least = std::min(least, std::max(front, behind[std::min(size, m + window)]));
+        front = std::max(front, members[m].second);
+    }
+    return least;
+}
+
+double main_objective(const ModelData& data, const double* x) {
+    double value = data.obj_constant;
+    for (int j = 0; j < data.cols.size(); ++j) value += data.cols.obj[j] * x[j];
+    const bool reversed = !data.objectives.empty() && data.objectives[0].weight < 0.0;
+    const double direction = reversed ? -data.sense : data.sense;
+    for (const auto& [j, points] : data.pwl_obj) value += pwl_value(points, x[j], direction);
+    return value;
+}
+
+std::optional<Breach> find_breach(const ModelData& data, std::span<const double> x, const Tolerances& tolerances) {
+    Worst worst;
+    check_columns(data.cols, x.data(), tolerances, worst);
+    check_rows(data.rows, x.data(), tolerances, worst);
+    for (int k = 0; k < data.sos.size(); ++k)
+        worst.add(Kind::kSos, k, sos_violation(data.sos, k, x.data()), tolerances.integrality, 0.0);
+    return worst.breach();
+}
+
+std::string text_of(const ModelData& data, const Breach& breach) {
+    const std::string name = breach.kind == Kind::kColumn ? data.col_name(breach.index)
+                             : breach.kind == Kind::kRow  ? data.row_name(breach.index)
+                                                          : data.sos_name(breach.index);
+    char amount[64];
+    std::snprintf(amount, sizeof amount, "%.3g, where %.3g is allowed", breach.amount, breach.tolerance);
+    const char* what = breach.kind != Kind::kColumn ? "" : breach.of_integrality ? "integrality of " : "bounds of ";
+    return what + std::string(spec_of(breach.kind).singular) + " '" + name + "' by " + amount;
+}
+
+}  // namespace zelvan

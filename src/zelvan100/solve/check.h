@@ -1,0 +1,47 @@
+#pragma once
+// What a point is worth on the data that the user wrote, and how far it is off: bounds, types, rows, SOS.
+
+#include <optional>
+#include <span>
+#include <string>
+#include <vector>
+
+#include "core/model_data.h"
+
+namespace zelvan {
+
+double row_activity(const SparseRows& rows, int i, const double* x);
+// How far a value lies outside an interval, 0 inside.
+double outside(double value, double lower, double upper);
+// Distance to the nearest value that bounds and type leave, integrality aside: 0 is left to semi-continuous types.
+double bound_violation(const Columns& cols, int j, double value);
+bool is_integer_type(char type);
+double integrality_violation(double value);
+// The largest member, in absolute value, that is not 0 though it has to be, where the set keeps the members that
+// suit it best.
+double sos_violation(const SosSets& sets, int k, const double* x);
+
+// c'x with the constant and the piecewise-linear terms. In a model of several objectives that of number 0.
+double main_objective(const ModelData& data, const double* x);
+
+struct Tolerances {
+    double feasibility;  // parameter FeasibilityTol, of bounds and rows
+    double integrality;  // parameter IntFeasTol, of integer types and SOS
+};
+
+// What a point violates beyond the tolerances.
+struct Breach {
+    Kind kind;  // column, row or SOS
+    int index;
+    bool of_integrality;  // of a column: not its bounds are violated but its type
+    double amount, tolerance;
+};
+
+// The breach that is largest in terms of its tolerance, none when the point holds. A value counts as within where
+// the rounding of its own evaluation could be all that is wrong with it. x has a value for each column, further ones
+// are ignored.
+std::optional<Breach> find_breach(const ModelData& data, std::span<const double> x, const Tolerances& tolerances);
+// "constraint 'c1' by 0.5, where 1e-06 is allowed"
+std::string text_of(const ModelData& data, const Breach& breach);
+
+}  // namespace zelvan
