@@ -1,6 +1,7 @@
 """Stopping a solve from outside: terminate, Ctrl-C, calls while it runs."""
 
 import os
+import random
 import signal
 import subprocess
 import sys
@@ -8,8 +9,9 @@ import threading
 import time
 
 import pytest
-from solvable import knapsacks
+from solvable import assignment, knapsacks
 
+import zelvanpy
 from zelvanpy import ZVN, ZelvanError
 
 # Solves until Ctrl-C, then shows that Python's own handler is back and nothing is left to happen.
@@ -109,3 +111,60 @@ def test_calls_on_a_model_that_is_being_solved(env_silent):
     m.terminate()
     thread.join()
     assert m.Status == ZVN.INTERRUPTED
+
+
+class Reader:
+    """Stands in for sys.stdout and calls `react` with each text from the first one on that holds `trigger`."""
+
+    def __init__(self, trigger, react):
+        self.trigger, self.react, self.text = trigger, react, ""
+
+    def write(self, text):
+        self.text += text
+        if self.trigger in self.text:
+            self.react()
+
+    def flush(self):
+        pass
+
+
+@pytest.fixture
+def env_loud():
+    env = zelvanpy.Env(empty=True)
+    env.start()
+    yield env
+    env.dispose()
+
+
+def test_terminate_during_presolve(env_loud, monkeypatch):
+    rng = random.Random(1)
+    m = zelvanpy.Model(env=env_loud)
+    x = m.addVars(12000, vtype=ZVN.BINARY, obj={j: rng.randrange(1, 100) for j in range(12000)})
+    m.addConstrs(zelvanpy.quicksum(x[j] for j in rng.sample(range(12000), 500)) == 1 for _ in range(300))
+    log = Reader("Presolving model", m.terminate)
+    monkeypatch.setattr(sys, "stdout", log)
+    m.optimize()
+    assert m.Status == ZVN.INTERRUPTED
+    # The size is told a second time when probing, which takes seconds, is done.
+    assert log.text.count("300 rows, 12000 cols") <= 1
+    # The stop holds for that solve alone.
+    m.Params.NodeLimit = 0
+    m.remove(m.getConstrs()[5:])
+    monkeypatch.setattr(log, "trigger", "never")
+    m.optimize()
+    assert m.Status in (ZVN.OPTIMAL, ZVN.NODE_LIMIT)
+
+
+def test_models_freed_while_another_is_solved(env_silent, env_loud, monkeypatch):
+    solved = [assignment(env_silent, 6) for _ in range(6)]
+    for m in solved:
+        m.optimize()
+    m = knapsacks(env_loud, items=40)
+    m.Params.NodeLimit = 200
+    log = Reader("BestSol", lambda: solved and solved.pop().dispose())
+    monkeypatch.setattr(sys, "stdout", log)
+    m.optimize()
+    assert not solved and m.Status in (ZVN.NODE_LIMIT, ZVN.OPTIMAL)
+    again = knapsacks(env_silent, items=20)
+    again.optimize()
+    assert again.Status == ZVN.OPTIMAL

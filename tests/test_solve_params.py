@@ -241,14 +241,14 @@ def test_files_of_a_solve(env_silent, tmp_path):
     assert values == sorted(values) and values[-1] == pytest.approx(m.ObjVal) and len(values) >= 2
     end = (tmp_path / "end.sol").read_text()
     assert end.startswith("# Objective value = ") and end.count("\n") == m.NumVars + 1
-    m.Params.SolFiles = str(tmp_path / "missing" / "found")
-    m.reset()
-    with pytest.raises(ZelvanError) as caught:
-        m.optimize()
-    assert caught.value.errno == ZVN.ERROR_FILE_WRITE and m.Status == ZVN.LOADED
-    m.Params.SolFiles = ""
-    m.optimize()
-    assert m.SolCount >= 1
+    m.dispose()
+
+
+def test_files_that_cannot_be_written_leave_the_answer(log_of, tmp_path):
+    lost = str(tmp_path / "missing" / "found")
+    m, log = log_of(lambda env: knapsacks(env, 15), SolFiles=lost, ResultFile=lost + ".sol")
+    assert m.Status == ZVN.OPTIMAL and m.SolCount >= 1
+    assert "File '%s_0.sol' was not written" % lost in log and "File '%s.sol' was not written" % lost in log
 
 
 def test_log(log_of, capfd):

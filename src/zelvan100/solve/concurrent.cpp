@@ -20,11 +20,14 @@ public:
     void log(std::string_view text) override {
         if (method_ == kDual) monitor_.log(text);
     }
-    bool stop(const Progress& progress) override { return winner_ != 0 || monitor_.stop(progress); }
-    void incumbent(double, const double*) override {}
+    Answer progress(const Progress& progress) override {
+        return winner_ != 0 ? Answer::kStop : monitor_.progress(progress);
+    }
+    Answer poll() override { return winner_ != 0 ? Answer::kStop : monitor_.poll(); }
+    Answer solution(double, const double*, bool) override { return Answer::kGoOn; }
 
     SolverResult run(HighsSession& session, int threads) {
-        const Attached attached(session, *this);
+        const Attached attached(session, this);
         SolverResult result = session.run(threads);
         const bool decided = result.outcome <= Outcome::kUnbounded;
         int none = 0;
@@ -33,12 +36,6 @@ public:
     }
 
 private:
-    struct Attached {
-        Attached(HighsSession& session, SolveEvents& events) : session_(session) { session_.attach(&events); }
-        ~Attached() { session_.attach(nullptr); }
-        HighsSession& session_;
-    };
-
     Monitor& monitor_;
     std::atomic<int>& winner_;
     const int method_;
@@ -46,8 +43,10 @@ private:
 
 }  // namespace
 
-SolverResult run_concurrently(HighsSession& session, const Problem& problem, Monitor& monitor,
-                              const ParamValues& params, int& winner) {
+SolverResult run_concurrently(const Problem& problem, Context& context) {
+    const ParamValues& params = context.params;
+    HighsSession& session = context.session;
+    Monitor& monitor = context.monitor;
     std::atomic<int> first{0};
     SolverResult by_barrier;
     std::exception_ptr barrier_fault;
@@ -55,9 +54,9 @@ SolverResult run_concurrently(HighsSession& session, const Problem& problem, Mon
         try {
             HighsSession other;
             set_options(other, params, problem);
+            set_limits(other, context);
             other.set_option("output_flag", false);
             other.set_option("solver", "ipx");
-            other.set_option("time_limit", monitor.time_left());
             other.load(problem);
             by_barrier = Racer(monitor, first, kBarrier).run(other, 1);
         } catch (...) {
@@ -69,21 +68,21 @@ SolverResult run_concurrently(HighsSession& session, const Problem& problem, Mon
     Racer dual(monitor, first, kDual);
     try {
         session.set_option("solver", "simplex");
-        session.set_option("time_limit", monitor.time_left());
+        set_limits(session, context);
         by_dual = dual.run(session, params.get_int(Param::Threads));
     } catch (...) {
         dual_fault = std::current_exception();
     }
     barrier.join();
     session.attach(&monitor);
-    winner = first;
-    if (winner == kBarrier) {
+    context.concurrent_winner = first;
+    if (context.concurrent_winner == kBarrier) {
         if (!by_barrier.basis.rows.empty()) session.set_basis(by_barrier.basis);
         monitor.log("Solved by barrier\n");
         return by_barrier;
     }
     if (dual_fault) std::rethrow_exception(dual_fault);
-    if (barrier_fault && winner == 0) std::rethrow_exception(barrier_fault);
+    if (barrier_fault && context.concurrent_winner == 0) std::rethrow_exception(barrier_fault);
     return by_dual;
 }
 

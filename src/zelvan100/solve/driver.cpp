@@ -4,14 +4,17 @@
 #include <cmath>
 #include <cstdio>
 #include <limits>
+#include <memory>
+#include <utility>
 
 #include "bridge/pwl_objective.h"
 #include "bridge/semi_continuous.h"
 #include "core/error.h"
 #include "io/data_files.h"
+#include "io/values.h"
 #include "solve/certificate.h"
 #include "solve/multi_objective.h"
-#include "solve/run.h"
+#include "solve/search.h"
 #include "solve/solve.h"
 #include "solve/store.h"
 
@@ -109,17 +112,50 @@ int status_with_cutoff(int status, bool is_mip, double worse) {
     return status == ZVN_OPTIMAL && worse > 0.0 ? ZVN_CUTOFF : status;
 }
 
-void store_counts(const Run& run, Solution& solution) {
-    solution.runtime = run.monitor.elapsed();
-    solution.work = run.work;
-    solution.iterations = run.iterations;
-    solution.barrier_iterations = run.barrier_iterations;
-    solution.nodes = run.nodes;
-    solution.concurrent_winner = run.concurrent_winner;
+void store_counts(const Context& context, Solution& solution) {
+    solution.runtime = context.monitor.elapsed();
+    solution.work = context.work;
+    solution.iterations = context.iterations;
+    solution.barrier_iterations = context.barrier_iterations;
+    solution.nodes = context.nodes;
+    solution.concurrent_winner = context.concurrent_winner;
 }
 
-Solution solve_single(const ModelData& data, Problem problem, Run& run) {
-    const ParamValues& params = run.params;
+// What a solve tells goes to the model's log, pool and solution files.
+class ModelListener : public Listener {
+public:
+    ModelListener(const Model& model, const ParamValues& params)
+        : model_(model),
+          prefix_(params.get_str(Param::SolFiles)),
+          pool_(params.get_int(Param::PoolSolutions), model.data.sense) {}
+
+    Pool& pool() { return pool_; }
+    void log(std::string_view text) override { model_.env.log(text); }
+    void solution(double objective, const double* x, bool improves) override {
+        if (!improves && !pool_.wants(objective)) return;
+        std::vector<double> point(x, x + model_.num_cols());  // without what bridges added
+        if (improves && !prefix_.empty()) write_file(point, objective);
+        pool_.add(objective, std::move(point));
+    }
+
+private:
+    void write_file(const std::vector<double>& x, double objective) {
+        const std::string path = prefix_ + "_" + std::to_string(num_files_++) + ".sol";
+        try {
+            write_solution(model_.data, x, objective, path);
+        } catch (const Error& e) {
+            log("File '" + path + "' was not written: " + e.text() + "\n");
+        }
+    }
+
+    const Model& model_;
+    const std::string prefix_;
+    int num_files_ = 0;
+    Pool pool_;
+};
+
+Solution solve_single(const ModelData& data, Problem problem, Context& context, Pool& pool) {
+    const ParamValues& params = context.params;
     bridge_pwl_objective(data, problem, 1.0);
     Solution solution;
     solution.is_mip = problem.is_mip();
@@ -127,37 +163,43 @@ Solution solve_single(const ModelData& data, Problem problem, Run& run) {
     const bool has_cutoff = std::abs(cutoff) < kInfinityThreshold;
     if (has_cutoff && solution.is_mip) add_cutoff(problem, cutoff);
 
-    SolverResult result = run.solve(problem, {user_start(data), user_basis(data)});
-    solution.status = run.status_of(result);
+    SolverResult result = search(problem, {user_start(data), user_basis(data)}, context);
+    solution.status = status_of(result, context);
     if (has_cutoff)
         solution.status =
             status_with_cutoff(solution.status, solution.is_mip, data.sense * (result.objective - cutoff));
     store_result(data, std::move(result), solution);
-    store_pool(data, run.monitor.take_solutions(), params, solution);
+    pool.store(params, solution);
     if (params.get_int(Param::InfUnbdInfo) && !solution.is_mip && !is_trivial(problem))
-        store_certificate(data, run.session(), solution);
+        store_certificate(data, context.session, solution);
     if (!data.objectives.empty() && solution.obj_val != kUndefined) solution.multi_obj = {solution.obj_val};
     return solution;
 }
 
 Solution solve(Model& model) {
-    Problem problem(model.data);
-    bridge_semi_continuous(model.data, problem);
-    Run run(model);
-    Solution solution = model.data.objectives.size() > 1 ? solve_multi_objective(model.data, std::move(problem), run)
-                                                         : solve_single(model.data, std::move(problem), run);
-    store_counts(run, solution);
+    const ModelData& data = model.data;
+    ParamValues params = model.env.settings();
+    ModelListener listener(model, params);
+    Monitor monitor(std::move(params), listener, model.stop, std::exchange(model.watch_signal, false));
+    Problem problem(data);
+    bridge_semi_continuous(data, problem);
+    if (!model.session) model.session = std::make_shared<HighsSession>();
+    Context context(*model.session, monitor);
+    Solution solution =
+        data.objectives.size() > 1
+            ? solve_multi_objective(data, std::move(problem), {user_start(data), user_basis(data)}, context)
+            : solve_single(data, std::move(problem), context, listener.pool());
+    store_counts(context, solution);
     return solution;
 }
 
-// A solve without a solution leaves a line instead of a file; any other fault is one of the call.
+// A file that can't be written leaves a line: the answer stays.
 void write_result_file(Model& model) {
     const std::string path = model.env.settings().get_str(Param::ResultFile);
     if (path.empty()) return;
     try {
         write_any(model, path);
     } catch (const Error& e) {
-        if (e.code() != ZVN_ERROR_DATA_NOT_AVAILABLE) throw;
         model.env.log("File '" + path + "' was not written: " + e.text() + "\n");
     }
 }

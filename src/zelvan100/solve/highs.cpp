@@ -10,6 +10,7 @@
 #include <utility>
 
 #include "core/error.h"
+#include "solve/watcher.h"
 
 namespace zelvan {
 
@@ -20,6 +21,7 @@ constexpr int kModelStatusMemoryLimit = 18;
 constexpr int kModelStatusHighsInterrupt = 19;
 // Violation up to which an old solution is given to a changed MIP.
 constexpr double kStartTolerance = 1e-6;
+constexpr const char* kTimeLimit = "time_limit";
 // HighsLogType of error lines.
 constexpr int kLogError = 5;
 
@@ -32,22 +34,38 @@ public:
         if (here_.running == 0 || forked) {
             // After a fork the scheduler's threads are gone: joining them would wait for ever.
             if (here_.threads >= 0 && (forked || here_.threads != wanted)) Highs_resetGlobalScheduler(forked ? 0 : 1);
-            here_ = {wanted, 0, getpid()};
+            here_.threads = wanted;
+            here_.running = 0;
+            here_.process = getpid();
         }
         ++here_.running;
     }
-    ~Scheduler() { --here_.running; }
+    ~Scheduler() {
+        if (--here_.running == 0) destroy_retired();
+    }
     Scheduler(const Scheduler&) = delete;
     Scheduler& operator=(const Scheduler&) = delete;
     // Value for the option `threads`. A solve in a callback of another one has to take what is there.
     int threads() const { return here_.threads == wanted_ ? wanted_ : 0; }
+
+    // Destroys an instance of HiGHS, which ends the scheduler of the calling thread: only after a solve that
+    // runs on it, in whose callbacks this may be called.
+    static void retire(std::list<void*>& instance) {
+        here_.retired.splice(here_.retired.end(), instance);
+        if (here_.running == 0) destroy_retired();
+    }
 
 private:
     struct Here {
         int threads = -1;  // as asked for; -1 before the first solve on this thread
         int running = 0;
         pid_t process = 0;
+        std::list<void*> retired;
     };
+    static void destroy_retired() {
+        for (void* highs : here_.retired) Highs_destroy(highs);
+        here_.retired.clear();
+    }
     static thread_local Here here_;
     const int wanted_;
 };
@@ -166,35 +184,26 @@ struct HighsSession::Callback {
         return progress;
     }
 
-    // The answer is whether the solve must end.
-    static bool dispatch(HighsSession& session, int type, const char* message, const HighsCallbackDataOut& data) {
+    static Answer dispatch(HighsSession& session, int type, const char* message, const HighsCallbackDataOut& data) {
+        SolveEvents& events = *session.events_;
         switch (type) {
             case kHighsCallbackLogging:
-                if (data.log_type == kLogError) {
-                    std::lock_guard lock(session.mutex_);
-                    session.fault_ = message;
-                }
-                session.events_->log(message);
-                return false;
+                if (data.log_type == kLogError) session.fault_ = message;
+                events.log(message);
+                return Answer::kGoOn;
+            case kHighsCallbackMipSolution:
             case kHighsCallbackMipImprovingSolution:
-                session.events_->incumbent(data.objective_function_value, data.mip_solution);
-                return false;
+                return events.solution(data.objective_function_value, data.mip_solution,
+                                       type == kHighsCallbackMipImprovingSolution);
             default:
-                return session.failed_ || session.events_->stop(progress_of(type, data));
+                return events.progress(progress_of(type, data));
         }
     }
 
     static void call(int type, const char* message, const HighsCallbackDataOut* data, HighsCallbackDataIn* answer,
                      void* user) {
         HighsSession& session = *static_cast<HighsSession*>(user);
-        bool stop = false;
-        try {
-            stop = session.events_ && dispatch(session, type, message, *data);
-        } catch (...) {
-            std::lock_guard lock(session.mutex_);
-            if (!session.thrown_) session.thrown_ = std::current_exception();
-            stop = session.failed_ = true;
-        }
+        const bool stop = session.must_stop([&] { return dispatch(session, type, message, *data); });
         const bool asks = type == kHighsCallbackSimplexInterrupt || type == kHighsCallbackIpmInterrupt ||
                           type == kHighsCallbackMipInterrupt;
         // HiGHS keeps the answer of the last call, so it is given each time.
@@ -202,16 +211,50 @@ struct HighsSession::Callback {
     }
 };
 
-HighsSession::HighsSession() : highs_(Highs_create()) {
+HighsSession::HighsSession() : highs_(Highs_create()), instance_{highs_} {
     if (!highs_) throw std::bad_alloc();
     set_option("log_to_console", false);
     check(Highs_setCallback(highs_, &Callback::call, this), "set the callback");
     for (int type : {kHighsCallbackLogging, kHighsCallbackSimplexInterrupt, kHighsCallbackIpmInterrupt,
-                     kHighsCallbackMipInterrupt, kHighsCallbackMipImprovingSolution})
+                     kHighsCallbackMipInterrupt, kHighsCallbackMipSolution, kHighsCallbackMipImprovingSolution})
         check(Highs_startCallback(highs_, type), "start the callback");
 }
 
-HighsSession::~HighsSession() { Highs_destroy(highs_); }
+HighsSession::~HighsSession() { Scheduler::retire(instance_); }
+
+template <class Question>
+bool HighsSession::must_stop(Question question) noexcept {
+    try {
+        if (events_ && question() == Answer::kStop) stopped_ = true;
+    } catch (...) {
+        const std::lock_guard lock(mutex_);
+        if (!thrown_) thrown_ = std::current_exception();
+        stopped_ = true;
+    }
+    return stopped_;
+}
+
+// A long call of HiGHS, which the events may stop. Its presolve asks nobody, but looks at the option time_limit.
+template <class Call>
+int HighsSession::watched(Call call) {
+    thrown_ = nullptr;
+    stopped_ = false;
+    fault_.clear();
+    int status = 0;
+    {
+        const Scheduler scheduler(threads_);
+        set_option("threads", scheduler.threads());
+        // The one word that HiGHS reads while it is written: an aligned double, of which no processor shows a
+        // half, written by a function that else only reads. Again each time, as HiGHS may restore its options.
+        const Watcher watcher([this] {
+            if (must_stop([this] { return events_->poll(); })) Highs_setDoubleOptionValue(highs_, kTimeLimit, 0.0);
+        });
+        status = call();
+    }
+    if (stopped_) set_option(kTimeLimit, time_limit_);
+    if (thrown_) std::rethrow_exception(thrown_);
+    return status;
+}
 
 void HighsSession::attach(SolveEvents* events) { events_ = events; }
 
@@ -335,18 +378,20 @@ bool HighsSession::set_start(const std::vector<double>& x) {
            kHighsStatusError;
 }
 
+void HighsSession::set_time_limit(double seconds) {
+    time_limit_ = seconds;
+    set_option(kTimeLimit, seconds);
+}
+
 SolverResult HighsSession::run(int threads) {
-    thrown_ = nullptr;
-    failed_ = false;
-    fault_.clear();
-    const Scheduler scheduler(threads);
-    set_option("threads", scheduler.threads());
+    threads_ = threads;
     Highs_zeroAllClocks(highs_);  // they run on over several solves, and the time limit with them
-    const int status = Highs_run(highs_);
-    if (thrown_) std::rethrow_exception(thrown_);
+    const int status = watched([this] { return Highs_run(highs_); });
     const int model_status = Highs_getModelStatus(highs_);
     if (status == kHighsStatusError && model_status != kModelStatusMemoryLimit) check(status, "solve the model");
-    return fetch();
+    SolverResult result = fetch();
+    if (stopped_ && result.outcome == Outcome::kTimeLimit) result.outcome = Outcome::kStopped;
+    return result;
 }
 
 SolverResult HighsSession::fetch() {
@@ -392,8 +437,7 @@ std::vector<double> HighsSession::primal_ray() { return certificate(cost_.size()
 std::vector<double> HighsSession::certificate(std::size_t size, int (*get)(const void*, int*, double*)) {
     HighsInt found = 0;
     std::vector<double> ray(size);
-    const int status = get(highs_, &found, ray.data());
-    if (thrown_) std::rethrow_exception(thrown_);
+    const int status = watched([&] { return get(highs_, &found, ray.data()); });
     return status != kHighsStatusError && found ? ray : std::vector<double>();
 }
 

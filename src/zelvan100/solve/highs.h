@@ -4,6 +4,8 @@
 #include <atomic>
 #include <cstdint>
 #include <exception>
+#include <limits>
+#include <list>
 #include <mutex>
 #include <string>
 #include <string_view>
@@ -22,15 +24,20 @@ struct Progress {
     double primal_bound = 0.0, dual_bound = 0.0;  // of a MIP, infinite while there is none
 };
 
-// What a solve tells while it runs, on any thread. An exception ends the solve and leaves run().
+enum class Answer { kGoOn, kStop };
+
+// What a solve tells while it runs, and how it goes on. HiGHS tells it on the thread that called, with no lock
+// held. An exception ends the solve and leaves run().
 class SolveEvents {
 public:
     virtual ~SolveEvents() = default;
     virtual void log(std::string_view text) = 0;
-    // Whether the solve must end. Called often.
-    virtual bool stop(const Progress& progress) = 0;
-    // A MIP solution better than those before; x has all columns of the solver model.
-    virtual void incumbent(double objective, const double* x) = 0;
+    // Called often, but not during presolve.
+    virtual Answer progress(const Progress& progress) = 0;
+    // Called now and then all the time, on another thread.
+    virtual Answer poll() = 0;
+    // A MIP solution, better than those before if `improves`; x has all columns of the problem.
+    virtual Answer solution(double objective, const double* x, bool improves) = 0;
 };
 
 enum class Outcome {
@@ -41,7 +48,7 @@ enum class Outcome {
     kTimeLimit,
     kIterationLimit,
     kSolutionLimit,  // of solutions or nodes
-    kStopped,        // by SolveEvents::stop
+    kStopped,        // by an answer of SolveEvents
     kMemory,
     kUnknown,
 };
@@ -75,6 +82,8 @@ public:
     void set_option(const char* name, int value);
     void set_option(const char* name, double value);
     void set_option(const char* name, const char* value);
+    // Of each run by itself; infinite for none.
+    void set_time_limit(double seconds);
 
     // Hands the model over; after the first call only what differs. The basis stays, and the latest
     // solution of a MIP where it is still feasible.
@@ -104,6 +113,10 @@ public:
 private:
     struct Callback;  // what HiGHS calls
 
+    template <class Question>
+    bool must_stop(Question question) noexcept;
+    template <class Call>
+    int watched(Call call);
     void check(int status, const char* what);
     void pass(const Problem& model);
     void pass_changes(const Problem& model);
@@ -111,11 +124,14 @@ private:
     std::vector<double> certificate(std::size_t size, int (*get)(const void*, int*, double*));
 
     void* highs_;
+    std::list<void*> instance_;  // highs_, in a node that needs no memory to be queued for destruction
+    int threads_ = 0;            // as asked for
+    double time_limit_ = std::numeric_limits<double>::infinity();  // the option, which a stop sets to 0
     SolveEvents* events_ = nullptr;
-    std::atomic<bool> failed_{false};
-    std::mutex mutex_;           // guards the two below: HiGHS calls back on several threads
-    std::exception_ptr thrown_;  // by events_, set when failed_ is
-    std::string fault_;          // the latest error line of the log
+    std::atomic<bool> stopped_{false};  // by an answer or an exception
+    std::mutex mutex_;                  // guards thrown_
+    std::exception_ptr thrown_;         // by events_
+    std::string fault_;                 // the latest error line of the log
 
     // What HiGHS holds, to find what differs in the next model. The matrix is known by its hash.
     bool loaded_ = false;
@@ -126,6 +142,18 @@ private:
     std::uint64_t matrix_hash_ = 0;
     Basis basis_;                    // of the latest LP solve
     std::vector<double> incumbent_;  // of the latest MIP solve
+};
+
+// While one of these lives, the session tells the events.
+class Attached {
+public:
+    Attached(HighsSession& session, SolveEvents* events) : session_(session) { session_.attach(events); }
+    ~Attached() { session_.attach(nullptr); }
+    Attached(const Attached&) = delete;
+    Attached& operator=(const Attached&) = delete;
+
+private:
+    HighsSession& session_;
 };
 
 }  // namespace zelvan

@@ -9,7 +9,7 @@
 #include <limits>
 #include <utility>
 
-#include "io/values.h"
+#include "core/error.h"
 
 namespace zelvan {
 
@@ -40,21 +40,20 @@ double resident_memory() {
     return resident * static_cast<double>(sysconf(_SC_PAGESIZE));
 }
 
-Monitor::Monitor(Model& model, const ParamValues& params)
-    : model_(model),
-      params_(params),
-      watch_(model.watch_signal),
-      work_limit_(params_.get_dbl(Param::WorkLimit)),
-      iteration_limit_(params_.get_dbl(Param::IterationLimit)),
-      memory_limit_(params_.get_dbl(Param::MemLimit)),
-      soft_memory_limit_(params_.get_dbl(Param::SoftMemLimit)) {
-    model.watch_signal = false;
-}
+Monitor::Monitor(ParamValues values, Listener& listener, const std::atomic<bool>& stop, bool watch_signal)
+    : params(std::move(values)),
+      listener_(listener),
+      stop_(stop),
+      watch_(watch_signal),
+      work_limit_(params.get_dbl(Param::WorkLimit)),
+      iteration_limit_(params.get_dbl(Param::IterationLimit)),
+      memory_limit_(params.get_dbl(Param::MemLimit)),
+      soft_memory_limit_(params.get_dbl(Param::SoftMemLimit)) {}
 
-void Monitor::begin_run(const Problem& model) {
-    work_unit_ = kWorkOfIteration * (static_cast<double>(model.num_rows()) + model.num_cols() + model.num_entries());
-    found_.clear();
-    num_solutions_ = 0;
+void Monitor::begin_run(const Problem& problem) {
+    sense_ = problem.sense;
+    work_unit_ =
+        kWorkOfIteration * (static_cast<double>(problem.num_rows()) + problem.num_cols() + problem.num_entries());
 }
 
 void Monitor::begin_count(double work_before, double iterations_before) {
@@ -67,7 +66,7 @@ double Monitor::elapsed() const {
 }
 
 double Monitor::time_left() const {
-    const double limit = params_.get_dbl(Param::TimeLimit);
+    const double limit = params.get_dbl(Param::TimeLimit);
     return limit >= kInfinityThreshold ? std::numeric_limits<double>::infinity() : std::max(0.0, limit - elapsed());
 }
 
@@ -76,22 +75,21 @@ double Monitor::work_of(const Progress& progress) const {
                                         kIterationsOfNode * progress.nodes);
 }
 
-std::vector<Monitor::Found> Monitor::take_solutions() {
-    std::lock_guard lock(mutex_);
-    return std::move(found_);
+Answer Monitor::stop_with(int status) {
+    int none = 0;
+    if (status) stop_status_.compare_exchange_strong(none, status);
+    return stop_status_ ? Answer::kStop : Answer::kGoOn;
 }
 
-bool Monitor::stop(const Progress& progress) {
-    if (stop_status_) return true;
-    int status = 0;
-    if (model_.stop || watch_.interrupted())
-        status = ZVN_INTERRUPTED;
-    else
-        status = limit_reached(progress);
+Answer Monitor::poll() {
+    if (stop_status_) return Answer::kStop;
+    return stop_with(stop_ || watch_.interrupted() ? ZVN_INTERRUPTED : memory_status());
+}
+
+Answer Monitor::progress(const Progress& progress) {
+    int status = limit_reached(progress);
     if (!status && progress.is_mip) status = bound_reached(progress);
-    if (!status) status = memory_status();
-    if (status) stop_status_ = status;
-    return status != 0;
+    return poll() == Answer::kStop ? Answer::kStop : stop_with(status);
 }
 
 int Monitor::limit_reached(const Progress& progress) const {
@@ -102,14 +100,13 @@ int Monitor::limit_reached(const Progress& progress) const {
 }
 
 int Monitor::bound_reached(const Progress& progress) const {
-    const int sense = model_.data.sense;
-    const double good_objective = params_.get_dbl(Param::BestObjStop);
-    const double good_bound = params_.get_dbl(Param::BestBdStop);
+    const double good_objective = params.get_dbl(Param::BestObjStop);
+    const double good_bound = params.get_dbl(Param::BestBdStop);
     const auto given = [](double value) { return std::abs(value) < kInfinityThreshold; };
-    if (num_solutions_ && given(good_objective) && sense * progress.primal_bound <= sense * good_objective)
+    if (num_solutions_ && given(good_objective) && sense_ * progress.primal_bound <= sense_ * good_objective)
         return ZVN_USER_OBJ_LIMIT;
-    if (num_solutions_ >= params_.get_int(Param::SolutionLimit)) return ZVN_SOLUTION_LIMIT;
-    return given(good_bound) && sense * progress.dual_bound >= sense * good_bound ? ZVN_USER_OBJ_LIMIT : 0;
+    if (num_solutions_ >= params.get_int(Param::SolutionLimit)) return ZVN_SOLUTION_LIMIT;
+    return given(good_bound) && sense_ * progress.dual_bound >= sense_ * good_bound ? ZVN_USER_OBJ_LIMIT : 0;
 }
 
 int Monitor::memory_status() {
@@ -124,46 +121,46 @@ int Monitor::memory_status() {
     return soft && gigabytes > soft_memory_limit_ ? ZVN_MEM_LIMIT : 0;
 }
 
-void Monitor::incumbent(double objective, const double* x) {
-    std::lock_guard lock(mutex_);
-    Found found{objective, std::vector<double>(x, x + model_.num_cols())};
-    if (const std::string& prefix = params_.get_str(Param::SolFiles); !prefix.empty())
-        write_solution(model_.data, found.x, objective, prefix + "_" + std::to_string(num_files_++) + ".sol");
-    ++num_solutions_;
-    if (static_cast<int>(found_.size()) == params_.get_int(Param::PoolSolutions)) found_.erase(found_.begin());
-    found_.push_back(std::move(found));
+Answer Monitor::solution(double objective, const double* x, bool improves) {
+    listener_.solution(objective, x, improves);
+    if (improves) ++num_solutions_;
+    return stop_with(num_solutions_ >= params.get_int(Param::SolutionLimit) ? ZVN_SOLUTION_LIMIT : 0);
 }
 
 void Monitor::log(std::string_view text) {
-    std::lock_guard lock(mutex_);
-    while (!text.empty()) {
-        const std::size_t length = std::min(text.find('\n'), text.size() - 1) + 1;
-        log_line(text.substr(0, length));
-        text.remove_prefix(length);
+    std::string shown;
+    {
+        const std::lock_guard lock(mutex_);
+        while (!text.empty()) {
+            const std::size_t length = std::min(text.find('\n'), text.size() - 1) + 1;
+            take_line(text.substr(0, length), shown);
+            text.remove_prefix(length);
+        }
     }
+    if (!shown.empty()) listener_.log(shown);
 }
 
 // Of progress lines that follow each other within DisplayInterval only the last one is shown.
-void Monitor::log_line(std::string_view line) {
-    if (!is_progress(line)) {
-        if (!held_line_.empty()) model_.env.log(std::exchange(held_line_, {}));
-        line_shown_ = -1e100;
-        model_.env.log(line);
-        return;
-    }
+void Monitor::take_line(std::string_view line, std::string& shown) {
+    const bool timed = is_progress(line);
     const double now = elapsed();
-    if (now - line_shown_ < params_.get_int(Param::DisplayInterval)) {
+    if (timed && now - line_shown_ < params.get_int(Param::DisplayInterval)) {
         held_line_ = line;
         return;
     }
+    if (!timed) shown += held_line_;
     held_line_.clear();
-    line_shown_ = now;
-    model_.env.log(line);
+    shown += line;
+    line_shown_ = timed ? now : -1e100;
 }
 
 void Monitor::flush_log() {
-    std::lock_guard lock(mutex_);
-    if (!held_line_.empty()) model_.env.log(std::exchange(held_line_, {}));
+    std::string shown;
+    {
+        const std::lock_guard lock(mutex_);
+        shown.swap(held_line_);
+    }
+    if (!shown.empty()) listener_.log(shown);
 }
 
 }  // namespace zelvan

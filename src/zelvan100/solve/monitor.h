@@ -1,13 +1,12 @@
 #pragma once
-// Watches a solve: stops it at limits that HiGHS doesn't have, collects its solutions and passes its log on.
+// Watches searches: stops them at limits that HiGHS doesn't have, and passes on what they tell.
 
 #include <atomic>
 #include <chrono>
 #include <mutex>
 #include <string>
-#include <vector>
 
-#include "core/model.h"
+#include "param/param.h"
 #include "solve/highs.h"
 #include "solve/signal.h"
 
@@ -16,13 +15,23 @@ namespace zelvan {
 // Resident memory of this process in bytes; 0 where the system doesn't tell.
 double resident_memory();
 
+// Where goes what a search tells, on the thread that calls it, with no lock held.
+class Listener {
+public:
+    virtual ~Listener() = default;
+    virtual void log(std::string_view text) = 0;
+    // A MIP solution, better than those before if `improves`; x has the columns of the problem.
+    virtual void solution(double objective, const double* x, bool improves) = 0;
+};
+
 class Monitor : public SolveEvents {
 public:
-    // The parameters must outlive this.
-    Monitor(Model& model, const ParamValues& params);
+    // `stop` is polled, and Ctrl-C if `watch_signal`. Time counts from now on.
+    Monitor(ParamValues params, Listener& listener, const std::atomic<bool>& stop, bool watch_signal);
 
-    // Begins a run on a model of this size.
-    void begin_run(const Problem& model);
+    const ParamValues params;  // as they stood at the begin
+
+    void begin_run(const Problem& problem);
     // Work and simplex iterations of earlier runs, on top of which those of the next one count.
     void begin_count(double work_before, double iterations_before);
     double elapsed() const;  // seconds since this was made
@@ -31,40 +40,38 @@ public:
     // The status that a stop asked for ends with, 0 when there was none.
     int stop_status() const { return stop_status_; }
     double work_of(const Progress& progress) const;
-    // Solutions of the run, best last, cut off behind the model's own columns.
-    struct Found {
-        double objective;
-        std::vector<double> x;
-    };
-    std::vector<Found> take_solutions();
+    // Improving solutions of all runs.
     int num_solutions() const { return num_solutions_; }
     // Shows a progress line that was held back as too early.
     void flush_log();
 
     void log(std::string_view text) override;
-    bool stop(const Progress& progress) override;
-    void incumbent(double objective, const double* x) override;
+    Answer progress(const Progress& progress) override;
+    Answer poll() override;
+    Answer solution(double objective, const double* x, bool improves) override;
 
 private:
     int limit_reached(const Progress& progress) const;
     int bound_reached(const Progress& progress) const;
     int memory_status();
-    void log_line(std::string_view line);
+    // Ends with the first status that is not 0.
+    Answer stop_with(int status);
+    // Adds to `shown` what is due of the line.
+    void take_line(std::string_view line, std::string& shown);
 
-    Model& model_;
-    const ParamValues& params_;
+    Listener& listener_;
+    const std::atomic<bool>& stop_;
     InterruptWatch watch_;
     const std::chrono::steady_clock::time_point begin_ = std::chrono::steady_clock::now();
     std::atomic<int> stop_status_{0};
     std::atomic<int> num_solutions_{0};
     std::atomic<double> memory_checked_{0.0};  // elapsed() of the latest look at the memory
 
+    int sense_ = 1;
     double work_unit_ = 0.0, work_before_ = 0.0, iterations_before_ = 0.0;
     const double work_limit_, iteration_limit_, memory_limit_, soft_memory_limit_;
 
-    std::mutex mutex_;  // guards what follows
-    std::vector<Found> found_;
-    int num_files_ = 0;           // written for SolFiles
+    std::mutex mutex_;            // guards what follows
     double line_shown_ = -1e100;  // elapsed() of the latest progress line
     std::string held_line_;
 };

@@ -31,7 +31,7 @@ struct Blend {
 
 class Hierarchy {
 public:
-    Hierarchy(const ModelData& data, Problem base, Run& run) : data_(data), problem_(std::move(base)), run_(run) {
+    Hierarchy(const ModelData& data, Problem base, Start start, Context& context) : data_(data), problem_(std::move(base)), start_(std::move(start)), context_(context) {
         const double weight = data.objectives[0].weight;
         for (int j = 0; j < data.cols.size(); ++j) problem_.cost[j] = weight * data.cols.obj[j];
         problem_.offset = weight * data.obj_constant;
@@ -46,12 +46,13 @@ public:
         solution.is_mip = problem_.is_mip();
         SolverResult best;
         for (int priority : priorities) {
-            SolverResult result = solve_priority(priority, best);
-            solution.status = run_.status_of(result);
+            SolverResult result = solve_priority(priority);
+            solution.status = status_of(result, context_);
             // A later solve that found no point leaves the point of the one before.
             if (!result.x.empty() || best.x.empty()) best = std::move(result);
             if (solution.status != ZVN_OPTIMAL) break;
             limit_worsening(priority, best.x);
+            start_ = {best.x, {}};
         }
         store_result(data_, std::move(best), solution);
         return without_single_objective_values(std::move(solution));
@@ -71,14 +72,12 @@ private:
         return blend;
     }
 
-    SolverResult solve_priority(int priority, const SolverResult& before) {
+    SolverResult solve_priority(int priority) {
         const Blend blend = blend_of(priority);
         problem_.cost = blend.cost;
         problem_.offset = blend.offset;
-        run_.monitor.log("\nSolving for the objectives of priority " + std::to_string(priority) + "\n");
-        Run::Start start;
-        start.x = before.x;
-        return run_.solve(problem_, start);
+        context_.monitor.log("\nSolving for the objectives of priority " + std::to_string(priority) + "\n");
+        return search(problem_, start_, context_);
     }
 
     void limit_worsening(int priority, const std::vector<double>& x) {
@@ -119,7 +118,8 @@ private:
 
     const ModelData& data_;
     Problem problem_;
-    Run& run_;
+    Start start_;  // of the next solve
+    Context& context_;
     Blend main_;  // the main objective with its weight, over the columns of the problem
 };
 
@@ -136,8 +136,8 @@ std::vector<double> objective_values(const ModelData& data, const std::vector<do
     return values;
 }
 
-Solution solve_multi_objective(const ModelData& data, Problem base, Run& run) {
-    return Hierarchy(data, std::move(base), run).solve();
+Solution solve_multi_objective(const ModelData& data, Problem base, Start start, Context& context) {
+    return Hierarchy(data, std::move(base), std::move(start), context).solve();
 }
 
 }  // namespace zelvan

@@ -17,8 +17,6 @@ struct IntOption {
     Param param;
 };
 constexpr IntOption kIntOptions[] = {
-    {"ipm_iteration_limit", Param::BarIterLimit},
-    {"mip_max_improving_sols", Param::SolutionLimit},
     {"random_seed", Param::Seed},
 };
 
@@ -97,8 +95,6 @@ void set_options(HighsSession& session, const ParamValues& params, const Problem
     // HiGHS holds rows of a MIP to its integrality tolerance, so the tighter one serves both.
     session.set_option("mip_feasibility_tolerance",
                        std::min(tolerance(params, Param::IntFeasTol, 1e-6), params.get_dbl(Param::FeasibilityTol)));
-    session.set_option("simplex_iteration_limit", clamped(params.get_dbl(Param::IterationLimit)));
-    session.set_option("mip_max_nodes", clamped(params.get_dbl(Param::NodeLimit)));
     session.set_option("mip_min_logging_interval", static_cast<double>(params.get_int(Param::DisplayInterval)));
     session.set_option("factor_pivot_threshold", pivot_threshold(params));
     session.set_option("mip_detect_symmetry", params.get_int(Param::Symmetry) != 0);
@@ -108,6 +104,8 @@ void set_options(HighsSession& session, const ParamValues& params, const Problem
         session.set_option("presolve_substitution_maxfillin", 10);
     session.set_option("allow_unbounded_or_infeasible",
                        params.get_int(Param::DualReductions) != 0 && params.get_int(Param::InfUnbdInfo) == 0);
+    session.set_option("output_flag", params.get_int(Param::OutputFlag) && (params.get_int(Param::LogToConsole) ||
+                                                                            !params.get_str(Param::LogFile).empty()));
     set_presolve_passes(session, params.get_int(Param::PrePasses), model);
 }
 

@@ -5,8 +5,7 @@
 
 namespace zelvan {
 
-// The parameters that HiGHS has options for. Limits of time and of what is counted across several runs
-// are set by the driver.
+// The parameters that HiGHS has options for, without the limits.
 void set_options(HighsSession& session, const ParamValues& params, const Problem& model);
 
 }  // namespace zelvan

@@ -71,21 +71,30 @@ void store_result(const ModelData& data, SolverResult result, Solution& solution
     solution.pi = std::move(result.pi);
 }
 
-void store_pool(const ModelData& data, std::vector<Monitor::Found> found, const ParamValues& params,
-                Solution& solution) {
+bool Pool::wants(double objective) const {
+    return found_.size() < capacity_ || sense_ * objective < sense_ * found_.back().objective;
+}
+
+void Pool::add(double objective, std::vector<double> x) {
+    const auto worse = [this](double value, const Found& other) { return sense_ * value < sense_ * other.objective; };
+    const auto place = std::upper_bound(found_.begin(), found_.end(), objective, worse);
+    for (auto equal = place; equal != found_.begin() && (--equal)->objective == objective;)
+        if (equal->x == x) return;
+    found_.insert(place, {objective, std::move(x)});
+    if (found_.size() > capacity_) found_.pop_back();
+}
+
+void Pool::store(const ParamValues& params, Solution& solution) {
     if (!solution.is_mip || solution.x.empty()) return;
     const double best = solution.obj_val;
     solution.pool.push_back(solution.x);
     solution.pool_obj.push_back(best);
     const double most = std::min(params.get_dbl(Param::PoolGapAbs), params.get_dbl(Param::PoolGap) * std::abs(best));
-    std::stable_sort(found.begin(), found.end(), [&](const Monitor::Found& a, const Monitor::Found& b) {
-        return data.sense * a.objective < data.sense * b.objective;
-    });
-    for (Monitor::Found& other : found) {
-        const double worse = data.sense * (other.objective - best);
+    for (Found& other : found_) {
+        const double worse = sense_ * (other.objective - best);
         // The search hands the final solution over too, at times with a last digit changed.
         if (worse <= 1e-9 * std::max(1.0, std::abs(best)) || worse > most) continue;
-        if (static_cast<int>(solution.pool.size()) >= params.get_int(Param::PoolSolutions)) break;
+        if (solution.pool.size() >= capacity_) break;
         solution.pool.push_back(std::move(other.x));
         solution.pool_obj.push_back(other.objective);
     }
