@@ -305,9 +305,21 @@ def test_a_bad_value_is_refused_by_name_and_index_and_nothing_of_its_list_is_kep
         error = small.refused("set", "LB", [1.0, 1.0], ind)
         assert error.code == BAD_INDEX and str(ind[1]) in error.text
     assert state() == before
-    assert small.refused("set", "RHS", -INF, 0).code == BAD_VALUE
     assert small.refused("set", "ModelSense", 0).code == BAD_VALUE
     assert small.refused("set", "NumVars", 3).code == INVALID
+
+
+def test_a_side_is_held_against_its_sense_at_the_update(small):
+    before = [small.get(name, range(2)) for name in ("Sense", "RHS")]
+    small.set("RHS", -INF, 0)
+    small.set("Sense", "<", 0)
+    small.set("LB", -7.0, 0)
+    error = small.refused("update")
+    assert error.code == BAD_VALUE and small.get("ConstrName", 0) in error.text
+    assert [small.get(name, range(2)) for name in ("Sense", "RHS")] == before and small.get("LB", 0) != -7.0
+    small.set("Sense", ">", 0)  # what was queued stays and is right now
+    small.update()
+    assert (small.get("Sense", 0), small.get("RHS", 0), small.get("LB", 0)) == (">", -INF, -7.0)
 
 
 def test_calls_of_the_wrong_shape_type_or_index_are_refused(small):

@@ -88,41 +88,71 @@ int ZVNclean3(int* numqnz, int* qrow, int* qcol, double* qval) {
 
 namespace {
 
-template <class Delete>
-int delete_some(ZVNmodel* model, int num, const int* ind, Delete&& act) {
+// The entries of rows or sets start .. start+num-1; without ind or val only their number and starts.
+void get_rows(const SparseRows& rows, int size, Kind kind, int* numnz, int* beg, int* ind, double* val, int start,
+              int num) {
+    require(numnz, "numnz");
+    if (start < 0 || num < 0 || start > size - num)
+        throw Error(ZVN_ERROR_INDEX_OUT_OF_RANGE, std::string("Not all ") + spec_of(kind).plural + " from " +
+                                                      std::to_string(start) + " to " +
+                                                      std::to_string(static_cast<long long>(start) + num - 1) +
+                                                      " are in the model");
+    const std::int64_t first = rows.start[start], count = rows.start[start + num] - first;
+    if (count > ZVN_MAXINT)
+        throw Error(ZVN_ERROR_EXCEED_2B_NONZEROS, "The rows have more than 2 billion entries; ask for fewer rows");
+    *numnz = static_cast<int>(count);
+    if (beg)
+        for (int i = 0; i < num; ++i) beg[i] = static_cast<int>(rows.start[start + i] - first);
+    if (!ind || !val) return;
+    std::copy_n(rows.col.begin() + first, count, ind);
+    std::copy_n(rows.val.begin() + first, count, val);
+}
+
+int delete_objects(ZVNmodel* model, Kind kind, int num, const int* ind) {
     return change_model(model, [&](Model& m) {
         if (num < 0) throw Error(ZVN_ERROR_INVALID_ARGUMENT, "Number of deletions is negative");
         if (num > 0) require(ind, "ind");
-        act(m);
-    });
-}
-
-int delete_none(ZVNmodel* model, int num, const int* ind, const char* kind) {
-    return delete_some(model, num, ind, [&](Model&) {
-        if (num > 0)
-            throw Error(ZVN_ERROR_INDEX_OUT_OF_RANGE, std::string(kind) + " " + std::to_string(ind[0]) +
-                                                          " can't be deleted: the model has none of this kind");
+        m.delete_objects(kind, num, ind);
     });
 }
 
 }  // namespace
 
-int ZVNdelvars(ZVNmodel* model, int num, const int* ind) {
-    return delete_some(model, num, ind, [&](Model& m) { m.delete_cols(num, ind); });
-}
+int ZVNdelvars(ZVNmodel* model, int num, const int* ind) { return delete_objects(model, Kind::kColumn, num, ind); }
 
-int ZVNdelconstrs(ZVNmodel* model, int num, const int* ind) {
-    return delete_some(model, num, ind, [&](Model& m) { m.delete_rows(num, ind); });
-}
+int ZVNdelconstrs(ZVNmodel* model, int num, const int* ind) { return delete_objects(model, Kind::kRow, num, ind); }
 
-int ZVNdelsos(ZVNmodel* model, int num, const int* ind) { return delete_none(model, num, ind, "SOS constraint"); }
+int ZVNdelsos(ZVNmodel* model, int num, const int* ind) { return delete_objects(model, Kind::kSos, num, ind); }
 
 int ZVNdelqconstrs(ZVNmodel* model, int num, const int* ind) {
-    return delete_none(model, num, ind, "Quadratic constraint");
+    return delete_objects(model, Kind::kQuadRow, num, ind);
 }
 
 int ZVNdelgenconstrs(ZVNmodel* model, int num, const int* ind) {
-    return delete_none(model, num, ind, "General constraint");
+    return delete_objects(model, Kind::kGeneral, num, ind);
+}
+
+int ZVNaddsos(ZVNmodel* model, int numsos, int nummembers, const int* types, const int* beg, const int* ind,
+              const double* weight) {
+    return change_model(model, [&](Model& m) {
+        if (numsos > 0) {
+            require(types, "types");
+            if (nummembers > 0) require(beg, "beg");
+        }
+        if (nummembers > 0) {
+            require(ind, "ind");
+            require(weight, "weight");
+        }
+        m.add_sos(numsos, nummembers, types, beg, ind, weight);
+    });
+}
+
+int ZVNgetsos(ZVNmodel* model, int* nummembers, int* types, int* beg, int* ind, double* weight, int start, int num) {
+    return with_model(model, [&](Model& m) {
+        const SosSets& sos = m.data.sos;
+        get_rows(sos, sos.size(), Kind::kSos, nummembers, beg, ind, weight, start, num);
+        if (types) std::copy_n(sos.type.begin() + start, num, types);
+    });
 }
 
 int ZVNgetvarbyname(ZVNmodel* model, const char* name, int* index) {
@@ -143,21 +173,7 @@ int ZVNgetconstrbyname(ZVNmodel* model, const char* name, int* index) {
 
 int ZVNgetconstrs(ZVNmodel* model, int* numnz, int* beg, int* ind, double* val, int start, int num) {
     return with_model(model, [&](Model& m) {
-        require(numnz, "numnz");
-        if (start < 0 || num < 0 || start > m.num_rows() - num)
-            throw Error(ZVN_ERROR_INDEX_OUT_OF_RANGE, "Constraints " + std::to_string(start) + " to " +
-                                                          std::to_string(static_cast<long long>(start) + num - 1) +
-                                                          " are not all in the model");
-        const Rows& rows = m.data.rows;
-        const std::int64_t first = rows.start[start], count = rows.start[start + num] - first;
-        if (count > ZVN_MAXINT)
-            throw Error(ZVN_ERROR_EXCEED_2B_NONZEROS, "The rows have more than 2 billion entries; ask for fewer rows");
-        *numnz = static_cast<int>(count);
-        if (beg)
-            for (int i = 0; i < num; ++i) beg[i] = static_cast<int>(rows.start[start + i] - first);
-        if (!ind || !val) return;
-        std::copy_n(rows.col.begin() + first, count, ind);
-        std::copy_n(rows.val.begin() + first, count, val);
+        get_rows(m.data.rows, m.num_rows(), Kind::kRow, numnz, beg, ind, val, start, num);
     });
 }
 

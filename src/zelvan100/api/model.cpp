@@ -52,10 +52,7 @@ int ZVNreset(ZVNmodel* model, int clearall) {
     return change_model(model, [&](Model& m) {
         m.discard_solution();
         m.session.reset();
-        if (clearall) {
-            for (Identity* family : {static_cast<Identity*>(&m.data.cols), static_cast<Identity*>(&m.data.rows)})
-                family->optional.clear();
-        }
+        if (clearall) m.drop_hints();
     });
 }
 

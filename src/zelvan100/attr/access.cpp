@@ -1,8 +1,9 @@
 #include "attr/access.h"
 
-#include <charconv>
 #include <cmath>
 #include <cstring>
+
+#include "core/number_text.h"
 
 namespace zelvan {
 
@@ -11,13 +12,6 @@ namespace {
 constexpr const char* kTypeNames[] = {"char", "int", "double", "string"};
 
 std::string quoted(const AttrSpec& spec) { return std::string("attribute '") + spec.name + "'"; }
-
-std::string number_text(double value) {
-    if (std::isnan(value)) return "nan";
-    if (std::fabs(value) >= kInfinity) return value > 0 ? "infinity" : "-infinity";
-    char buffer[32];
-    return {buffer, std::to_chars(buffer, buffer + sizeof buffer, value).ptr};
-}
 
 std::string range_text(const AttrSpec& spec) {
     const bool open_below = spec.minimum == -kLargestFinite, open_above = spec.maximum == kLargestFinite;
@@ -80,15 +74,15 @@ void check_indices(const Model& model, const AttrSpec& spec, int n, const int* i
 
 // Room for n default names, so that none moves while they are handed out.
 void reserve_names(Model& model, int n) {
-    constexpr std::size_t kLongest = 12;  // "C2147483647" and NUL
+    constexpr std::size_t kLongest = 14;  // "SOS2147483647" and NUL
     model.handed_out.clear();
     model.handed_out.reserve(n * kLongest);
 }
 
 const char* text_of(Model& model, const Texts& texts, int i) {
     if (const char* text = texts.names->get(i)) return text;
-    if (!texts.letter) return "";
-    const std::string name = texts.letter + std::to_string(i);
+    if (!texts.prefix) return "";
+    const std::string name = texts.prefix + std::to_string(i);
     const std::size_t at = model.handed_out.size();
     model.handed_out.insert(model.handed_out.end(), name.c_str(), name.c_str() + name.size() + 1);
     return model.handed_out.data() + at;
@@ -112,20 +106,10 @@ std::string of_object(const AttrSpec& spec, int i) {
                 "Value " + number_text(value) + " for " + of_object(spec, i) + " is out of range: " + expected);
 }
 
-// An infinite side must be one that the row's sense leaves open.
-void check_right_side(const Model& model, const AttrSpec& spec, int i, double value) {
-    if (std::fabs(value) < kInfinityThreshold) return;
-    const int size = model.num_rows();
-    const char sense = i < size ? model.data.rows.sense[i] : model.queue.rows.sense[i - size];
-    if (sense == '=' || (value > 0) == (sense == '>'))
-        refuse_value(spec, i, value, std::string("a finite number for sense '") + sense + "'");
-}
-
-double checked_number(const Model& model, int attr, const AttrSpec& spec, int i, double value) {
+double checked_number(const AttrSpec& spec, int i, double value) {
     if (std::isinf(value)) value = std::copysign(kInfinity, value);
     if (!(value >= spec.minimum && value <= spec.maximum)) refuse_value(spec, i, value, range_text(spec));
-    if (attr == static_cast<int>(Attr::ModelSense) && value == 0) refuse_value(spec, i, value, "1 or -1");
-    if (attr == static_cast<int>(Attr::RHS)) check_right_side(model, spec, i, value);
+    if (spec.rule == &rules::kModelSense && value == 0) refuse_value(spec, i, value, "1 or -1");
     return value;
 }
 
@@ -138,11 +122,11 @@ double checked_char(const AttrSpec& spec, int i, char value) {
 }
 
 template <class T>
-double checked(const Model& model, int attr, const AttrSpec& spec, int i, T value) {
+double checked(const AttrSpec& spec, int i, T value) {
     if constexpr (std::is_same_v<T, char>)
         return checked_char(spec, i, value);
     else
-        return checked_number(model, attr, spec, i, value);
+        return checked_number(spec, i, value);
 }
 
 void check_text(const AttrSpec& spec, int i, const char* value) {
@@ -172,7 +156,10 @@ int objective_number(Model& model, int attr, const AttrSpec& spec) {
 void make_first_objective(Model& model, int attr) {
     const bool own_field =
         is_objective_n(attr) && attr != static_cast<int>(Attr::ObjN) && attr != static_cast<int>(Attr::ObjNCon);
-    if (own_field && model.objective_limit() == 0) model.write_number(static_cast<int>(Attr::NumObj), -1, 1);
+    if (own_field && model.objective_limit() == 0) {
+        model.reserve_writes(2);
+        model.write_number(rules::kNumObjectives, -1, 1);
+    };
 }
 
 void check_write_indices(const Model& model, const AttrSpec& spec, int n, const int* ind) {
@@ -275,10 +262,11 @@ bool readable(const Model& model, int attr) {
 
 void write_number(Model& model, int attr, double value) {
     const AttrSpec& spec = settable(attr);
-    value = checked_number(model, attr, spec, -1, value);
+    value = checked_number(spec, -1, value);
     const int number = objective_number(model, attr, spec);
     make_first_objective(model, attr);
-    model.write_number(attr, -1, value, number);
+    model.reserve_writes(1);
+    model.write_number(*spec.rule, -1, value, number);
 }
 
 void write_text(Model& model, int attr, const char* value) {
@@ -286,24 +274,24 @@ void write_text(Model& model, int attr, const char* value) {
     check_text(spec, -1, value);
     const int number = objective_number(model, attr, spec);
     make_first_objective(model, attr);
-    model.write_text(attr, -1, value, number);
+    model.write_text(*spec.text_rule, -1, value, number);
 }
 
 template <class T>
 void write_numbers(Model& model, int attr, int n, const int* ind, const T* values) {
     const AttrSpec& spec = settable(attr);
     check_write_indices(model, spec, n, ind);
-    for (int k = 0; k < n; ++k) checked(model, attr, spec, ind[k], values[k]);
+    for (int k = 0; k < n; ++k) checked(spec, ind[k], values[k]);
     const int number = objective_number(model, attr, spec);
     model.reserve_writes(n);
-    for (int k = 0; k < n; ++k) model.write_number(attr, ind[k], checked(model, attr, spec, ind[k], values[k]), number);
+    for (int k = 0; k < n; ++k) model.write_number(*spec.rule, ind[k], checked(spec, ind[k], values[k]), number);
 }
 
 void write_texts(Model& model, int attr, int n, const int* ind, const char* const* values) {
     const AttrSpec& spec = settable(attr);
     check_write_indices(model, spec, n, ind);
     for (int k = 0; k < n; ++k) check_text(spec, ind[k], values[k]);
-    for (int k = 0; k < n; ++k) model.write_text(attr, ind[k], values[k]);
+    for (int k = 0; k < n; ++k) model.write_text(*spec.text_rule, ind[k], values[k]);
 }
 
 template char read_number_at(const Model&, int, int);

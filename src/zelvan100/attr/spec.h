@@ -24,10 +24,10 @@ struct Values {
     double at(int i) const { return doubles ? doubles[i] : ints ? ints[i] : chars ? chars[i] : same; }
 };
 
-// Texts of columns or rows; entry i without one is `letter` and i, or "" when letter is 0.
+// Texts of objects; entry i without one is `prefix` and i, or "" without prefix.
 struct Texts {
     const Names* names;
-    char letter;
+    const char* prefix;
 };
 
 struct AttrSpec {
@@ -48,23 +48,30 @@ struct AttrSpec {
     const char* letters = nullptr;
     int max_length = 0;
 
-    constexpr AttrSpec set(double lower, double upper) const {
+    // How a written value is applied; numbers and texts each have theirs.
+    const WriteRule* rule = nullptr;
+    const TextRule* text_rule = nullptr;
+
+    constexpr AttrSpec set(double lower, double upper, const WriteRule& how) const {
         AttrSpec spec = *this;
         spec.settable = true;
         spec.minimum = lower;
         spec.maximum = upper;
+        spec.rule = &how;
         return spec;
     }
-    constexpr AttrSpec set(const char* allowed) const {
+    constexpr AttrSpec set(const char* allowed, const WriteRule& how) const {
         AttrSpec spec = *this;
         spec.settable = true;
         spec.letters = allowed;
+        spec.rule = &how;
         return spec;
     }
-    constexpr AttrSpec set_text(int longest) const {
+    constexpr AttrSpec set_text(int longest, const TextRule& how) const {
         AttrSpec spec = *this;
         spec.settable = true;
         spec.max_length = longest;
+        spec.text_rule = &how;
         return spec;
     }
 };

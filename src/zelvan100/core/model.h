@@ -2,54 +2,44 @@
 // A model: its data as of the last update, the queue of changes since then, its own environment and
 // the solution of the latest solve.
 
+#include <array>
 #include <atomic>
+#include <cstdint>
+#include <map>
 #include <memory>
 #include <string>
 #include <string_view>
-#include <unordered_map>
 #include <vector>
 
+#include "core/changes.h"
 #include "core/env.h"
 #include "core/error.h"
 #include "core/model_data.h"
+#include "core/name_finder.h"
 #include "core/solution.h"
+#include "core/writes.h"
 
 namespace zelvan {
 
 class HighsSession;  // the kept HiGHS instance, solve/highs.h
 
-// One queued change of a value. The update first appends the queued columns and rows, then applies the
-// writes in their order, then the deletions; so a write may name a queued object.
-struct Write {
-    int attr;    // attribute number, or one of the kinds below with `index` into the queue's payloads
-    int number;  // objective number of the ObjN... attributes, otherwise 0
-    int index;   // column or row; -1 for a model attribute
-    double value;
-
-    static constexpr int kText = -1, kObjective = -2, kPwl = -3;
-};
-struct TextWrite {
-    int attr;
-    int number;
-    int index;
-    std::string value;
-};
 // A whole objective: all coefficients 0, then these terms added. Number 0 is the main objective, number -1
 // the main objective without the fields that only several objectives have.
 struct ObjectiveWrite {
     int sense;  // 0 leaves the sense
     int number;
     int num_cols;      // columns known when it was queued; later ones keep their own coefficient
-    Objective fields;  // constant, and for number >= 0 the other fields. coeff stays empty
-    std::vector<int> col;
+    Objective fields;  // constant, and for number >= 0 the other fields; for number > 0 the coefficients too
+    std::vector<int> col;  // the terms of the main objective
     std::vector<double> val;
 };
 struct PwlWrite {
     int col;
-    PwlPoints points;  // empty removes the term
+    std::map<int, PwlPoints>::node_type term;  // empty removes the term
 };
 
-// Additions are numbered behind the objects of the model; entries of rows and members may name queued columns.
+// What waits for the update. It first appends the additions, then applies the writes in their order, then deletes; so a
+// write may name a queued object. Additions are numbered behind the objects of the model.
 struct Queue : Families {
     struct Entry {
         int row, col;
@@ -65,8 +55,9 @@ struct Queue : Families {
     std::vector<TextWrite> texts;
     std::vector<ObjectiveWrite> objectives;
     std::vector<PwlWrite> pwl;
-    std::vector<int> deleted_cols, deleted_rows;
+    std::array<std::vector<int>, kNumKinds> deleted;
     int num_objectives = -1;  // after the writes so far; -1 where they leave the number
+    std::size_t text_bytes = 0, text_limit = 0;  // of texts; the limit at which replaced ones are dropped
 
     bool empty() const;
 };
@@ -93,6 +84,7 @@ public:
     // One past the last index that a change may name: queued objects count.
     int col_limit() const;
     int row_limit() const;
+    int sos_limit() const;
 
     // Changes are queued. Each of these throws Error, with nothing queued, when an argument is refused.
     // Arrays as in zelvan100.h.
@@ -108,20 +100,28 @@ public:
     void add_rows(int num, int num_entries, const int* beg, const int* col, const double* val, const char* sense,
                   const double* rhs, const char* const* names);
     void add_range_row(int num, const int* col, const double* val, double lower, double upper, const char* name);
-    void delete_cols(int num, const int* col);
-    void delete_rows(int num, const int* row);
+    // `num` sets of type 1 or 2; beg[k] is the start of set k in col and weight.
+    void add_sos(int num, int num_members, const int* type, const int* beg, const int* col, const double* weight);
+    void delete_objects(Kind kind, int num, const int* index);
     // number: see ObjectiveWrite.
     void set_objective(int number, int sense, Objective fields, int num, const int* col, const double* val);
     void set_pwl_obj(int col, PwlPoints points);
-    // Attributes of columns (LB, UB, Obj, VType, an optional one, ...), rows (Sense, RHS, ...) or the model
-    // (index -1: ModelSense, ObjCon, ...). The caller has checked index and value. `number` selects the
-    // objective of an ObjN... attribute.
-    void write_number(int attr, int index, double value, int number = 0);
+    // One value of column or row `index`, or of the model (-1). The caller has checked index and value. `number` is that
+    // of the objective, for values that each objective has.
+    void write_number(const WriteRule& rule, int index, double value, int number = 0);
     // Makes room for so many writes: they can't fail any more, and the queue isn't moved between them.
     void reserve_writes(int num);
-    void write_text(int attr, int index, std::string_view value, int number = 0);
+    void write_text(const TextRule& rule, int index, std::string_view value, int number = 0);
+    // Forgets starts, hints and other information for the solver, queued ones too.
+    void drop_hints();
 
+    // Applies the queue, all of it or, on failure, nothing.
     void update();
+    // Changes with each update that changes something.
+    std::uint64_t stamp = 1;
+    // What happened to the numbering since follow_changes() was called.
+    Changes changes;
+    void follow_changes() { changes = {stamp, {num_cols(), {}}, {num_rows(), {}}}; }
 
     // Index of the column or row of that name, -1 when there is none.
     int find_col(std::string_view name);
@@ -130,24 +130,19 @@ public:
     void discard_solution();
 
 private:
+    friend class Update;
+
     void check_entries(const char* row_or_col, const char* name, int num, const int* ind, const double* val, int limit);
     void append_entries(int num, const int* col, const double* val);
     std::string_view kept_name(const char* name) const;  // empty under IgnoreNames
-    bool changes_problem() const;
-    void splice_columns();
-    void splice_rows();
-    void splice_helpers();
-    void apply_writes();
-    void apply_number(const Write& write);
-    void apply_text(const TextWrite& write);
-    void apply_objective(const ObjectiveWrite& write);
-    void remove_deleted_cols();
-    void remove_deleted_rows();
+    void drop_replaced_texts();
 
     std::vector<int> mark_;  // of the call that saw an index last, to find duplicates
     int call_ = 0;
-    std::unordered_map<std::string_view, int> col_index_, row_index_;  // views into data.*.names
-    bool col_index_valid_ = false, row_index_valid_ = false;
+    NameFinder col_finder_, row_finder_;
 };
+
+// Why a row can't have this sense and right-hand side, nullptr when it can. `lower` is that of a two-sided row.
+const char* side_fault(char sense, double right, double lower);
 
 }  // namespace zelvan

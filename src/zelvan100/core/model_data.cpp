@@ -1,19 +1,13 @@
 #include "core/model_data.h"
 
 #include <algorithm>
-#include <cmath>
 
 namespace zelvan {
 
-namespace {
-
-double side(double value) { return std::fabs(value) >= kInfinityThreshold ? std::copysign(kInfinity, value) : value; }
-
-}  // namespace
 
 void Columns::push_back(double lower, double upper, double cost, char vtype, std::string_view name) {
-    lb.push_back(side(lower));
-    ub.push_back(side(upper));
+    lb.push_back(clipped(lower));
+    ub.push_back(clipped(upper));
     obj.push_back(cost);
     type.push_back(vtype);
     names.push_back(name);
@@ -22,14 +16,14 @@ void Columns::push_back(double lower, double upper, double cost, char vtype, std
 }
 
 std::pair<double, double> Rows::sides(int i) const {
-    const double right = side(rhs[i]);
+    const double right = clipped(rhs[i]);
     switch (sense[i]) {
         case '<':
             return {-kInfinity, right};
         case '>':
             return {right, kInfinity};
         case 'R':
-            return {side(lower[i]), right};
+            return {clipped(lower[i]), right};
         default:
             return {right, right};
     }

@@ -8,6 +8,7 @@
 #include <utility>
 #include <vector>
 
+#include "core/infinity.h"
 #include "core/kinds.h"
 #include "core/names.h"
 #include "core/optional_values.h"
@@ -15,9 +16,6 @@
 
 namespace zelvan {
 
-// Magnitude from which a bound or side means infinity, and the value that stands for it in the store.
-inline constexpr double kInfinity = 1e100;
-inline constexpr double kInfinityThreshold = 1e20;
 // What objects of every kind have.
 struct Identity {
     Names names;

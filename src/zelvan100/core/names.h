@@ -7,8 +7,8 @@
 
 namespace zelvan {
 
-// Names of n columns or rows, most of which may have none. All text lies in one buffer, NUL-terminated,
-// so that a name can be handed out as a C string; while nothing is named, nothing is stored.
+// Names of n objects, most of which may have none. All text lies in one buffer, NUL-terminated, so that a name can
+// be handed out as a C string; while nothing is named, nothing is stored.
 class Names {
 public:
     int size() const { return size_; }
@@ -21,15 +21,25 @@ public:
     // An empty name removes the entry's name.
     void set(int i, std::string_view name);
     void push_back(std::string_view name);
-    void append(const Names& other);
+    void append(Names& other);
     // Keeps the entries with keep[i] != 0, in order.
-    void compact(const std::vector<char>& keep);
+    void compact(const std::vector<char>& keep) noexcept;
     void clear();
 
+    // Room for so many further entries, and for names of so many bytes in all, their NULs included: what adds them
+    // then takes no memory. Text of names that were replaced is given back here.
+    void make_room(int entries, std::size_t bytes);
+    // Bytes that all names take in another's buffer.
+    std::size_t num_bytes() const { return text_.empty() ? 0 : text_.size() - 1; }
+
 private:
+    void forget(int i);
+    void collect();
+
     int size_ = 0;
     std::vector<char> text_;       // byte 0 is unused, so that position 0 means "no name"
     std::vector<std::size_t> at_;  // empty while nothing is named, otherwise size_ entries
+    std::size_t unused_ = 0;       // bytes of text_ that no entry names any more
 };
 
 }  // namespace zelvan

@@ -2,6 +2,7 @@
 // Values that most objects don't have: starts, hints, priorities. An array is there once one value was set.
 
 #include <cstddef>
+#include <utility>
 #include <vector>
 
 #include "zelvan100.h"
@@ -46,11 +47,11 @@ public:
     std::vector<double>* find(Option option) {
         return const_cast<std::vector<double>*>(static_cast<const OptionalValues*>(this)->find(option));
     }
-    // The array of the option for `size` objects, made where there is none.
-    std::vector<double>& make(Option option, std::size_t size) {
-        if (std::vector<double>* values = find(option)) return *values;
-        return entries_.emplace_back(Entry{option, std::vector<double>(size, unset(option))}).values;
+    // Takes over an array for an option that has none. Room for it must have been made.
+    void adopt(Option option, std::vector<double>&& values) noexcept {
+        entries_.push_back({option, std::move(values)});
     }
+    void make_room(std::size_t options) { entries_.reserve(entries_.size() + options); }
     void erase(Option option) noexcept {
         for (std::size_t k = 0; k < entries_.size(); ++k) {
             if (entries_[k].option != option) continue;

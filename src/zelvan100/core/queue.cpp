@@ -4,9 +4,11 @@
 #include <cmath>
 #include <cstring>
 #include <limits>
+#include <unordered_set>
 
-#include "attr/attr.h"
+#include "core/families.h"
 #include "core/model.h"
+#include "core/number_text.h"
 
 namespace zelvan {
 
@@ -14,12 +16,6 @@ namespace {
 
 // Sides of a range row are infinite from here on.
 constexpr double kInfiniteSide = 1e25;
-
-double clip(double value) {
-    if (value >= kInfinityThreshold) return kInfinity;
-    if (value <= -kInfinityThreshold) return -kInfinity;
-    return value;
-}
 
 std::string described(const char* what, const char* name, int index) {
     if (name && *name) return std::string(what) + " '" + name + "'";
@@ -33,6 +29,13 @@ void check_name(const char* what, const char* name) {
                                                     std::string(name, 40) + "...'");
 }
 
+// Bytes that names take, their NULs included.
+std::size_t bytes_of_names(int num, const char* const* names) {
+    std::size_t bytes = 0;
+    for (int i = 0; i < num && names; ++i) bytes += names[i] && *names[i] ? std::strlen(names[i]) + 1 : 0;
+    return bytes;
+}
+
 void check_column(const char* name, int index, double obj, double lb, double ub, char vtype) {
     const auto refuse = [&](const std::string& fault) {
         throw Error(ZVN_ERROR_VALUE_OUT_OF_RANGE, fault + " of " + described("variable", name, index));
@@ -41,22 +44,32 @@ void check_column(const char* name, int index, double obj, double lb, double ub,
         throw Error(ZVN_ERROR_INVALID_ARGUMENT, std::string("Type '") + vtype + "' of " +
                                                     described("variable", name, index) +
                                                     " is none of 'C', 'B', 'I', 'S', 'N'");
-    if (std::isnan(lb) || clip(lb) == kInfinity) refuse("Lower bound " + std::to_string(lb));
-    if (std::isnan(ub) || clip(ub) == -kInfinity) refuse("Upper bound " + std::to_string(ub));
-    if (std::isnan(obj) || std::abs(obj) >= kInfinityThreshold) refuse("Objective coefficient " + std::to_string(obj));
+    if (std::isnan(lb) || clipped(lb) == kInfinity) refuse("Lower bound " + number_text(lb));
+    if (std::isnan(ub) || clipped(ub) == -kInfinity) refuse("Upper bound " + number_text(ub));
+    if (std::isnan(obj) || std::abs(obj) >= kInfinityThreshold) refuse("Objective coefficient " + number_text(obj));
     check_name("a variable", name);
 }
 
 }  // namespace
 
 bool Queue::empty() const {
-    return cols.size() == 0 && rows.size() == 0 && entries.empty() && writes.empty() && deleted_cols.empty() &&
-           deleted_rows.empty();
+    return cols.size() == 0 && rows.size() == 0 && sos.size() == 0 && entries.empty() && writes.empty() &&
+           std::all_of(deleted.begin(), deleted.end(), [](const auto& list) { return list.empty(); });
 }
 
 int Model::col_limit() const { return num_cols() + queue.cols.size(); }
 
 int Model::row_limit() const { return num_rows() + queue.rows.size(); }
+
+int Model::sos_limit() const { return data.sos.size() + queue.sos.size(); }
+
+const char* side_fault(char sense, double right, double lower) {
+    if (sense == '=' && std::abs(right) == kInfinity) return "it must be finite";
+    if (sense == '<' && right == -kInfinity) return "nothing is less";
+    if (sense == '>' && right == kInfinity) return "nothing is greater";
+    if (sense == 'R' && right < lower) return "it is below the lower side";
+    return nullptr;
+}
 
 std::string_view Model::kept_name(const char* name) const {
     return name && !env.params.get_int(Param::IgnoreNames) ? name : std::string_view();
@@ -75,12 +88,7 @@ void Model::add_cols(int num, const double* obj, const double* lb, const double*
     for (int j = 0; j < num; ++j)
         check_column(names ? names[j] : nullptr, first + j, value(obj, j, 0.0), value(lb, j, 0.0),
                      value(ub, j, kInfinity), vtype ? vtype[j] : 'C');
-    Columns& cols = queue.cols;
-    if (num > 1) {
-        const std::size_t total = static_cast<std::size_t>(cols.size()) + num;
-        for (auto* array : {&cols.lb, &cols.ub, &cols.obj})
-            if (array->capacity() < total) array->reserve(std::max(total, 2 * array->capacity()));
-    }
+    make_room(queue.cols, num, bytes_of_names(num, names));
     for (int j = 0; j < num; ++j) {
         const char* name = names ? names[j] : nullptr;
         const char type = vtype ? vtype[j] : 'C';
@@ -89,7 +97,7 @@ void Model::add_cols(int num, const double* obj, const double* lb, const double*
             lower = std::max(lower, 0.0);
             upper = std::min(upper, 1.0);
         }
-        cols.push_back(lower, upper, value(obj, j, 0.0), type, kept_name(name));
+        queue.cols.push_back(lower, upper, value(obj, j, 0.0), type, kept_name(name));
     }
 }
 
@@ -98,6 +106,7 @@ void Model::add_col(int num, const int* row, const double* val, double obj, doub
     const int col = num_cols() + queue.cols.size();
     check_column(name, col, obj, lb, ub, vtype);
     check_entries("variable", name, num, row, val, row_limit());
+    make_room(queue.entries, num);
     add_cols(1, &obj, &lb, &ub, &vtype, &name);
     for (int k = 0; k < num; ++k)
         if (val[k] != 0.0) queue.entries.push_back({row[k], col, val[k]});
@@ -121,6 +130,7 @@ void Model::add_cols_with_entries(int num, int num_entries, const int* beg, cons
     for (int j = 0; j < num; ++j)
         check_entries("variable", names ? names[j] : nullptr, length(j), row + beg[j], val + beg[j], row_limit());
     const int first = num_cols() + queue.cols.size();
+    make_room(queue.entries, num_entries);
     add_cols(num, obj, lb, ub, vtype, names);
     for (int j = 0; j < num; ++j)
         for (int k = beg[j]; k < beg[j] + length(j); ++k)
@@ -164,13 +174,11 @@ void Model::append_entries(int num, const int* col, const double* val) {
 namespace {
 
 void check_row(const char* name, int index, char sense, double rhs) {
-    const double right = clip(rhs);
     if (sense != '<' && sense != '>' && sense != '=')
         throw Error(ZVN_ERROR_INVALID_ARGUMENT, std::string("Sense '") + sense + "' of " +
                                                     described("constraint", name, index) + " is none of '<', '>', '='");
-    if (std::isnan(rhs) || (sense == '=' && std::abs(right) == kInfinity) || (sense == '<' && right == -kInfinity) ||
-        (sense == '>' && right == kInfinity))
-        throw Error(ZVN_ERROR_VALUE_OUT_OF_RANGE, "Right-hand side " + std::to_string(rhs) + " of " +
+    if (std::isnan(rhs) || side_fault(sense, clipped(rhs), -kInfinity))
+        throw Error(ZVN_ERROR_VALUE_OUT_OF_RANGE, "Right-hand side " + number_text(rhs) + " of " +
                                                       described("constraint", name, index) + " with sense '" + sense +
                                                       "'");
     check_name("a constraint", name);
@@ -189,23 +197,25 @@ void Model::add_rows(int num, int num_entries, const int* beg, const int* col, c
         check_row(name, first + i, sense[i], rhs[i]);
         check_entries("constraint", name, length(i), col + start(i), val + start(i), col_limit());
     }
+    make_room(queue.rows, num, bytes_of_names(num, names), num_entries);
     for (int i = 0; i < num; ++i) {
         append_entries(length(i), col + start(i), val + start(i));
-        queue.rows.push_back(sense[i], clip(rhs[i]), kept_name(names ? names[i] : nullptr));
+        queue.rows.push_back(sense[i], clipped(rhs[i]), kept_name(names ? names[i] : nullptr));
     }
 }
 
 void Model::add_row(int num, const int* col, const double* val, char sense, double rhs, const char* name) {
     check_row(name, num_rows() + queue.rows.size(), sense, rhs);
     check_entries("constraint", name, num, col, val, col_limit());
+    make_room(queue.rows, 1, bytes_of_names(1, &name), num);
     append_entries(num, col, val);
-    queue.rows.push_back(sense, clip(rhs), kept_name(name));
+    queue.rows.push_back(sense, clipped(rhs), kept_name(name));
 }
 
 void Model::add_range_row(int num, const int* col, const double* val, double lower, double upper, const char* name) {
     const auto refuse = [&](const char* fault) {
         throw Error(ZVN_ERROR_VALUE_OUT_OF_RANGE,
-                    "Range [" + std::to_string(lower) + ", " + std::to_string(upper) + "] of " +
+                    "Range [" + number_text(lower) + ", " + number_text(upper) + "] of " +
                         described("constraint", name, num_rows() + queue.rows.size()) + fault);
     };
     if (std::isnan(lower) || std::isnan(upper)) refuse(" is not a number");
@@ -216,6 +226,8 @@ void Model::add_range_row(int num, const int* col, const double* val, double low
     if (has_lower != has_upper) return add_row(num, col, val, has_lower ? '>' : '<', has_lower ? lower : upper, name);
     check_name("a constraint", name);
     check_entries("constraint", name, num, col, val, col_limit());
+    make_room(queue.rows, 1, bytes_of_names(1, &name), num);
+    make_room(queue.helpers, 1);
     append_entries(num, col, val);
     const std::string_view row_name = kept_name(name);
     if (env.params.get_int(Param::UpdateMode) != 1) {
@@ -227,20 +239,51 @@ void Model::add_range_row(int num, const int* col, const double* val, double low
     queue.rows.push_back('=', has_upper ? upper : 0.0, row_name);
 }
 
-void Model::delete_cols(int num, const int* col) {
-    for (int k = 0; k < num; ++k)
-        if (col[k] < 0 || col[k] >= col_limit())
-            throw Error(ZVN_ERROR_INDEX_OUT_OF_RANGE,
-                        "Variable " + std::to_string(col[k]) + " can't be deleted: it is not in the model");
-    queue.deleted_cols.insert(queue.deleted_cols.end(), col, col + num);
+void Model::add_sos(int num, int num_members, const int* type, const int* beg, const int* col, const double* weight) {
+    check_starts("SOS", num, num_members, beg);
+    const auto start = [&](int k) { return num_members == 0 ? 0 : beg[k]; };
+    const auto length = [&](int k) { return (k + 1 < num ? start(k + 1) : num_members) - start(k); };
+    for (int k = 0; k < num; ++k) {
+        if (type[k] != 1 && type[k] != 2)
+            throw Error(ZVN_ERROR_INVALID_ARGUMENT, "Type " + std::to_string(type[k]) + " of new SOS constraint " +
+                                                        std::to_string(sos_limit() + k) + " is neither 1 nor 2");
+        check_entries("SOS constraint", nullptr, length(k), col + start(k), weight + start(k), col_limit());
+    }
+    make_room(queue.sos, num, 0, num_members);
+    for (int k = 0; k < num; ++k) {
+        queue.sos.col.insert(queue.sos.col.end(), col + start(k), col + start(k) + length(k));
+        queue.sos.val.insert(queue.sos.val.end(), weight + start(k), weight + start(k) + length(k));
+        queue.sos.push_back(type[k], {});
+    }
 }
 
-void Model::delete_rows(int num, const int* row) {
-    for (int k = 0; k < num; ++k)
-        if (row[k] < 0 || row[k] >= row_limit())
-            throw Error(ZVN_ERROR_INDEX_OUT_OF_RANGE,
-                        "Constraint " + std::to_string(row[k]) + " can't be deleted: it is not in the model");
-    queue.deleted_rows.insert(queue.deleted_rows.end(), row, row + num);
+void Model::delete_objects(Kind kind, int num, const int* index) {
+    const int limit = data.size(kind) + queue.size(kind);
+    for (int k = 0; k < num; ++k) {
+        if (index[k] >= 0 && index[k] < limit) continue;
+        std::string noun = spec_of(kind).singular;
+        noun[0] = static_cast<char>(noun[0] >= 'a' ? noun[0] - 'a' + 'A' : noun[0]);
+        throw Error(ZVN_ERROR_INDEX_OUT_OF_RANGE,
+                    noun + " " + std::to_string(index[k]) + " can't be deleted: it is not in the model");
+    }
+    std::vector<int>& deleted = queue.deleted[static_cast<int>(kind)];
+    deleted.insert(deleted.end(), index, index + num);
+}
+
+// Terms by rising column, those of one column added up.
+static SparseVector sorted(std::vector<int>& col, std::vector<double>& val) {
+    std::vector<std::pair<int, double>> terms;
+    terms.reserve(col.size());
+    for (std::size_t k = 0; k < col.size(); ++k) terms.emplace_back(col[k], val[k]);
+    std::stable_sort(terms.begin(), terms.end(), [](const auto& a, const auto& b) { return a.first < b.first; });
+    SparseVector vector;
+    for (std::size_t k = 0; k < terms.size();) {
+        const int j = terms[k].first;
+        double sum = 0.0;
+        for (; k < terms.size() && terms[k].first == j; ++k) sum += terms[k].second;
+        if (sum != 0.0) vector.push_back(j, sum);
+    }
+    return vector;
 }
 
 void Model::set_objective(int number, int sense, Objective fields, int num, const int* col, const double* val) {
@@ -263,11 +306,18 @@ void Model::set_objective(int number, int sense, Objective fields, int num, cons
             throw Error(ZVN_ERROR_VALUE_OUT_OF_RANGE, "Objective coefficient of variable " + std::to_string(col[k]) +
                                                           " is " + std::to_string(val[k]));
     }
-    ObjectiveWrite write{sense, number, num_cols() + queue.cols.size(), std::move(fields), {}, {}};
+    ObjectiveWrite write{sense, number, limit, std::move(fields), {}, {}};
     write.col.assign(col, col + num);
     write.val.assign(val, val + num);
+    if (number > 0) {
+        write.fields.coeff = sorted(write.col, write.val);
+        write.col = {};
+        write.val = {};
+    }
+    make_room(queue.writes, 1);
+    make_room(queue.objectives, 1);
     if (number >= objective_limit()) queue.num_objectives = number + 1;
-    queue.writes.push_back({Write::kObjective, 0, static_cast<int>(queue.objectives.size()), 0.0});
+    queue.writes.push_back({&rules::kObjective, 0, static_cast<int>(queue.objectives.size()), 0.0});
     queue.objectives.push_back(std::move(write));
 }
 
@@ -286,25 +336,55 @@ void Model::set_pwl_obj(int col, PwlPoints points) {
         if (k > 0 && points[k].first < points[k - 1].first) refuse(k, " lies left of the point before it");
         if (k > 1 && points[k].first == points[k - 2].first) refuse(k, " is the third with the same x");
     }
-    queue.writes.push_back({Write::kPwl, 0, static_cast<int>(queue.pwl.size()), 0.0});
-    queue.pwl.push_back({col, std::move(points)});
+    PwlWrite write{col, {}};
+    if (!points.empty()) {
+        std::map<int, PwlPoints> term;
+        term.emplace(col, std::move(points));
+        write.term = term.extract(term.begin());
+    }
+    make_room(queue.writes, 1);
+    make_room(queue.pwl, 1);
+    queue.writes.push_back({&rules::kPwl, 0, static_cast<int>(queue.pwl.size()), 0.0});
+    queue.pwl.push_back(std::move(write));
 }
 
-void Model::reserve_writes(int num) {
-    const std::size_t needed = queue.writes.size() + static_cast<std::size_t>(num);
-    if (needed > queue.writes.capacity()) queue.writes.reserve(std::max(needed, 2 * queue.writes.capacity()));
+void Model::reserve_writes(int num) { make_room(queue.writes, num); }
+
+void Model::write_number(const WriteRule& rule, int index, double value, int number) {
+    queue.writes.push_back({&rule, number, index, value});
+    if (&rule == &rules::kNumObjectives) queue.num_objectives = static_cast<int>(value);
 }
 
-void Model::write_number(int attr, int index, double value, int number) {
-    queue.writes.push_back({attr, number, index, value});
-    if (attr == static_cast<int>(Attr::NumObj)) queue.num_objectives = static_cast<int>(value);
+void Model::write_text(const TextRule& rule, int index, std::string_view value, int number) {
+    if (rule.is_name && env.params.get_int(Param::IgnoreNames)) return;
+    if (queue.text_bytes + value.size() > queue.text_limit) drop_replaced_texts();
+    make_room(queue.writes, 1);
+    make_room(queue.texts, 1);
+    queue.texts.push_back({&rule, number, index, std::string(value)});
+    queue.writes.push_back({&rules::kText, 0, static_cast<int>(queue.texts.size()) - 1, 0.0});
+    queue.text_bytes += value.size();
 }
 
-void Model::write_text(int attr, int index, std::string_view value, int number) {
-    const bool names_object = attr == static_cast<int>(Attr::VarName) || attr == static_cast<int>(Attr::ConstrName);
-    if (names_object && env.params.get_int(Param::IgnoreNames)) return;
-    queue.writes.push_back({Write::kText, 0, static_cast<int>(queue.texts.size()), 0.0});
-    queue.texts.push_back({attr, number, index, std::string(value)});
+// A text that a later one replaces needn't wait for the update: it becomes an empty one.
+void Model::drop_replaced_texts() {
+    constexpr std::size_t kFewBytes = 1 << 20;
+    std::array<std::unordered_set<std::uint64_t>, kNumKinds> written;
+    std::size_t bytes = 0;
+    for (auto write = queue.texts.rbegin(); write != queue.texts.rend(); ++write) {
+        const std::uint64_t key = 2 * static_cast<std::uint64_t>(write->index) + write->rule->is_name;
+        if (write->rule->names && !written[static_cast<int>(write->rule->kind)].insert(key).second)
+            std::string().swap(write->value);
+        bytes += write->value.size();
+    }
+    queue.text_bytes = bytes;
+    queue.text_limit = 2 * bytes + kFewBytes;
+}
+
+void Model::drop_hints() {
+    data.cols.optional.clear();
+    data.rows.optional.clear();
+    data.sos.optional.clear();
+    std::erase_if(queue.writes, [](const Write& write) { return write.rule->effect == Effect::kHint; });
 }
 
 }  // namespace zelvan

@@ -242,11 +242,18 @@ ZVN_API int ZVNaddrangeconstr(ZVNmodel* model, int numnz, const int* ind, const 
 ZVN_API int ZVNclean2(int* numnz, int* ind, double* val);
 /* The same for quadratic terms, (i, j) and (j, i) being one. */
 ZVN_API int ZVNclean3(int* numqnz, int* qrow, int* qcol, double* qval);
+/* Queue numsos special ordered sets. types[k] is 1 (at most one member is not 0) or 2 (at most two, which are neighbours
+ * in the order of the weights); beg[k] is the start of set k in ind (variables) and weight. */
+ZVN_API int ZVNaddsos(ZVNmodel* model, int numsos, int nummembers, const int* types, const int* beg, const int* ind,
+                      const double* weight);
+/* Sets start .. start+num-1. types and beg (num entries each) may be NULL; with ind or weight NULL members aren't given. */
+ZVN_API int ZVNgetsos(ZVNmodel* model, int* nummembers, int* types, int* beg, int* ind, double* weight, int start,
+                      int num);
 /* Queue deletions, by the numbering of the last update. */
 ZVN_API int ZVNdelvars(ZVNmodel* model, int num, const int* ind);
 ZVN_API int ZVNdelconstrs(ZVNmodel* model, int num, const int* ind);
-/* These kinds can't be added yet, so every index is out of range. */
 ZVN_API int ZVNdelsos(ZVNmodel* model, int num, const int* ind);
+/* These kinds can't be added yet, so every index is out of range. */
 ZVN_API int ZVNdelqconstrs(ZVNmodel* model, int num, const int* ind);
 ZVN_API int ZVNdelgenconstrs(ZVNmodel* model, int num, const int* ind);
 /* Index of the variable or constraint of that name as of the last update, -1 when there is none. */

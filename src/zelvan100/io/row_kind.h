@@ -1,15 +1,8 @@
 #pragma once
 
-#include <cmath>
-
-#include "core/model_data.h"
+#include "core/infinity.h"
 
 namespace zelvan {
-
-// Values of a bound or side from the threshold on are infinite.
-inline double clipped(double value) {
-    return std::fabs(value) >= kInfinityThreshold ? std::copysign(kInfinity, value) : value;
-}
 
 // How a row with these sides is stored: one-sided and equality rows as such, 'R' for what is left.
 struct RowKind {
