@@ -556,7 +556,6 @@ def test_a_model_stays_as_it_is_until_its_result_file_is_written(tmp_path, monke
 
 
 def test_each_thread_reads_the_text_of_its_own_failure(lp, tmp_path):
-    lp.Params.ResultFile = str(tmp_path / "missing" / "result.lp")
     solved, refusals = threading.Event(), set()
 
     def fail():
@@ -570,8 +569,9 @@ def test_each_thread_reads_the_text_of_its_own_failure(lp, tmp_path):
     try:
         for _ in range(200):
             lp.reset()
+            lp.optimize()  # other threads run meanwhile
             with pytest.raises(ZelvanError, match="missing"):
-                lp.optimize()
+                lp.write(str(tmp_path / "missing" / "result.lp"))
     finally:
         solved.set()
         thread.join()
