@@ -37,19 +37,6 @@ Scale scale_of(const ModelData& data, bool scaled) {
     return scale;
 }
 
-// What a dual value (of a minimization) is off the signs that the sides allow: positive ones need a lower
-// side, negative ones an upper side.
-double wrong_sign(double dual, double lower, double upper) {
-    if (dual > 0.0) return lower > -kInfinity ? 0.0 : dual;
-    return upper < kInfinity ? 0.0 : -dual;
-}
-
-// Product of a dual value and the distance to the side that its sign speaks for.
-double complementarity(double dual, double value, double lower, double upper) {
-    const double gap = dual > 0.0 ? value - lower : upper - value;
-    return std::fabs(gap) < kInfinityThreshold ? std::fabs(dual * gap) : 0.0;
-}
-
 }  // namespace
 
 void Amounts::add(double amount, int where) {

@@ -1,103 +1,200 @@
 #include "solve/certificate.h"
 
+#include <algorithm>
 #include <cmath>
 #include <limits>
+
+#include "solve/check.h"
+#include "solve/recession.h"
 
 namespace zelvan {
 
 namespace {
 
 constexpr double kInf = std::numeric_limits<double>::infinity();
-// Multipliers below this, relative to the largest one, may be rounding errors.
+// Multipliers below this, relative to the largest one, and sums of products below it, relative to their
+// magnitudes, may be rounding errors of the LP.
 constexpr double kRelativeZero = 1e-9;
+// Rounding of a sum of products, relative to its magnitude.
+constexpr double kRounding = 8.0 * std::numeric_limits<double>::epsilon();
+// Complementarity of an optimal LP, relative to its objective.
+constexpr double kLargestGap = 1e-6;
 
-double product(double factor, double side) {
-    if (factor == 0.0) return 0.0;
-    return std::abs(side) >= kInfinityThreshold ? std::copysign(kInf, factor * side) : factor * side;
-}
+// A sum with the rounding that it may carry.
+struct Sum {
+    double value = 0.0, rounding = 0.0;
 
-// By how much the smallest value of y'Ax over the column bounds exceeds its largest one over the row
-// sides: positive when y proves that there is no x. -infinity when a row or column is unlimited there.
-double proof(const ModelData& data, const std::vector<double>& y) {
-    const Rows& rows = data.rows;
-    std::vector<double> combined(data.cols.size(), 0.0);
-    double most = 0.0;
-    for (int i = 0; i < rows.size(); ++i) {
+    void add(double factor, double magnitude, double side) {
+        if (factor == 0.0) return;
+        if (std::isinf(side)) {
+            value += std::copysign(kInf, factor * side);
+            return;
+        }
+        value += factor * side;
+        rounding += kRounding * magnitude * std::fabs(side);
+    }
+};
+
+// By how much the smallest value of y'Ax over the column bounds exceeds its largest one over the row sides, but
+// for rounding: positive when y proves that there is no x. -infinity when a row or column is unlimited there.
+double proof(const Problem& problem, const std::vector<double>& y) {
+    std::vector<double> combined(problem.num_cols(), 0.0), magnitude(problem.num_cols(), 0.0);
+    Sum most, least;
+    for (int i = 0; i < problem.num_rows(); ++i) {
         if (y[i] == 0.0) continue;
-        const auto [lower, upper] = rows.sides(i);
-        most += product(y[i], y[i] > 0.0 ? upper : lower);
-        for (std::int64_t k = rows.start[i]; k < rows.start[i + 1]; ++k) combined[rows.col[k]] += y[i] * rows.val[k];
+        most.add(y[i], std::fabs(y[i]), y[i] > 0.0 ? problem.row_upper[i] : problem.row_lower[i]);
+        for (int k = problem.start[i]; k < problem.start[i + 1]; ++k) {
+            const double term = y[i] * problem.val()[k];
+            combined[problem.col()[k]] += term;
+            magnitude[problem.col()[k]] += std::fabs(term);
+        }
     }
-    double least = 0.0;
-    for (int j = 0; j < data.cols.size(); ++j) {
-        const double side = combined[j] > 0.0 ? data.cols.lb[j] : data.cols.ub[j];
+    for (int j = 0; j < problem.num_cols(); ++j) {
+        const double side = combined[j] > 0.0 ? problem.lb[j] : problem.ub[j];
         // What cancels out but for rounding errors doesn't count on a free side.
-        if (std::abs(combined[j]) < kRelativeZero && std::abs(side) >= kInfinityThreshold) continue;
-        least += product(combined[j], side);
+        if (std::isinf(side) && std::fabs(combined[j]) <= kRelativeZero * magnitude[j]) continue;
+        least.add(combined[j], magnitude[j], side);
     }
-    return least - most;
+    const double value = least.value - most.value;
+    return value > least.rounding + most.rounding ? value : -kInf;
 }
 
 // Scaled to largest element 1, with the sign that `sense` asks for, without elements that only rounding
 // made different from 0.
 std::vector<double> scaled(std::vector<double> ray, double sign) {
     double largest = 0.0;
-    for (double value : ray) largest = std::max(largest, std::abs(value));
+    for (double value : ray) largest = std::max(largest, std::fabs(value));
     if (largest == 0.0) return {};
     for (double& value : ray) {
         value *= sign / largest;
-        if (std::abs(value) < kRelativeZero) value = 0.0;
+        if (std::fabs(value) < kRelativeZero) value = 0.0;
     }
     return ray;
 }
 
-// Whether y or -y proves the model infeasible; if so it is stored.
-bool store_proof(const ModelData& data, const std::vector<double>& ray, Solution& solution) {
-    for (double sign : {1.0, -1.0}) {
-        std::vector<double> y = scaled(ray, sign);
-        if (y.empty()) return false;
-        const double value = proof(data, y);
-        if (!(value > 0.0)) continue;
-        solution.farkas = std::move(y);
-        solution.farkas_proof = value;
-        return true;
+// The model of one more column for each finite side, which takes up what violates the row there.
+ModelData elastic_model(const Problem& problem) {
+    ModelData model;
+    for (int j = 0; j < problem.num_cols(); ++j) model.cols.push_back(problem.lb[j], problem.ub[j], 0.0, 'C', {});
+    for (int i = 0; i < problem.num_rows(); ++i) {
+        const auto begin = problem.start[i], end = problem.start[i + 1];
+        model.rows.col.insert(model.rows.col.end(), problem.col() + begin, problem.col() + end);
+        model.rows.val.insert(model.rows.val.end(), problem.val() + begin, problem.val() + end);
+        for (double sign : {1.0, -1.0}) {
+            if (std::isinf(sign > 0.0 ? problem.row_lower[i] : problem.row_upper[i])) continue;
+            model.rows.col.push_back(model.cols.size());
+            model.rows.val.push_back(sign);
+            model.cols.push_back(0.0, kInf, 1.0, 'C', {});
+        }
+        model.rows.push_back_range(problem.row_lower[i], problem.row_upper[i], {});
     }
-    return false;
+    return model;
 }
 
-// HiGHS has no certificates for an LP without matrix: a row that excludes 0, or a column by itself.
-void store_without_matrix(const ModelData& data, Solution& solution) {
-    if (solution.status == ZVN_INFEASIBLE) {
-        for (int i = 0; i < data.rows.size() && solution.farkas.empty(); ++i) {
-            std::vector<double> unit(data.rows.size(), 0.0);
-            unit[i] = 1.0;
-            store_proof(data, unit, solution);
-        }
-        return;
-    }
+// HiGHS has no certificates for an LP without matrix: there a column goes to infinity by itself.
+std::vector<double> ray_without_matrix(const ModelData& data) {
     for (int j = 0; j < data.cols.size(); ++j) {
         const double downhill = -data.sense * data.cols.obj[j];
-        if (downhill == 0.0 || std::abs(downhill > 0.0 ? data.cols.ub[j] : data.cols.lb[j]) < kInfinity) continue;
-        solution.ray.assign(data.cols.size(), 0.0);
-        solution.ray[j] = std::copysign(1.0, downhill);
-        return;
+        if (downhill == 0.0 || std::fabs(downhill > 0.0 ? data.cols.ub[j] : data.cols.lb[j]) < kInfinity) continue;
+        std::vector<double> ray(data.cols.size(), 0.0);
+        ray[j] = std::copysign(1.0, downhill);
+        return ray;
     }
+    return {};
 }
 
 }  // namespace
 
-void store_certificate(const ModelData& data, HighsSession& session, Solution& solution) {
-    if (data.rows.num_entries() == 0) return store_without_matrix(data, solution);
+std::optional<Farkas> farkas_from(const Problem& problem, std::vector<double> ray) {
+    if (static_cast<int>(ray.size()) != problem.num_rows()) return std::nullopt;
+    for (double sign : {1.0, -1.0}) {
+        std::vector<double> y = scaled(ray, sign);
+        if (y.empty()) return std::nullopt;
+        const double value = proof(problem, y);
+        if (value > 0.0) return Farkas{std::move(y), value};
+    }
+    return std::nullopt;
+}
+
+bool has_crossed_bounds(const Problem& problem) {
+    for (int j = 0; j < problem.num_cols(); ++j)
+        if (problem.lb[j] > problem.ub[j]) return true;
+    return false;
+}
+
+std::optional<Farkas> farkas_of_one_row(const Problem& problem) {
+    for (int i = 0; i < problem.num_rows(); ++i) {
+        Sum least, most;
+        for (int k = problem.start[i]; k < problem.start[i + 1]; ++k) {
+            const double coeff = problem.val()[k], lower = problem.lb[problem.col()[k]];
+            const double upper = problem.ub[problem.col()[k]];
+            least.add(coeff, std::fabs(coeff), coeff > 0.0 ? lower : upper);
+            most.add(coeff, std::fabs(coeff), coeff > 0.0 ? upper : lower);
+        }
+        const double above = least.value - problem.row_upper[i], below = problem.row_lower[i] - most.value;
+        if (!(above > least.rounding) && !(below > most.rounding)) continue;
+        std::vector<double> unit(problem.num_rows(), 0.0);
+        unit[i] = 1.0;
+        return farkas_from(problem, std::move(unit));
+    }
+    return std::nullopt;
+}
+
+Elastic solve_elastic(const Problem& problem, Context& context) {
+    const ModelData model = elastic_model(problem);
+    Care care;
+    care.simplex = true;
+    SolverResult result = search_aside(Problem(model), {}, care, context);
+    Elastic elastic;
+    elastic.farkas = farkas_from(problem, std::move(result.pi));
+    elastic.x = std::move(result.x);
+    if (!elastic.x.empty()) elastic.x.resize(problem.num_cols());
+    return elastic;
+}
+
+bool is_proven_optimal(const Problem& problem, const SolverResult& result, double tolerance) {
+    if (result.x.empty() || result.pi.empty()) return false;
+    std::vector<double> rest = problem.cost;
+    double gap = 0.0, scale = 1.0;
+    const auto speaks_wrong = [&](double dual, double value, double lower, double upper) {
+        if (std::fabs(dual) <= tolerance) return false;
+        gap += complementarity(dual, value, lower, upper);
+        return wrong_sign(dual, lower, upper) > 0.0;
+    };
+    for (int i = 0; i < problem.num_rows(); ++i) {
+        double activity = 0.0;
+        for (int k = problem.start[i]; k < problem.start[i + 1]; ++k) {
+            rest[problem.col()[k]] -= result.pi[i] * problem.val()[k];
+            activity += problem.val()[k] * result.x[problem.col()[k]];
+        }
+        if (speaks_wrong(problem.sense * result.pi[i], activity, problem.row_lower[i], problem.row_upper[i]))
+            return false;
+    }
+    for (int j = 0; j < problem.num_cols(); ++j) {
+        scale += std::fabs(problem.cost[j] * result.x[j]);
+        if (speaks_wrong(problem.sense * rest[j], result.x[j], problem.lb[j], problem.ub[j])) return false;
+    }
+    return gap <= kLargestGap * scale;
+}
+
+void store_certificate(const ModelData& data, Context& context, std::vector<double> farkas, Solution& solution) {
+    const Problem problem(data);
     if (solution.status == ZVN_UNBOUNDED) {
-        std::vector<double> ray = session.primal_ray();
-        if (ray.empty()) return;
+        if (data.rows.num_entries() == 0) {
+            solution.ray = ray_without_matrix(data);
+            return;
+        }
+        std::vector<double> ray = context.session.primal_ray();
+        if (ray.empty()) ray = improving_direction(problem, context);
         ray.resize(data.cols.size());
         solution.ray = scaled(std::move(ray), 1.0);
     } else if (solution.status == ZVN_INFEASIBLE) {
-        std::vector<double> ray = session.dual_ray();
-        if (ray.empty()) return;
-        ray.resize(data.rows.size());
-        store_proof(data, ray, solution);
+        farkas.resize(data.rows.size());
+        std::optional<Farkas> found = farkas_from(problem, std::move(farkas));
+        if (!found) found = farkas_of_one_row(problem);
+        if (!found) return;
+        solution.farkas = std::move(found->y);
+        solution.farkas_proof = found->value;
     }
 }
 

@@ -102,6 +102,16 @@ double sos_violation(const SosSets& sets, int k, const double* x) {
     return least;
 }
 
+double wrong_sign(double dual, double lower, double upper) {
+    if (dual > 0.0) return lower > -kInfinity ? 0.0 : dual;
+    return upper < kInfinity ? 0.0 : -dual;
+}
+
+double complementarity(double dual, double value, double lower, double upper) {
+    const double gap = dual > 0.0 ? value - lower : upper - value;
+    return std::fabs(gap) < kInfinityThreshold ? std::fabs(dual * gap) : 0.0;
+}
+
 double main_objective(const ModelData& data, const double* x) {
     double value = data.obj_constant;
     for (int j = 0; j < data.cols.size(); ++j) value += data.cols.obj[j] * x[j];

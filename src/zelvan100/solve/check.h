@@ -21,6 +21,12 @@ double integrality_violation(double value);
 // suit it best.
 double sos_violation(const SosSets& sets, int k, const double* x);
 
+// What a dual value (of a minimization) is off the signs that the sides allow: positive ones need a lower side,
+// negative ones an upper side.
+double wrong_sign(double dual, double lower, double upper);
+// Product of a dual value and the distance to the side that its sign speaks for; 0 without such a side.
+double complementarity(double dual, double value, double lower, double upper);
+
 // c'x with the constant and the piecewise-linear terms. In a model of several objectives that of number 0.
 double main_objective(const ModelData& data, const double* x);
 

@@ -12,6 +12,7 @@
 #include "core/error.h"
 #include "io/data_files.h"
 #include "io/values.h"
+#include "solve/answer.h"
 #include "solve/certificate.h"
 #include "solve/multi_objective.h"
 #include "solve/search.h"
@@ -163,15 +164,19 @@ Solution solve_single(const ModelData& data, Problem problem, Context& context, 
     const bool has_cutoff = std::abs(cutoff) < kInfinityThreshold;
     if (has_cutoff && solution.is_mip) add_cutoff(problem, cutoff);
 
-    SolverResult result = search(problem, {user_start(data), user_basis(data)}, context);
+    Claim claim{data, [&](const double* x) { return main_objective(data, x); }, {}, tolerances_of(params)};
+    if (has_cutoff)
+        claim.admits = [&](const double* x) { return data.sense * main_objective(data, x) <= data.sense * cutoff; };
+    SolverResult result = checked_search(problem, {user_start(data), user_basis(data)}, claim, context);
     solution.status = status_of(result, context);
     if (has_cutoff)
         solution.status =
             status_with_cutoff(solution.status, solution.is_mip, data.sense * (result.objective - cutoff));
+    std::vector<double> farkas = std::move(result.farkas);
     store_result(data, std::move(result), solution);
     pool.store(params, solution);
-    if (params.get_int(Param::InfUnbdInfo) && !solution.is_mip && !is_trivial(problem))
-        store_certificate(data, context.session, solution);
+    if (params.get_int(Param::InfUnbdInfo) && !solution.is_mip && !problem.has_empty_range())
+        store_certificate(data, context, std::move(farkas), solution);
     if (!data.objectives.empty() && solution.obj_val != kUndefined) solution.multi_obj = {solution.obj_val};
     return solution;
 }

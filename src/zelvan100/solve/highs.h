@@ -66,6 +66,7 @@ struct SolverResult {
     std::vector<double> x, row_activity;  // empty without a feasible point
     std::vector<double> rc, pi;           // empty unless dual feasible
     Basis basis;                          // empty when there is none
+    std::vector<double> farkas;           // of the rows, once an infeasibility is proven
 };
 
 class HighsSession {
@@ -91,6 +92,7 @@ public:
     // Costs of all columns for a further solve of the loaded model.
     void change_costs(const std::vector<double>& cost, double offset);
     void forget_basis();
+    bool has_basis() const { return !basis_.rows.empty(); }
     // Columns and rows behind those of the basis are at a bound, and basic. Refused, with the answer
     // false, when it doesn't fit the model.
     bool set_basis(Basis basis);

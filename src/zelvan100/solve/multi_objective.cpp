@@ -7,7 +7,7 @@
 #include <set>
 
 #include "bridge/pwl_objective.h"
-#include "solve/check.h"
+#include "solve/answer.h"
 #include "solve/store.h"
 
 namespace zelvan {
@@ -31,7 +31,8 @@ struct Blend {
 
 class Hierarchy {
 public:
-    Hierarchy(const ModelData& data, Problem base, Start start, Context& context) : data_(data), problem_(std::move(base)), start_(std::move(start)), context_(context) {
+    Hierarchy(const ModelData& data, Problem base, Start start, Context& context)
+        : data_(data), problem_(std::move(base)), start_(std::move(start)), context_(context) {
         const double weight = data.objectives[0].weight;
         for (int j = 0; j < data.cols.size(); ++j) problem_.cost[j] = weight * data.cols.obj[j];
         problem_.offset = weight * data.obj_constant;
@@ -77,11 +78,26 @@ private:
         problem_.cost = blend.cost;
         problem_.offset = blend.offset;
         context_.monitor.log("\nSolving for the objectives of priority " + std::to_string(priority) + "\n");
-        return search(problem_, start_, context_);
+        const auto blended = [this, priority](const double* x) { return value_of(priority, x); };
+        const auto admits = [this](const double* x) {
+            return std::all_of(limits_.begin(), limits_.end(), [&](const Limit& limit) {
+                return problem_.sense * (value_of(limit.priority, x) - limit.value) <= 0.0;
+            });
+        };
+        return checked_search(problem_, start_, {data_, blended, admits, tolerances_of(context_.params)}, context_);
+    }
+
+    // The weighted sum of the objectives of a priority.
+    double value_of(int priority, const double* x) const {
+        const std::vector<double> values = objective_values(data_, x);
+        double sum = 0.0;
+        for (std::size_t k = 0; k < values.size(); ++k)
+            if (data_.objectives[k].priority == priority) sum += data_.objectives[k].weight * values[k];
+        return sum;
     }
 
     void limit_worsening(int priority, const std::vector<double>& x) {
-        const std::vector<double> values = objective_values(data_, x);
+        const std::vector<double> values = objective_values(data_, x.data());
         double allowance = 0.0;
         for (std::size_t k = 0; k < data_.objectives.size(); ++k) {
             const Objective& objective = data_.objectives[k];
@@ -96,6 +112,7 @@ private:
             terms.emplace_back(j, problem_.cost[j]);
             reached += problem_.cost[j] * x[j];
         }
+        limits_.push_back({priority, value_of(priority, x.data()) + problem_.sense * allowance});
         constexpr double kInf = std::numeric_limits<double>::infinity();
         if (problem_.sense > 0)
             problem_.add_row(terms, -kInf, reached + allowance);
@@ -111,7 +128,7 @@ private:
         solution.vbasis.clear();
         solution.cbasis.clear();
         if (solution.obj_val == kUndefined) return solution;
-        solution.multi_obj = objective_values(data_, solution.x);
+        solution.multi_obj = objective_values(data_, solution.x.data());
         solution.obj_val = solution.multi_obj[0];
         return solution;
     }
@@ -119,14 +136,19 @@ private:
     const ModelData& data_;
     Problem problem_;
     Start start_;  // of the next solve
+    struct Limit {
+        int priority;
+        double value;  // of its objectives, at worst
+    };
+    std::vector<Limit> limits_;
     Context& context_;
     Blend main_;  // the main objective with its weight, over the columns of the problem
 };
 
 }  // namespace
 
-std::vector<double> objective_values(const ModelData& data, const std::vector<double>& x) {
-    std::vector<double> values{main_objective(data, x.data())};
+std::vector<double> objective_values(const ModelData& data, const double* x) {
+    std::vector<double> values{main_objective(data, x)};
     for (std::size_t k = 1; k < data.objectives.size(); ++k) {
         const Objective& objective = data.objectives[k];
         values.push_back(objective.constant);

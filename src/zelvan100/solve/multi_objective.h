@@ -13,6 +13,6 @@ namespace zelvan {
 Solution solve_multi_objective(const ModelData& data, Problem base, Start start, Context& context);
 
 // Values of all objectives at a point.
-std::vector<double> objective_values(const ModelData& data, const std::vector<double>& x);
+std::vector<double> objective_values(const ModelData& data, const double* x);
 
 }  // namespace zelvan

@@ -79,9 +79,18 @@ void set_presolve_passes(HighsSession& session, int passes, const Problem& model
     session.set_option("presolve_reduction_limit", passes > 0 ? clamped(reductions) : -1);
 }
 
+void set_care(HighsSession& session, const Care& care) {
+    if (care.tight) {
+        session.set_option("primal_feasibility_tolerance", 1e-9);
+        session.set_option("mip_feasibility_tolerance", 1e-10);
+    }
+    if (!care.presolve) session.set_option("presolve", "off");
+    if (care.simplex) session.set_option("solver", "simplex");
+}
+
 }  // namespace
 
-void set_options(HighsSession& session, const ParamValues& params, const Problem& model) {
+void set_options(HighsSession& session, const ParamValues& params, const Problem& model, const Care& care) {
     for (const auto& option : kIntOptions) session.set_option(option.name, params.get_int(option.param));
     for (const auto& option : kDoubleOptions)
         session.set_option(option.name, std::max(option.minimum, params.get_dbl(option.param)));
@@ -107,6 +116,7 @@ void set_options(HighsSession& session, const ParamValues& params, const Problem
     session.set_option("output_flag", params.get_int(Param::OutputFlag) && (params.get_int(Param::LogToConsole) ||
                                                                             !params.get_str(Param::LogFile).empty()));
     set_presolve_passes(session, params.get_int(Param::PrePasses), model);
+    set_care(session, care);
 }
 
 }  // namespace zelvan

@@ -1,11 +1,21 @@
 #pragma once
 
+#include <limits>
+
 #include "param/param.h"
 #include "solve/highs.h"
 
 namespace zelvan {
 
+// What a search is held to beyond the parameters.
+struct Care {
+    bool tight = false;  // the smallest tolerances that HiGHS computes with
+    bool presolve = true;
+    bool simplex = false;  // of an LP: simplex, whatever the parameters ask for
+    int iteration_limit = std::numeric_limits<int>::max();
+};
+
 // The parameters that HiGHS has options for, without the limits.
-void set_options(HighsSession& session, const ParamValues& params, const Problem& model);
+void set_options(HighsSession& session, const ParamValues& params, const Problem& model, const Care& care = {});
 
 }  // namespace zelvan

@@ -58,7 +58,8 @@ SolverResult run_session(Context& context) {
 }
 
 SolverResult run_method(const Problem& problem, Context& context) {
-    if (context.params.get_int(Param::Method) != kConcurrent || problem.is_mip()) return run_session(context);
+    if (context.care.simplex || context.params.get_int(Param::Method) != kConcurrent || problem.is_mip())
+        return run_session(context);
     SolverResult result = run_concurrently(problem, context);
     count(result, context);
     return result;
@@ -74,7 +75,7 @@ SolverResult run_loaded(const Problem& problem, Context& context) {
         session.set_option("solver", "simplex");
         session.set_option("simplex_strategy", kPrimalSimplex);
         result = run_session(context);
-        set_options(session, context.params, problem);
+        set_options(session, context.params, problem, context.care);
     }
     if (result.outcome == Outcome::kMemory)
         throw Error(ZVN_ERROR_OUT_OF_MEMORY, "HiGHS ran out of memory during the solve");
@@ -102,7 +103,9 @@ void set_limits(HighsSession& session, const Context& context) {
         return static_cast<int>(std::clamp(limit - used, 0.0, static_cast<double>(std::numeric_limits<int>::max())));
     };
     session.set_time_limit(context.monitor.time_left());
-    session.set_option("simplex_iteration_limit", left(params.get_dbl(Param::IterationLimit), context.iterations));
+    session.set_option(
+        "simplex_iteration_limit",
+        std::min(context.care.iteration_limit, left(params.get_dbl(Param::IterationLimit), context.iterations)));
     session.set_option("ipm_iteration_limit", left(params.get_int(Param::BarIterLimit), context.barrier_iterations));
     session.set_option("mip_max_nodes", left(params.get_dbl(Param::NodeLimit), context.nodes));
     session.set_option("mip_max_improving_sols",
@@ -123,7 +126,7 @@ SolverResult search(const Problem& problem, const Start& start, Context& context
     result.outcome = Outcome::kTimeLimit;
     if (monitor.time_left() <= 0.0) return result;
 
-    set_options(context.session, params, problem);
+    set_options(context.session, params, problem, context.care);
     if (params.get_int(Param::LPWarmStart) == 0) context.session.forget_basis();
     context.session.load(problem);
     pass_start(problem, start, context);
@@ -131,6 +134,16 @@ SolverResult search(const Problem& problem, const Start& start, Context& context
     const bool must_know =
         params.get_int(Param::DualReductions) == 0 || (params.get_int(Param::InfUnbdInfo) != 0 && !problem.is_mip());
     if (result.outcome == Outcome::kInfeasibleOrUnbounded && must_know) result = tell_apart(problem, context);
+    return result;
+}
+
+SolverResult search_aside(const Problem& problem, const Start& start, const Care& care, Context& context) {
+    HighsSession session;
+    Context aside(session, context.monitor);
+    static_cast<Counts&>(aside) = context;
+    aside.care = care;
+    SolverResult result = search(problem, start, aside);
+    static_cast<Counts&>(context) = aside;
     return result;
 }
 

@@ -4,20 +4,25 @@
 #include "param/param.h"
 #include "solve/highs.h"
 #include "solve/monitor.h"
+#include "solve/options.h"
 
 namespace zelvan {
 
+// Counts over all searches so far.
+struct Counts {
+    double work = 0.0, iterations = 0.0, nodes = 0.0;
+    int barrier_iterations = 0;
+    int concurrent_winner = -1;
+};
+
 // What the searches of one call share.
-struct Context {
+struct Context : Counts {
     Context(HighsSession& highs, Monitor& events);
 
     HighsSession& session;
     Monitor& monitor;
     const ParamValues& params;  // those of the monitor
-    // Counts over all searches so far.
-    double work = 0.0, iterations = 0.0, nodes = 0.0;
-    int barrier_iterations = 0;
-    int concurrent_winner = -1;
+    Care care;
 
 private:
     Attached attached_;
@@ -31,6 +36,8 @@ struct Start {
 
 // Limits hold for all searches of the context together.
 SolverResult search(const Problem& problem, const Start& start, Context& context);
+// The same on a HiGHS instance of its own, so that the kept one goes on from its own solve.
+SolverResult search_aside(const Problem& problem, const Start& start, const Care& care, Context& context);
 // The value of the attribute Status that the outcome means.
 int status_of(const SolverResult& result, const Context& context);
 
