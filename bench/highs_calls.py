@@ -12,11 +12,10 @@ sys.path.insert(0, str(pathlib.Path(__file__).resolve().parent.parent / "tests")
 from conftest import find_shared_data
 
 Int, Double, Handle, Text = ctypes.c_int, ctypes.c_double, ctypes.c_void_p, ctypes.c_char_p
-COLWISE, ROWWISE, TRIANGULAR = 1, 2, 1
+COLWISE, TRIANGULAR = 1, 1
 
 lib = ctypes.CDLL(str(pathlib.Path(highsbox.highs_dist_dir()) / "lib" / "libhighs.so"))
 lib.Highs_create.restype = Handle
-SPAN = (Int, Int)
 for name, kinds in {
     "Highs_destroy": (Handle,),
     "Highs_readModel": (Handle, Text),
@@ -25,24 +24,21 @@ for name, kinds in {
     "Highs_getNumRow": (Handle,),
     "Highs_getNumNz": (Handle,),
     "Highs_setBoolOptionValue": (Handle, Text, Int),
-    "Highs_setIntOptionValue": (Handle, Text, Int),
     "Highs_setDoubleOptionValue": (Handle, Text, Double),
     "Highs_passModel": (Handle,) + (Int,) * 7 + (Double,) + (Handle,) * 12,
     "Highs_getSolution": (Handle,) * 5,
-    "Highs_getBasis": (Handle,) * 3,
     "Highs_getLp": (Handle, Int) + (Handle,) * 14,
     "Highs_getIntInfoValue": (Handle, Text, ctypes.POINTER(Int)),
     "Highs_getInt64InfoValue": (Handle, Text, ctypes.POINTER(ctypes.c_int64)),
-    "Highs_getObjectiveValue": (Handle,),
-    "Highs_changeColsCostByRange": (Handle, *SPAN, Handle),
-    "Highs_changeColsBoundsByRange": (Handle, *SPAN, Handle, Handle),
-    "Highs_changeRowsBoundsByRange": (Handle, *SPAN, Handle, Handle),
+    "Highs_changeColCost": (Handle, Int, Double),
+    "Highs_changeColBounds": (Handle, Int, Double, Double),
+    "Highs_changeRowBounds": (Handle, Int, Double, Double),
     "Highs_addRow": (Handle, Double, Double, Int, Handle, Handle),
     "Highs_addCol": (Handle, Double, Double, Double, Int, Handle, Handle),
-    "Highs_deleteRowsByRange": (Handle, *SPAN),
+    "Highs_deleteRowsByRange": (Handle, Int, Int),
+    "Highs_deleteColsByRange": (Handle, Int, Int),
 }.items():
     getattr(lib, name).argtypes = kinds
-lib.Highs_getObjectiveValue.restype = Double
 
 
 def instances(wanted=()):
