@@ -1,0 +1,210 @@
+"""Random edit histories: a model solved through its kept session against a plain Python model built anew.
+
+ZELVAN_RANDOM_HISTORIES sets how many are drawn, seeds 0 and up."""
+
+import collections
+import ctypes
+import dataclasses
+import os
+import random
+
+import pytest
+from native import INFINITY, Double, Environment, Int, array, lib
+
+NUM_HISTORIES = int(os.environ.get("ZELVAN_RANDOM_HISTORIES", 1500))
+OPTIMAL = 2
+
+
+@dataclasses.dataclass(eq=False)
+class Column:
+    lb: float
+    ub: float
+    obj: float
+    vtype: str
+    name: str
+
+
+@dataclasses.dataclass(eq=False)
+class Row:
+    """`lower` is the other side of a row of sense 'R', whose upper side is `rhs`."""
+
+    entries: dict  # coefficients by column
+    sense: str
+    rhs: float
+    lower: float
+    name: str
+
+
+class Plain:
+    """What the edited model must be after its next update, and the random edits, each done to both."""
+
+    def __init__(self, rng, model, integers):
+        self.rng, self.model = rng, model
+        self.types = "CCIB" if integers else "C"
+        self.columns, self.rows, self.deleted = [], [], []
+        self.sense, self.constant, self.named = 1, 0.0, 0
+
+    def name(self, letter):
+        self.named += 1
+        return "%s%d" % (letter, self.named)
+
+    def new_column(self):
+        lb = float(self.rng.choice([-3, 0, 0, 1]))
+        ub = self.rng.choice([lb, lb + 2.0, lb + 5.0, lb + 5.0, INFINITY])
+        vtype = self.rng.choice(self.types)
+        if vtype == "B":
+            lb, ub = 0.0, 1.0
+        return Column(lb, ub, float(self.rng.randint(-4, 6)), vtype, self.name("x"))
+
+    def new_row(self):
+        some = self.rng.sample(self.columns, self.rng.randint(0, min(4, len(self.columns))))
+        entries = {column: float(self.rng.choice([-2, -1, 1, 2, 3])) for column in some}
+        rhs = float(self.rng.randint(-2, 8))
+        return Row(entries, self.rng.choice("<<<>>=R"), rhs, rhs - self.rng.randint(0, 4), self.name("r"))
+
+    def index(self, thing):
+        """By the numbering of the last update, with what is new behind."""
+        return (self.columns if isinstance(thing, Column) else self.rows).index(thing)
+
+    def terms(self, entries):
+        return len(entries), array(Int, [self.index(thing) for thing in entries]), array(Double, [*entries.values()])
+
+    # ---- Edits
+
+    def add_column(self):
+        column = self.new_column()
+        some = self.rng.sample(self.rows, self.rng.randint(0, min(3, len(self.rows))))
+        entries = {row: float(self.rng.choice([-1, 1, 2])) for row in some}
+        numbers = [Double(value) for value in (column.obj, column.lb, column.ub)]
+        self.model.call("ZVNaddvar", *self.terms(entries), *numbers, char(column.vtype), column.name.encode())
+        for row, value in entries.items():
+            row.entries[column] = value
+        self.columns.append(column)
+
+    def add_columns(self):
+        columns = [self.new_column() for _ in range(self.rng.randint(1, 3))]
+        self.model.add_columns([(c.name, c.vtype, c.lb, c.ub, c.obj) for c in columns])
+        self.columns += columns
+
+    def add_row(self):
+        row = self.new_row()
+        add_row(self.model, row, self.columns)
+        self.rows.append(row)
+
+    def delete(self):
+        for things, call in ((self.columns, "ZVNdelvars"), (self.rows, "ZVNdelconstrs")):
+            some = self.rng.sample(things, min(len(things), self.rng.choice([0, 1, 1, 2])))
+            self.model.call(call, len(some), array(Int, [self.index(thing) for thing in some]))
+            self.deleted += some
+
+    def set_bounds(self):
+        for column in self.some(self.columns):
+            if column.vtype != "B":
+                column.lb = float(self.rng.randint(-4, 2))
+                column.ub = self.rng.choice([column.lb, column.lb + 3.0, INFINITY])
+                self.write("dbl", "LB", column, Double(column.lb))
+                self.write("dbl", "UB", column, Double(column.ub))
+
+    def set_costs(self):
+        for column in self.some(self.columns):
+            column.obj = float(self.rng.randint(-5, 5))
+            self.write("dbl", "Obj", column, Double(column.obj))
+
+    def set_type(self):
+        for column in self.some(self.columns):
+            if column.vtype != "B":
+                column.vtype = self.rng.choice(self.types.replace("B", ""))
+                self.write("char", "VType", column, char(column.vtype))
+
+    def set_side(self):
+        for row in self.some(self.rows):
+            if row.sense != "R":
+                row.rhs = float(self.rng.randint(-3, 9))
+                self.write("dbl", "RHS", row, Double(row.rhs))
+
+    def set_sense(self):
+        for row in self.some(self.rows):
+            if row.sense != "R":
+                row.sense = self.rng.choice("<>=")
+                self.write("char", "Sense", row, char(row.sense))
+
+    def set_model(self):
+        self.sense = self.rng.choice([1, 1, -1])
+        self.constant = float(self.rng.randint(-9, 9))
+        self.model.call("ZVNsetintattr", b"ModelSense", self.sense)
+        self.model.call("ZVNsetdblattr", b"ObjCon", Double(self.constant))
+
+    def some(self, things):
+        return self.rng.sample(things, self.rng.randint(0, min(2, len(things))))
+
+    def write(self, kind, attr, thing, value):
+        self.model.call("ZVNset%sattrelement" % kind, attr.encode(), self.index(thing), value)
+
+    def edit(self):
+        edits = [self.add_column, self.add_columns, self.add_row, self.add_row, self.delete, self.set_bounds]
+        edits += [self.set_costs, self.set_type, self.set_side, self.set_sense, self.set_model]
+        for edit in self.rng.choices(edits, k=self.rng.randint(1, 4)):
+            edit()
+
+    def update(self):
+        """The deletions, which come last."""
+        gone = set(self.deleted)
+        self.deleted = []
+        self.columns = [column for column in self.columns if column not in gone]
+        self.rows = [row for row in self.rows if row not in gone]
+        for row in self.rows:
+            row.entries = {column: value for column, value in row.entries.items() if column not in gone}
+
+    def build(self, env):
+        model = env.new()
+        model.add_columns([(c.name, c.vtype, c.lb, c.ub, c.obj) for c in self.columns])
+        for row in self.rows:
+            add_row(model, row, self.columns)
+        model.call("ZVNsetintattr", b"ModelSense", self.sense)
+        model.call("ZVNsetdblattr", b"ObjCon", Double(self.constant))
+        return model
+
+
+def char(letter):
+    return ctypes.c_char(letter.encode())
+
+
+def add_row(model, row, columns):
+    entries = [(columns.index(column), value) for column, value in row.entries.items()]
+    model.add_row(row.name, row.sense, row.rhs, entries, row.lower)
+
+
+def answer(model):
+    """Status, and the objective of an optimal model."""
+    model.call("ZVNoptimize")
+    status = model.number("Status")
+    return status, model.number("ObjVal", Double) if status == OPTIMAL else 0.0
+
+
+def check_history(env, seed):
+    rng = random.Random(seed)
+    with env.new() as model:
+        plain = Plain(rng, model, integers=seed % 2)
+        for _ in range(rng.randint(2, 6)):
+            plain.edit()
+            kept = answer(model)
+            plain.update()
+            with plain.build(env) as fresh:
+                status, objective = answer(fresh)
+                assert kept[0] == status
+                assert kept[1] == pytest.approx(objective, rel=1e-6, abs=1e-6)
+                assert model.content() == fresh.content()
+        return status
+
+
+def test_kept_session_answers_as_a_fresh_one():
+    env = Environment(OutputFlag=0, UpdateMode=0, DualReductions=0)
+    env.check(lib.ZVNsetdblparam(env.handle, b"MIPGap", Double(0.0)))
+    ends = collections.Counter()
+    for seed in range(NUM_HISTORIES):
+        try:
+            ends[check_history(env, seed)] += 1
+        except Exception as fault:
+            raise AssertionError("history %d" % seed) from fault
+    assert ends[OPTIMAL] > NUM_HISTORIES / 2
+    env.close()
