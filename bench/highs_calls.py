@@ -12,7 +12,7 @@ sys.path.insert(0, str(pathlib.Path(__file__).resolve().parent.parent / "tests")
 from conftest import find_shared_data
 
 Int, Double, Handle, Text = ctypes.c_int, ctypes.c_double, ctypes.c_void_p, ctypes.c_char_p
-COLWISE, TRIANGULAR = 1, 1
+COLWISE, ROWWISE, TRIANGULAR = 1, 2, 1
 
 lib = ctypes.CDLL(str(pathlib.Path(highsbox.highs_dist_dir()) / "lib" / "libhighs.so"))
 lib.Highs_create.restype = Handle
@@ -29,6 +29,7 @@ for name, kinds in {
     "Highs_getSolution": (Handle,) * 5,
     "Highs_getLp": (Handle, Int) + (Handle,) * 14,
     "Highs_getIntInfoValue": (Handle, Text, ctypes.POINTER(Int)),
+    "Highs_getObjectiveValue": (Handle,),
     "Highs_getInt64InfoValue": (Handle, Text, ctypes.POINTER(ctypes.c_int64)),
     "Highs_changeColCost": (Handle, Int, Double),
     "Highs_changeColBounds": (Handle, Int, Double, Double),
@@ -39,6 +40,7 @@ for name, kinds in {
     "Highs_deleteColsByRange": (Handle, Int, Int),
 }.items():
     getattr(lib, name).argtypes = kinds
+lib.Highs_getObjectiveValue.restype = Double
 
 
 def instances(wanted=()):
@@ -114,6 +116,9 @@ class Highs:
         arrays = [(Double * max(1, count))() for count in counts]
         lib.Highs_getSolution(self.handle, *arrays)
         return arrays
+
+    def objective(self):
+        return lib.Highs_getObjectiveValue(self.handle)
 
     def iterations(self):
         count = Int()
