@@ -9,7 +9,11 @@ import re
 import subprocess
 import sys
 
+import numpy
 import timing
+from highs_calls import ROWWISE, Highs
+from highs_calls import lib as highs_lib
+from native import Double, Environment, Handle, Int, array
 
 COLUMNS = 20_000 if timing.SHORT else 1_000_000
 GROUP, SHARED = 10, 20  # columns of one group, and of one capacity
@@ -25,8 +29,6 @@ def kilobytes(field):
 def generate():
     """Costs, starts, indices and right-hand sides: one of each group is chosen, and each column takes from two
     capacities, some of which are scarce. The first rows are equations."""
-    import numpy
-
     rng = numpy.random.default_rng(1)
     groups, capacities = COLUMNS // GROUP, 2 * COLUMNS // SHARED
     cost = rng.integers(1, 1000, COLUMNS).astype(float)
@@ -42,47 +44,39 @@ def generate():
     return cost, start.astype(numpy.int32), index, numpy.ones(3 * COLUMNS), rhs, groups
 
 
-def address(array):
-    return array.ctypes.data
+def address(values):
+    return values.ctypes.data
 
 
 def with_library(arrays):
     """Hands the model over; the answer solves it and gives the objective."""
-    import ctypes
-
-    from native import Double, Environment, Handle, lib
-
     cost, start, index, value, rhs, groups = arrays
     env = Environment(OutputFlag=0)
     model = env.new()
     rows = len(rhs)
     senses = b"=" * groups + b"<" * (rows - groups)
     model.call("ZVNaddvars", COLUMNS, 0, None, None, None, Handle(address(cost)), None, None, None, None)
-    entries = [Handle(address(array)) for array in (start, index, value)]
+    entries = [Handle(address(values)) for values in (start, index, value)]
     model.call("ZVNaddconstrs", rows, len(index), *entries, senses, Handle(address(rhs)), None)
     model.update()
 
     def solve():
         model.call("ZVNoptimize")
         x = (Double * COLUMNS)()
-        every = (ctypes.c_int * COLUMNS)(*range(COLUMNS))
-        lib.ZVNgetdblattrlist(model.handle, b"X", COLUMNS, every, x)
+        model.call("ZVNgetdblattrlist", b"X", COLUMNS, array(Int, range(COLUMNS)), x)
         return model.number("ObjVal", Double)
 
     return solve
 
 
 def with_highs(arrays):
-    import numpy
-    from highs_calls import ROWWISE, Highs, lib
-
     cost, start, index, value, rhs, groups = arrays
     highs = Highs()
     rows = len(rhs)
     lower = numpy.where(numpy.arange(rows) < groups, rhs, -numpy.inf)
     zero, infinite = numpy.zeros(COLUMNS), numpy.full(COLUMNS, numpy.inf)
     vectors = map(address, (cost, zero, infinite, lower, rhs, start, index, value))
-    lib.Highs_passModel(highs.handle, COLUMNS, rows, len(index), 0, ROWWISE, 0, 1, 0.0, *vectors, *[None] * 4)
+    highs_lib.Highs_passModel(highs.handle, COLUMNS, rows, len(index), 0, ROWWISE, 0, 1, 0.0, *vectors, *[None] * 4)
 
     def solve():
         highs.run()
@@ -97,9 +91,6 @@ WAYS = {"library": with_library, "HiGHS": with_highs}
 
 def run_one(way, holds):
     """Prints the growth in kB and the objective."""
-    import highs_calls
-    import native
-
     before = kilobytes("VmRSS")
     arrays = generate()
     solve = WAYS[way](arrays)
@@ -121,8 +112,10 @@ def main():
         assert abs(objective - other) <= 1e-6 * abs(other), (objective, other)
         ratio = ours / theirs
         verdict = "ok" if ratio <= MAX_RATIO else "OVER"
-        print("  caller %s its arrays: %.0f MB, HiGHS %.0f MB, ratio %.3f (at most %g) %s"
-              % (caller, ours / 1024, theirs / 1024, ratio, MAX_RATIO, verdict))
+        print(
+            "  caller %s its arrays: %.0f MB, HiGHS %.0f MB, ratio %.3f (at most %g) %s"
+            % (caller, ours / 1024, theirs / 1024, ratio, MAX_RATIO, verdict)
+        )
 
 
 if __name__ == "__main__":
