@@ -193,7 +193,9 @@ private:
 }  // namespace
 
 SolverResult checked_search(const Problem& problem, const Start& start, const Claim& claim, Context& context) {
-    return Checker(problem, start, claim, context).run();
+    SolverResult result = Checker(problem, start, claim, context).run();
+    problem.unscale(result.pi);
+    return result;
 }
 
 }  // namespace zelvan

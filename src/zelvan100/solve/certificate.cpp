@@ -189,12 +189,16 @@ void store_certificate(const ModelData& data, Context& context, std::vector<doub
         ray.resize(data.cols.size());
         solution.ray = scaled(std::move(ray), 1.0);
     } else if (solution.status == ZVN_INFEASIBLE) {
+        const auto smaller = [](double a, double b) { return std::fabs(a) < std::fabs(b); };
         farkas.resize(data.rows.size());
         std::optional<Farkas> found = farkas_from(problem, std::move(farkas));
         if (!found) found = farkas_of_one_row(problem);
         if (!found) return;
+        problem.unscale(found->y);
+        const double largest = std::fabs(*std::max_element(found->y.begin(), found->y.end(), smaller));
+        for (double& value : found->y) value /= largest;
         solution.farkas = std::move(found->y);
-        solution.farkas_proof = found->value;
+        solution.farkas_proof = found->value / largest;
     }
 }
 

@@ -409,13 +409,12 @@ SolverResult HighsSession::fetch() {
 
     if (int_info(highs_, "primal_solution_status") == kHighsSolutionStatusFeasible) {
         result.x.resize(num_cols);
-        result.row_activity.resize(num_rows);
         if (int_info(highs_, "dual_solution_status") == kHighsSolutionStatusFeasible) {
             result.rc.resize(num_cols);
             result.pi.resize(num_rows);
         }
-        check(Highs_getSolution(highs_, result.x.data(), result.rc.empty() ? nullptr : result.rc.data(),
-                                result.row_activity.data(), result.rc.empty() ? nullptr : result.pi.data()),
+        check(Highs_getSolution(highs_, result.x.data(), result.rc.empty() ? nullptr : result.rc.data(), nullptr,
+                                result.rc.empty() ? nullptr : result.pi.data()),
               "give the solution");
     }
     if (int_info(highs_, "basis_validity") == kHighsBasisValidityValid) {

@@ -63,10 +63,10 @@ struct SolverResult {
     double objective = 0.0, bound = 0.0;
     double iterations = 0.0, nodes = 0.0;  // iterations of simplex and crossover
     int barrier_iterations = 0;
-    std::vector<double> x, row_activity;  // empty without a feasible point
-    std::vector<double> rc, pi;           // empty unless dual feasible
-    Basis basis;                          // empty when there is none
-    std::vector<double> farkas;           // of the rows, once an infeasibility is proven
+    std::vector<double> x;       // empty without a feasible point
+    std::vector<double> rc, pi;  // empty unless dual feasible
+    Basis basis;                 // empty when there is none
+    std::vector<double> farkas;  // of the rows, once an infeasibility is proven
 };
 
 class HighsSession {

@@ -13,6 +13,8 @@ namespace {
 // Values that HiGHS refuses, or would read as infinite.
 constexpr double kLargestCoefficient = 1e15;
 constexpr double kLargestCost = 1e20;
+// Up to here entries are dropped, whatever its options say.
+constexpr double kSmallestCoefficient = 1e-12;
 
 // HiGHS means the infinity of doubles.
 double with_infinity(double value) {
@@ -20,18 +22,30 @@ double with_infinity(double value) {
                                                  : value;
 }
 
-void check_matrix(const ModelData& data) {
-    const Rows& rows = data.rows;
-    if (rows.num_entries() > std::numeric_limits<int>::max())
-        throw Error(ZVN_ERROR_EXCEED_2B_NONZEROS, "The model has more than 2147483647 nonzeros");
-    for (int i = 0; i < rows.size(); ++i) {
-        for (std::int64_t k = rows.start[i]; k < rows.start[i + 1]; ++k) {
-            if (std::abs(rows.val[k]) < kLargestCoefficient) continue;
-            throw Error(ZVN_ERROR_NUMERIC, "The coefficient of variable '" + data.col_name(rows.col[k]) +
-                                               "' in constraint '" + data.row_name(i) +
-                                               "' is too large to solve with: at most 1e15 is possible");
-        }
+[[noreturn]] void refuse(const ModelData& data, int row, std::int64_t entry, const char* why) {
+    throw Error(ZVN_ERROR_NUMERIC, "The coefficient of variable '" + data.col_name(data.rows.col[entry]) +
+                                       "' in constraint '" + data.row_name(row) + why);
+}
+
+// Positions of the entries of a row that are smallest and largest in absolute value, zeros aside; -1 for none.
+struct Extremes {
+    std::int64_t smallest = -1, largest = -1;
+};
+
+Extremes extremes(const SparseRows& rows, int i) {
+    Extremes found;
+    for (std::int64_t k = rows.start[i]; k < rows.start[i + 1]; ++k) {
+        const double size = std::abs(rows.val[k]);
+        if (size == 0.0) continue;
+        if (found.smallest < 0 || size < std::abs(rows.val[found.smallest])) found.smallest = k;
+        if (found.largest < 0 || size > std::abs(rows.val[found.largest])) found.largest = k;
     }
+    return found;
+}
+
+// The power of two that lifts a coefficient above those that are dropped.
+double lifting_factor(double smallest) {
+    return std::exp2(std::ceil(std::log2(kSmallestCoefficient / smallest)) + 1.0);
 }
 
 }  // namespace
@@ -46,7 +60,8 @@ Problem::Problem(const ModelData& data)
       start(data.rows.start.begin(), data.rows.start.end()),
       model_col_(data.rows.col.data()),
       model_val_(data.rows.val.data()) {
-    check_matrix(data);
+    if (data.rows.num_entries() > std::numeric_limits<int>::max())
+        throw Error(ZVN_ERROR_EXCEED_2B_NONZEROS, "The model has more than 2147483647 nonzeros");
     for (int j = 0; j < num_cols(); ++j) {
         if (std::abs(cost[j]) >= kLargestCost)
             throw Error(ZVN_ERROR_NUMERIC, "The objective coefficient of variable '" + data.col_name(j) +
@@ -66,6 +81,39 @@ Problem::Problem(const ModelData& data)
         row_lower.push_back(with_infinity(lower));
         row_upper.push_back(with_infinity(upper));
     }
+    take_matrix(data);
+}
+
+void Problem::take_matrix(const ModelData& data) {
+    for (int i = 0; i < data.rows.size(); ++i) {
+        const auto [smallest, largest] = extremes(data.rows, i);
+        if (smallest < 0) continue;
+        const double least = std::abs(data.rows.val[smallest]), most = std::abs(data.rows.val[largest]);
+        if (most >= kLargestCoefficient)
+            refuse(data, i, largest, "' is too large to solve with: at most 1e15 is possible");
+        smallest_entry_ = std::min(smallest_entry_, std::max(least, 2.0 * kSmallestCoefficient));
+        if (least > kSmallestCoefficient) continue;
+        const double factor = lifting_factor(least);
+        if (most * factor >= kLargestCoefficient)
+            refuse(data, i, smallest, "' is too small to solve with next to the others there");
+        own_matrix();
+        for (int k = start[i]; k < start[i + 1]; ++k) val_[k] *= factor;
+        row_lower[i] *= factor;
+        row_upper[i] *= factor;
+        factors_.emplace_back(i, factor);
+    }
+}
+
+void Problem::own_matrix() {
+    if (own_matrix_) return;
+    col_.assign(model_col_, model_col_ + num_entries());
+    val_.assign(model_val_, model_val_ + num_entries());
+    own_matrix_ = true;
+}
+
+void Problem::unscale(std::vector<double>& multipliers) const {
+    if (multipliers.empty()) return;
+    for (const auto& [i, factor] : factors_) multipliers[i] *= factor;
 }
 
 bool Problem::is_mip() const {
@@ -102,14 +150,11 @@ int Problem::add_col(double lower, double upper, double objective, bool is_integ
 }
 
 int Problem::add_row(const Terms& terms, double lower, double upper) {
-    if (!own_matrix_) {
-        col_.assign(model_col_, model_col_ + num_entries());
-        val_.assign(model_val_, model_val_ + num_entries());
-        own_matrix_ = true;
-    }
+    own_matrix();
     for (const auto& [j, coeff] : terms) {
         col_.push_back(j);
         val_.push_back(coeff);
+        if (coeff != 0.0) smallest_entry_ = std::min(smallest_entry_, std::abs(coeff));
     }
     start.push_back(static_cast<int>(col_.size()));
     row_lower.push_back(lower);

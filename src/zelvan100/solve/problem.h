@@ -3,6 +3,7 @@
 // columns integer. Its first columns and rows are those of the model; bridges append theirs, so a
 // solution is mapped back by cutting it off behind the model's own.
 
+#include <limits>
 #include <utility>
 #include <vector>
 
@@ -14,7 +15,8 @@ class Problem {
 public:
     // Takes over bounds, rows and types. Semi-continuous types, piecewise-linear terms and further
     // objectives are left to the bridges. The matrix stays in `data` until a bridge adds to it.
-    // Throws Error when a coefficient is beyond what HiGHS computes with.
+    // A row with entries that HiGHS would drop is multiplied by a power of two. Throws Error when a coefficient is
+    // beyond what HiGHS computes with.
     explicit Problem(const ModelData& data);
 
     int sense = 1;
@@ -29,6 +31,10 @@ public:
     int num_entries() const { return start.back(); }
     const int* col() const { return own_matrix_ ? col_.data() : model_col_; }
     const double* val() const { return own_matrix_ ? val_.data() : model_val_; }
+    // Of the entries, in absolute value; infinite when there are none.
+    double smallest_entry() const { return smallest_entry_; }
+    // Turns multipliers of rows, such as dual values, into those of the rows as the model has them.
+    void unscale(std::vector<double>& multipliers) const;
     bool is_mip() const;
     // Whether some column or row has no value at all that it may take, such as a lower bound of infinity.
     bool has_empty_range() const;
@@ -40,11 +46,16 @@ public:
     int add_row(const Terms& terms, double lower, double upper);
 
 private:
+    void take_matrix(const ModelData& data);
+    void own_matrix();
+
     const int* model_col_;
     const double* model_val_;
     bool own_matrix_ = false;
     std::vector<int> col_;
     std::vector<double> val_;
+    double smallest_entry_ = std::numeric_limits<double>::infinity();
+    std::vector<std::pair<int, double>> factors_;  // of the rows that were multiplied
 };
 
 }  // namespace zelvan

@@ -22,7 +22,6 @@ SolverResult solve_trivial(const Problem& problem, double tolerance) {
         if (problem.row_lower[i] > tolerance || problem.row_upper[i] < -tolerance) return result;
     result.outcome = Outcome::kOptimal;
     result.objective = result.bound = problem.offset;
-    result.row_activity.assign(problem.num_rows(), 0.0);
     result.pi.assign(problem.num_rows(), 0.0);
     result.basis.rows.assign(problem.num_rows(), ZVN_BASIC);
     return result;
