@@ -1,4 +1,4 @@
-"""The library driven by C programs, without Python in the process."""
+"""The library driven by programs in C and C++, without Python in the process."""
 
 import os
 import pathlib
@@ -31,17 +31,22 @@ def run(command):
     return result.stdout
 
 
-@pytest.mark.parametrize("program", ["solve", "refuse"])
-def test_program(program, tmp_path):
-    binary = tmp_path / program
+@pytest.mark.parametrize("source", ["solve.c", "refuse.c", "memory.cpp"])
+def test_program(source, tmp_path):
+    binary = tmp_path / "program"
     sanitize = ["-fsanitize=address,undefined", "-fno-sanitize-recover=undefined"] if SANITIZED else []
-    compiler = shlex.split(os.environ.get("CC") or "cc")
     run(
-        [*compiler, "-std=c11", "-Wall", "-Wextra", "-Wpedantic", "-Werror", "-g", *sanitize, "-I", str(HEADERS)]
-        + [str(SOURCES / (program + ".c")), "-o", str(binary), "-L", str(PACKAGE), "-lzelvan100", "-lm"]
+        [*compiler_of(source), "-Wall", "-Wextra", "-Wpedantic", "-Werror", "-g", *sanitize, "-I", str(HEADERS)]
+        + [str(SOURCES / source), "-o", str(binary), "-L", str(PACKAGE), "-lzelvan100", "-lm"]
         + ["-Wl,-rpath," + str(PACKAGE), "-Wl,-rpath-link," + library_path()]
     )
     assert run([str(binary), str(tmp_path)]) == ""
+
+
+def compiler_of(source):
+    if source.endswith(".cpp"):
+        return [*shlex.split(os.environ.get("CXX") or "c++"), "-std=c++20"]
+    return [*shlex.split(os.environ.get("CC") or "cc"), "-std=c11"]
 
 
 def library_path():
@@ -53,5 +58,16 @@ def library_path():
 def test_header_compiles_as_cxx(tmp_path):
     source = tmp_path / "header.cpp"
     source.write_text('#include "zelvan100.h"\nint main() { return ZVN_VERSION_MAJOR == 10 ? 0 : 1; }\n')
-    compiler = shlex.split(os.environ.get("CXX") or "c++")
-    run([*compiler, "-Wall", "-Wextra", "-Wpedantic", "-Werror", "-fsyntax-only", "-I", str(HEADERS), str(source)])
+    run(
+        [
+            *compiler_of(source.name),
+            "-Wall",
+            "-Wextra",
+            "-Wpedantic",
+            "-Werror",
+            "-fsyntax-only",
+            "-I",
+            str(HEADERS),
+            str(source),
+        ]
+    )

@@ -2,6 +2,9 @@
 
 #include <cmath>
 #include <cstring>
+#include <string>
+#include <utility>
+#include <vector>
 
 #include "core/number_text.h"
 
@@ -273,8 +276,10 @@ void write_text(Model& model, int attr, const char* value) {
     const AttrSpec& spec = settable(attr);
     check_text(spec, -1, value);
     const int number = objective_number(model, attr, spec);
+    std::string text = value;
+    model.reserve_texts(1, text.size());
     make_first_objective(model, attr);
-    model.write_text(*spec.text_rule, -1, value, number);
+    model.write_text(*spec.text_rule, -1, std::move(text), number);
 }
 
 template <class T>
@@ -291,7 +296,11 @@ void write_texts(Model& model, int attr, int n, const int* ind, const char* cons
     const AttrSpec& spec = settable(attr);
     check_write_indices(model, spec, n, ind);
     for (int k = 0; k < n; ++k) check_text(spec, ind[k], values[k]);
-    for (int k = 0; k < n; ++k) model.write_text(*spec.text_rule, ind[k], values[k]);
+    std::vector<std::string> texts(values, values + n);
+    std::size_t bytes = 0;
+    for (const std::string& text : texts) bytes += text.size();
+    model.reserve_texts(n, bytes);
+    for (int k = 0; k < n; ++k) model.write_text(*spec.text_rule, ind[k], std::move(texts[k]));
 }
 
 template char read_number_at(const Model&, int, int);

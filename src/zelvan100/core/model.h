@@ -28,8 +28,8 @@ class HighsSession;  // the kept HiGHS instance, solve/highs.h
 struct ObjectiveWrite {
     int sense;  // 0 leaves the sense
     int number;
-    int num_cols;      // columns known when it was queued; later ones keep their own coefficient
-    Objective fields;  // constant, and for number >= 0 the other fields; for number > 0 the coefficients too
+    int num_cols;          // columns known when it was queued; later ones keep their own coefficient
+    Objective fields;      // constant, and for number >= 0 the other fields; for number > 0 the coefficients too
     std::vector<int> col;  // the terms of the main objective
     std::vector<double> val;
 };
@@ -56,7 +56,7 @@ struct Queue : Families {
     std::vector<ObjectiveWrite> objectives;
     std::vector<PwlWrite> pwl;
     std::array<std::vector<int>, kNumKinds> deleted;
-    int num_objectives = -1;  // after the writes so far; -1 where they leave the number
+    int num_objectives = -1;                     // after the writes so far; -1 where they leave the number
     std::size_t text_bytes = 0, text_limit = 0;  // of texts; the limit at which replaced ones are dropped
 
     bool empty() const;
@@ -106,12 +106,14 @@ public:
     // number: see ObjectiveWrite.
     void set_objective(int number, int sense, Objective fields, int num, const int* col, const double* val);
     void set_pwl_obj(int col, PwlPoints points);
-    // One value of column or row `index`, or of the model (-1). The caller has checked index and value. `number` is that
-    // of the objective, for values that each objective has.
+    // One value of column or row `index`, or of the model (-1). The caller has checked index and value. `number` is
+    // that of the objective, for values that each objective has.
     void write_number(const WriteRule& rule, int index, double value, int number = 0);
     // Makes room for so many writes: they can't fail any more, and the queue isn't moved between them.
     void reserve_writes(int num);
-    void write_text(const TextRule& rule, int index, std::string_view value, int number = 0);
+    // The same for so many texts of `bytes` together.
+    void reserve_texts(int num, std::size_t bytes);
+    void write_text(const TextRule& rule, int index, std::string value, int number = 0) noexcept;
     // Forgets starts, hints and other information for the solver, queued ones too.
     void drop_hints();
 

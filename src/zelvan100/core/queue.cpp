@@ -214,9 +214,9 @@ void Model::add_row(int num, const int* col, const double* val, char sense, doub
 
 void Model::add_range_row(int num, const int* col, const double* val, double lower, double upper, const char* name) {
     const auto refuse = [&](const char* fault) {
-        throw Error(ZVN_ERROR_VALUE_OUT_OF_RANGE,
-                    "Range [" + number_text(lower) + ", " + number_text(upper) + "] of " +
-                        described("constraint", name, num_rows() + queue.rows.size()) + fault);
+        throw Error(ZVN_ERROR_VALUE_OUT_OF_RANGE, "Range [" + number_text(lower) + ", " + number_text(upper) + "] of " +
+                                                      described("constraint", name, num_rows() + queue.rows.size()) +
+                                                      fault);
     };
     if (std::isnan(lower) || std::isnan(upper)) refuse(" is not a number");
     if (lower > upper) refuse(": the lower side is above the upper one");
@@ -355,14 +355,17 @@ void Model::write_number(const WriteRule& rule, int index, double value, int num
     if (&rule == &rules::kNumObjectives) queue.num_objectives = static_cast<int>(value);
 }
 
-void Model::write_text(const TextRule& rule, int index, std::string_view value, int number) {
+void Model::reserve_texts(int num, std::size_t bytes) {
+    if (queue.text_bytes + bytes > queue.text_limit) drop_replaced_texts();
+    make_room(queue.writes, num);
+    make_room(queue.texts, num);
+}
+
+void Model::write_text(const TextRule& rule, int index, std::string value, int number) noexcept {
     if (rule.is_name && env.params.get_int(Param::IgnoreNames)) return;
-    if (queue.text_bytes + value.size() > queue.text_limit) drop_replaced_texts();
-    make_room(queue.writes, 1);
-    make_room(queue.texts, 1);
-    queue.texts.push_back({&rule, number, index, std::string(value)});
-    queue.writes.push_back({&rules::kText, 0, static_cast<int>(queue.texts.size()) - 1, 0.0});
     queue.text_bytes += value.size();
+    queue.texts.push_back({&rule, number, index, std::move(value)});
+    queue.writes.push_back({&rules::kText, 0, static_cast<int>(queue.texts.size()) - 1, 0.0});
 }
 
 // A text that a later one replaces needn't wait for the update: it becomes an empty one.
