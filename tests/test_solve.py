@@ -377,3 +377,48 @@ def test_linprog_gives_the_same_duals(model):
     pi = [-other.ineqlin.marginals[0], other.ineqlin.marginals[1], -other.eqlin.marginals[0]]
     assert [row.Pi for row in rows] == pytest.approx(pi)
     assert model.getAttr("RC") == pytest.approx(-(other.lower.marginals + other.upper.marginals))
+
+
+@pytest.mark.parametrize("vtype", [ZVN.CONTINUOUS, ZVN.INTEGER])
+@pytest.mark.parametrize("tiny", [5e-10, 3e-12, 2e-13, 1e-15])
+def test_small_coefficients_count(env_silent, vtype, tiny):
+    def solved(build):
+        m = zelvanpy.Model(env=env_silent)
+        m.Params.InfUnbdInfo = 1
+        x, y = m.addVar(ub=10 / tiny, vtype=vtype), m.addVar()
+        row = build(m, x, y)
+        m.optimize()
+        return m, x, row
+
+    def at_least_one(m, x, y):
+        m.setObjective(x)
+        return m.addConstr(tiny * x >= 1)
+
+    def most(m, x, y):
+        m.setObjective(x, ZVN.MAXIMIZE)
+        return m.addConstr(tiny * x + y <= 1)
+
+    def too_short(m, x, y):
+        x.UB = 0.5 / tiny
+        return at_least_one(m, x, y)
+
+    for build in (at_least_one, most):
+        m, x, row = solved(build)
+        assert m.Status == ZVN.OPTIMAL and x.X == pytest.approx(1 / tiny, rel=1e-6) and abs(row.Slack) < 1e-6
+        if vtype == ZVN.CONTINUOUS:
+            assert row.Pi == pytest.approx(1 / tiny, rel=1e-6)
+        row.RHS = 2  # the kept session has the row as it was made
+        m.optimize()
+        assert x.X == pytest.approx(2 / tiny, rel=1e-6)
+    m, x, row = solved(too_short)
+    assert m.Status == ZVN.INFEASIBLE
+    if vtype == ZVN.CONTINUOUS:
+        assert m.FarkasProof > 0 and abs(row.FarkasDual) == pytest.approx(1)
+
+
+def test_coefficients_that_no_scale_fits_are_refused(env_silent):
+    m = zelvanpy.Model(env=env_silent)
+    x, y = m.addVar(), m.addVar()
+    m.addConstr(1e-14 * x + 1e14 * y >= 1, name="wide")
+    with pytest.raises(ZelvanError, match="in constraint 'wide' is too small"):
+        m.optimize()

@@ -4,7 +4,6 @@
 #include <unistd.h>
 
 #include <algorithm>
-#include <bit>
 #include <cmath>
 #include <cstring>
 #include <utility>
@@ -71,17 +70,29 @@ private:
 };
 thread_local Scheduler::Here Scheduler::here_;
 
-std::uint64_t mix(std::uint64_t hash, std::uint64_t word) {
-    hash = (hash ^ word) * 0x9e3779b97f4a7c15u;
-    return hash ^ (hash >> 32);
+// Without the elements of these numbers, which rise.
+template <class T>
+void erase(std::vector<T>& values, const std::vector<int>& gone) {
+    auto next = gone.begin();
+    std::size_t kept = 0;
+    for (std::size_t i = 0; i < values.size(); ++i) {
+        if (next != gone.end() && *next == static_cast<int>(i))
+            ++next;
+        else
+            values[kept++] = values[i];
+    }
+    values.resize(kept);
 }
 
-std::uint64_t hash_matrix(const Problem& model) {
-    std::uint64_t hash = mix(model.num_cols(), model.num_rows());
-    for (int start : model.start) hash = mix(hash, start);
-    for (int k = 0; k < model.num_entries(); ++k)
-        hash = mix(hash, std::bit_cast<std::uint64_t>(model.val()[k]) + model.col()[k]);
-    return hash;
+// Appends what `values` has behind the size of `kept`.
+template <class T>
+void append_rest(std::vector<T>& kept, const std::vector<T>& values) {
+    kept.insert(kept.end(), values.begin() + static_cast<std::ptrdiff_t>(kept.size()), values.end());
+}
+
+// Appends first, first + 1, ..., end - 1.
+void append_numbers(std::vector<int>& numbers, int first, int end) {
+    for (int number = first; number < end; ++number) numbers.push_back(number);
 }
 
 // First and last position where two arrays of one length differ; first > last when they are equal.
@@ -280,58 +291,136 @@ void HighsSession::set_option(const char* name, const char* value) {
     check(Highs_setStringOptionValue(highs_, name, value), name);
 }
 
-void HighsSession::load(const Problem& model) {
-    const std::uint64_t hash = hash_matrix(model);
-    const bool same_matrix = loaded_ && hash == matrix_hash_ && cost_.size() == model.cost.size() &&
-                             row_lower_.size() == model.row_lower.size();
+void HighsSession::load(const Problem& problem) {
+    const bool descends = loaded_ && problem.stamp() != 0 &&
+                          (problem.stamp() == stamp_ || (problem.changes() && problem.changes()->since == stamp_));
     loaded_ = false;  // unless all below succeeds
-    if (same_matrix)
-        pass_changes(model);
-    else
-        pass(model);
-    const Basis basis = same_matrix ? Basis() : std::exchange(basis_, {});
-    if (model.is_mip() && incumbent_.size() == model.cost.size() && model.is_feasible(incumbent_, kStartTolerance))
-        set_start(incumbent_);
-    sense_ = model.sense;
-    offset_ = model.offset;
-    cost_ = model.cost;
-    lb_ = model.lb;
-    ub_ = model.ub;
-    row_lower_ = model.row_lower;
-    row_upper_ = model.row_upper;
-    integer_ = model.integer;
-    matrix_hash_ = hash;
+    if (descends) {
+        edit(problem);
+        pass_values(problem);
+    } else {
+        pass(problem);
+        incumbent_.clear();
+        has_basis_ = false;
+    }
+    sense_ = problem.sense;
+    offset_ = problem.offset;
+    cost_ = problem.cost;
+    lb_ = problem.lb;
+    ub_ = problem.ub;
+    row_lower_ = problem.row_lower;
+    row_upper_ = problem.row_upper;
+    integer_ = problem.integer;
+    stamp_ = problem.stamp();
+    version_ = problem.version();
+    model_cols_ = problem.model_cols();
+    model_rows_ = problem.model_rows();
     loaded_ = true;
-    set_basis(basis);
+    if (problem.is_mip() && !incumbent_.empty() && problem.is_feasible(incumbent_, kStartTolerance))
+        set_start(incumbent_);
 }
 
-void HighsSession::pass(const Problem& model) {
-    const std::vector<HighsInt> types = model.is_mip() ? integrality(model.integer) : std::vector<HighsInt>();
-    check(Highs_passModel(highs_, model.num_cols(), model.num_rows(), model.num_entries(), 0, kHighsMatrixFormatRowwise,
-                          kHighsHessianFormatTriangular, model.sense, model.offset, model.cost.data(), model.lb.data(),
-                          model.ub.data(), model.row_lower.data(), model.row_upper.data(), model.start.data(),
-                          model.col(), model.val(), nullptr, nullptr, nullptr, types.empty() ? nullptr : types.data()),
+void HighsSession::pass(const Problem& problem) {
+    const std::vector<HighsInt> types = problem.is_mip() ? integrality(problem.integer) : std::vector<HighsInt>();
+    check(Highs_passModel(highs_, problem.num_cols(), problem.num_rows(), problem.num_entries(), 0,
+                          kHighsMatrixFormatRowwise, kHighsHessianFormatTriangular, problem.sense, problem.offset,
+                          problem.cost.data(), problem.lb.data(), problem.ub.data(), problem.row_lower.data(),
+                          problem.row_upper.data(), problem.start.data(), problem.col(), problem.val(), nullptr,
+                          nullptr, nullptr, types.empty() ? nullptr : types.data()),
           "take the model");
 }
 
-void HighsSession::pass_changes(const Problem& model) {
-    if (model.sense != sense_) check(Highs_changeObjectiveSense(highs_, model.sense), "change the sense");
-    if (model.offset != offset_) check(Highs_changeObjectiveOffset(highs_, model.offset), "change the offset");
-    if (const auto [first, last] = differing(cost_, model.cost); first <= last)
-        check(Highs_changeColsCostByRange(highs_, first, last, &model.cost[first]), "change costs");
-    if (const auto [first, last] = joined(differing(lb_, model.lb), differing(ub_, model.ub)); first <= last)
-        check(Highs_changeColsBoundsByRange(highs_, first, last, &model.lb[first], &model.ub[first]), "change bounds");
+// Columns and rows, by the calls that keep the basis.
+void HighsSession::edit(const Problem& problem) {
+    std::vector<int> cols, rows;
+    if (problem.stamp() != stamp_) {
+        cols = problem.changes()->cols.deleted;
+        rows = problem.changes()->rows.deleted;
+    }
+    const bool additions_stay =
+        problem.stamp() == stamp_ && (problem.version() == version_ || problem.base_version() == version_);
+    if (!additions_stay) {
+        append_numbers(cols, model_cols_, static_cast<int>(cost_.size()));
+        append_numbers(rows, model_rows_, static_cast<int>(row_lower_.size()));
+    }
+    if (!cols.empty()) delete_cols(std::move(cols));
+    if (!rows.empty()) delete_rows(std::move(rows));
+    if (static_cast<int>(cost_.size()) < problem.num_cols()) add_cols(problem);
+    if (static_cast<int>(row_lower_.size()) < problem.num_rows()) add_rows(problem);
+}
+
+void HighsSession::delete_cols(std::vector<int> cols) {
+    check(Highs_deleteColsBySet(highs_, static_cast<HighsInt>(cols.size()), cols.data()), "delete columns");
+    for (auto* values : {&cost_, &lb_, &ub_, &incumbent_}) erase(*values, cols);
+    erase(integer_, cols);
+}
+
+void HighsSession::delete_rows(std::vector<int> rows) {
+    check(Highs_deleteRowsBySet(highs_, static_cast<HighsInt>(rows.size()), rows.data()), "delete rows");
+    for (auto* values : {&row_lower_, &row_upper_}) erase(*values, rows);
+}
+
+void HighsSession::add_cols(const Problem& problem) {
+    const int first = static_cast<int>(cost_.size()), num = problem.num_cols() - first;
+    const int entries_end = problem.start[row_lower_.size()];  // of the rows that HiGHS has
+    std::vector<HighsInt> start(num + 1, 0), row;
+    for (int k = 0; k < entries_end; ++k)
+        if (problem.col()[k] >= first) ++start[problem.col()[k] - first + 1];
+    for (int j = 0; j < num; ++j) start[j + 1] += start[j];
+    row.resize(start[num]);
+    std::vector<double> value(start[num]);
+    std::vector<HighsInt> next(start.begin(), start.end() - 1);
+    for (std::size_t i = 0; i < row_lower_.size(); ++i) {
+        for (int k = problem.start[i]; k < problem.start[i + 1]; ++k) {
+            if (problem.col()[k] < first) continue;
+            const HighsInt place = next[problem.col()[k] - first]++;
+            row[place] = static_cast<HighsInt>(i);
+            value[place] = problem.val()[k];
+        }
+    }
+    check(Highs_addCols(highs_, num, &problem.cost[first], &problem.lb[first], &problem.ub[first], start[num],
+                        start.data(), row.data(), value.data()),
+          "add columns");
+    append_rest(cost_, problem.cost);
+    append_rest(lb_, problem.lb);
+    append_rest(ub_, problem.ub);
+    integer_.resize(cost_.size(), 0);
+    for (std::size_t j = incumbent_.size(); !incumbent_.empty() && j < lb_.size(); ++j)
+        incumbent_.push_back(std::max(lb_[j], std::min(ub_[j], 0.0)));
+}
+
+void HighsSession::add_rows(const Problem& problem) {
+    const int first = static_cast<int>(row_lower_.size()), num = problem.num_rows() - first;
+    const int begin = problem.start[first];
+    std::vector<HighsInt> start;
+    start.reserve(num);
+    for (int i = first; i < problem.num_rows(); ++i) start.push_back(problem.start[i] - begin);
+    check(Highs_addRows(highs_, num, &problem.row_lower[first], &problem.row_upper[first],
+                        problem.num_entries() - begin, start.data(), problem.col() + begin, problem.val() + begin),
+          "add rows");
+    append_rest(row_lower_, problem.row_lower);
+    append_rest(row_upper_, problem.row_upper);
+}
+
+void HighsSession::pass_values(const Problem& problem) {
+    if (problem.sense != sense_) check(Highs_changeObjectiveSense(highs_, problem.sense), "change the sense");
+    if (problem.offset != offset_) check(Highs_changeObjectiveOffset(highs_, problem.offset), "change the offset");
+    if (const auto [first, last] = differing(cost_, problem.cost); first <= last)
+        check(Highs_changeColsCostByRange(highs_, first, last, &problem.cost[first]), "change costs");
+    if (const auto [first, last] = joined(differing(lb_, problem.lb), differing(ub_, problem.ub)); first <= last)
+        check(Highs_changeColsBoundsByRange(highs_, first, last, &problem.lb[first], &problem.ub[first]),
+              "change bounds");
     if (const auto [first, last] =
-            joined(differing(row_lower_, model.row_lower), differing(row_upper_, model.row_upper));
+            joined(differing(row_lower_, problem.row_lower), differing(row_upper_, problem.row_upper));
         first <= last)
-        check(Highs_changeRowsBoundsByRange(highs_, first, last, &model.row_lower[first], &model.row_upper[first]),
+        check(Highs_changeRowsBoundsByRange(highs_, first, last, &problem.row_lower[first], &problem.row_upper[first]),
               "change row sides");
-    if (model.integer == integer_) return;
-    if (!model.is_mip()) {
+    if (problem.integer == integer_) return;
+    if (!problem.is_mip()) {
         check(Highs_clearIntegrality(highs_), "clear the integrality");
     } else {
-        const std::vector<HighsInt> types = integrality(model.integer);
-        check(Highs_changeColsIntegralityByRange(highs_, 0, model.num_cols() - 1, types.data()), "change types");
+        const std::vector<HighsInt> types = integrality(problem.integer);
+        check(Highs_changeColsIntegralityByRange(highs_, 0, problem.num_cols() - 1, types.data()), "change types");
     }
 }
 
@@ -344,8 +433,8 @@ void HighsSession::change_costs(const std::vector<double>& cost, double offset) 
 
 void HighsSession::forget_basis() {
     check(Highs_clearSolver(highs_), "clear the basis");
-    basis_ = Basis();
     incumbent_.clear();
+    has_basis_ = false;
 }
 
 bool HighsSession::set_basis(Basis basis) {
@@ -423,7 +512,7 @@ SolverResult HighsSession::fetch() {
         result.basis.cols = basis_statuses(cols, lb_, ub_);
         result.basis.rows = basis_statuses(rows, row_lower_, row_upper_);
     }
-    basis_ = result.basis;
+    has_basis_ = !result.basis.rows.empty();
     incumbent_ = result.basis.cols.empty() ? result.x : std::vector<double>();
     return result;
 }

@@ -86,13 +86,16 @@ public:
     // Of each run by itself; infinite for none.
     void set_time_limit(double seconds);
 
-    // Hands the model over; after the first call only what differs. The basis stays, and the latest
-    // solution of a MIP where it is still feasible.
-    void load(const Problem& model);
+    // Hands the problem over; where it descends from the one before only what differs. The basis stays, and the
+    // latest solution of a MIP where it is still feasible.
+    void load(const Problem& problem);
+    // Whether it holds a problem of that stamp.
+    bool holds(std::uint64_t stamp) const { return loaded_ && stamp_ == stamp; }
     // Costs of all columns for a further solve of the loaded model.
     void change_costs(const std::vector<double>& cost, double offset);
     void forget_basis();
-    bool has_basis() const { return !basis_.rows.empty(); }
+    // Whether the next run goes on from the basis of the latest one.
+    bool has_basis() const { return has_basis_; }
     // Columns and rows behind those of the basis are at a bound, and basic. Refused, with the answer
     // false, when it doesn't fit the model.
     bool set_basis(Basis basis);
@@ -120,8 +123,13 @@ private:
     template <class Call>
     int watched(Call call);
     void check(int status, const char* what);
-    void pass(const Problem& model);
-    void pass_changes(const Problem& model);
+    void pass(const Problem& problem);
+    void edit(const Problem& problem);
+    void delete_cols(std::vector<int> cols);
+    void delete_rows(std::vector<int> rows);
+    void add_cols(const Problem& problem);
+    void add_rows(const Problem& problem);
+    void pass_values(const Problem& problem);
     SolverResult fetch();
     std::vector<double> certificate(std::size_t size, int (*get)(const void*, int*, double*));
 
@@ -135,14 +143,15 @@ private:
     std::exception_ptr thrown_;         // by events_
     std::string fault_;                 // the latest error line of the log
 
-    // What HiGHS holds, to find what differs in the next model. The matrix is known by its hash.
+    // What HiGHS holds, to find what differs in the next problem.
     bool loaded_ = false;
+    std::uint64_t stamp_ = 0, version_ = 0;  // of its problem
+    int model_cols_ = 0, model_rows_ = 0;
     int sense_ = 1;
     double offset_ = 0.0;
     std::vector<double> cost_, lb_, ub_, row_lower_, row_upper_;
     std::vector<char> integer_;
-    std::uint64_t matrix_hash_ = 0;
-    Basis basis_;                    // of the latest LP solve
+    bool has_basis_ = false;         // of the latest solve
     std::vector<double> incumbent_;  // of the latest MIP solve
 };
 

@@ -113,6 +113,7 @@ private:
             reached += problem_.cost[j] * x[j];
         }
         limits_.push_back({priority, value_of(priority, x.data()) + problem_.sense * allowance});
+        problem_.begin_additions();
         constexpr double kInf = std::numeric_limits<double>::infinity();
         if (problem_.sense > 0)
             problem_.add_row(terms, -kInf, reached + allowance);

@@ -1,6 +1,7 @@
 #include "solve/problem.h"
 
 #include <algorithm>
+#include <atomic>
 #include <cmath>
 #include <limits>
 
@@ -48,6 +49,11 @@ double lifting_factor(double smallest) {
     return std::exp2(std::ceil(std::log2(kSmallestCoefficient / smallest)) + 1.0);
 }
 
+std::uint64_t fresh_version() {
+    static std::atomic<std::uint64_t> latest{0};
+    return ++latest;
+}
+
 }  // namespace
 
 Problem::Problem(const ModelData& data)
@@ -58,6 +64,8 @@ Problem::Problem(const ModelData& data)
       ub(data.cols.ub),
       integer(data.cols.size(), 0),
       start(data.rows.start.begin(), data.rows.start.end()),
+      model_cols_(data.cols.size()),
+      model_rows_(data.rows.size()),
       model_col_(data.rows.col.data()),
       model_val_(data.rows.val.data()) {
     if (data.rows.num_entries() > std::numeric_limits<int>::max())
@@ -104,16 +112,16 @@ void Problem::take_matrix(const ModelData& data) {
     }
 }
 
-void Problem::own_matrix() {
-    if (own_matrix_) return;
-    col_.assign(model_col_, model_col_ + num_entries());
-    val_.assign(model_val_, model_val_ + num_entries());
-    own_matrix_ = true;
-}
-
 void Problem::unscale(std::vector<double>& multipliers) const {
     if (multipliers.empty()) return;
     for (const auto& [i, factor] : factors_) multipliers[i] *= factor;
+}
+
+// A row that is multiplied may get another factor when one of its columns is gone, so there is nothing to follow.
+void Problem::follow(std::uint64_t stamp, const Changes& changes) {
+    if (!factors_.empty()) return;
+    stamp_ = stamp;
+    changes_ = &changes;
 }
 
 bool Problem::is_mip() const {
@@ -146,7 +154,15 @@ int Problem::add_col(double lower, double upper, double objective, bool is_integ
     ub.push_back(upper);
     cost.push_back(objective);
     integer.push_back(is_integer);
+    version_ = fresh_version();
     return num_cols() - 1;
+}
+
+void Problem::own_matrix() {
+    if (own_matrix_) return;
+    col_.assign(model_col_, model_col_ + num_entries());
+    val_.assign(model_val_, model_val_ + num_entries());
+    own_matrix_ = true;
 }
 
 int Problem::add_row(const Terms& terms, double lower, double upper) {
@@ -159,6 +175,7 @@ int Problem::add_row(const Terms& terms, double lower, double upper) {
     start.push_back(static_cast<int>(col_.size()));
     row_lower.push_back(lower);
     row_upper.push_back(upper);
+    version_ = fresh_version();
     return num_rows() - 1;
 }
 

@@ -3,10 +3,12 @@
 // columns integer. Its first columns and rows are those of the model; bridges append theirs, so a
 // solution is mapped back by cutting it off behind the model's own.
 
+#include <cstdint>
 #include <limits>
 #include <utility>
 #include <vector>
 
+#include "core/changes.h"
 #include "core/model_data.h"
 
 namespace zelvan {
@@ -45,10 +47,27 @@ public:
     int add_col(double lower, double upper, double objective, bool is_integer);
     int add_row(const Terms& terms, double lower, double upper);
 
+    // For a session that holds an earlier problem, to take only what differs. Equal stamps mean the same columns,
+    // rows and coefficients of the model, 0 is unlike any; changes tell what became of those of stamp changes()->since
+    // and must outlive this.
+    void follow(std::uint64_t stamp, const Changes& changes);
+    std::uint64_t stamp() const { return stamp_; }
+    const Changes* changes() const { return changes_; }
+    int model_cols() const { return model_cols_; }
+    int model_rows() const { return model_rows_; }
+    // Of problems with equal stamps and versions the matrices are equal; 0 without additions.
+    std::uint64_t version() const { return version_; }
+    // What is added from now on lies behind that version.
+    void begin_additions() { base_ = version_; }
+    std::uint64_t base_version() const { return base_; }
+
 private:
     void take_matrix(const ModelData& data);
     void own_matrix();
 
+    int model_cols_, model_rows_;
+    std::uint64_t stamp_ = 0, version_ = 0, base_ = 0;
+    const Changes* changes_ = nullptr;
     const int* model_col_;
     const double* model_val_;
     bool own_matrix_ = false;
