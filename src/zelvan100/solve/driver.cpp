@@ -187,6 +187,7 @@ Solution solve(Model& model) {
     ModelListener listener(model, params);
     Monitor monitor(std::move(params), listener, model.stop, std::exchange(model.watch_signal, false));
     Problem problem(data);
+    problem.follow(model.stamp, model.changes);
     bridge_semi_continuous(data, problem);
     if (!model.session) model.session = std::make_shared<HighsSession>();
     Context context(*model.session, monitor);
@@ -195,6 +196,7 @@ Solution solve(Model& model) {
             ? solve_multi_objective(data, std::move(problem), {user_start(data), user_basis(data)}, context)
             : solve_single(data, std::move(problem), context, listener.pool());
     store_counts(context, solution);
+    if (model.session->holds(model.stamp)) model.follow_changes();
     return solution;
 }
 
