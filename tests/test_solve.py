@@ -82,7 +82,11 @@ def second_opinion(program):
     integrality = [col[3] != "C" for col in program[0]]
     sides = numpy.where(senses == "<", -math.inf, b), numpy.where(senses == ">", math.inf, b)
     rows = LinearConstraint(a, *sides) if len(b) else None
-    return milp(program[2] * c, integrality=integrality, bounds=Bounds(lb, ub), constraints=rows)
+    limits = {"integrality": integrality, "bounds": Bounds(lb, ub), "constraints": rows}
+    other = milp(program[2] * c, **limits)
+    if other.status == 2 and milp(0 * c, **limits).status == 0:
+        other.status = 3  # scipy calls some unbounded programs infeasible
+    return other
 
 
 @given(programs(integers=True))
