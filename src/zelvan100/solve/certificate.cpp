@@ -154,6 +154,8 @@ Elastic solve_elastic(const Problem& problem, Context& context) {
 
 bool is_proven_optimal(const Problem& problem, const SolverResult& result, double tolerance) {
     if (result.x.empty() || result.pi.empty()) return false;
+    const int* const col = problem.col();
+    const double* const val = problem.val();
     std::vector<double> rest = problem.cost;
     double gap = 0.0, scale = 1.0;
     const auto speaks_wrong = [&](double dual, double value, double lower, double upper) {
@@ -162,10 +164,11 @@ bool is_proven_optimal(const Problem& problem, const SolverResult& result, doubl
         return wrong_sign(dual, lower, upper) > 0.0;
     };
     for (int i = 0; i < problem.num_rows(); ++i) {
+        if (result.pi[i] == 0.0) continue;
         double activity = 0.0;
         for (int k = problem.start[i]; k < problem.start[i + 1]; ++k) {
-            rest[problem.col()[k]] -= result.pi[i] * problem.val()[k];
-            activity += problem.val()[k] * result.x[problem.col()[k]];
+            rest[col[k]] -= result.pi[i] * val[k];
+            activity += val[k] * result.x[col[k]];
         }
         if (speaks_wrong(problem.sense * result.pi[i], activity, problem.row_lower[i], problem.row_upper[i]))
             return false;

@@ -1,6 +1,7 @@
 #pragma once
 // What a point is worth on the data that the user wrote, and how far it is off: bounds, types, rows, SOS.
 
+#include <cmath>
 #include <optional>
 #include <span>
 #include <string>
@@ -23,9 +24,15 @@ double sos_violation(const SosSets& sets, int k, const double* x);
 
 // What a dual value (of a minimization) is off the signs that the sides allow: positive ones need a lower side,
 // negative ones an upper side.
-double wrong_sign(double dual, double lower, double upper);
+inline double wrong_sign(double dual, double lower, double upper) {
+    if (dual > 0.0) return lower > -kInfinity ? 0.0 : dual;
+    return upper < kInfinity ? 0.0 : -dual;
+}
 // Product of a dual value and the distance to the side that its sign speaks for; 0 without such a side.
-double complementarity(double dual, double value, double lower, double upper);
+inline double complementarity(double dual, double value, double lower, double upper) {
+    const double gap = dual > 0.0 ? value - lower : upper - value;
+    return std::fabs(gap) < kInfinityThreshold ? std::fabs(dual * gap) : 0.0;
+}
 
 // c'x with the constant and the piecewise-linear terms. In a model of several objectives that of number 0.
 double main_objective(const ModelData& data, const double* x);

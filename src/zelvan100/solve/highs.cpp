@@ -96,8 +96,8 @@ void append_numbers(std::vector<int>& numbers, int first, int end) {
 }
 
 // First and last position where two arrays of one length differ; first > last when they are equal.
-template <class T>
-std::pair<int, int> differing(const std::vector<T>& a, const std::vector<T>& b) {
+std::pair<int, int> differing(const std::vector<double>& a, const std::vector<double>& b) {
+    if (a.empty() || std::memcmp(a.data(), b.data(), a.size() * sizeof(double)) == 0) return {0, -1};
     int first = 0, last = static_cast<int>(a.size()) - 1;
     while (first <= last && a[first] == b[first]) ++first;
     while (last >= first && a[last] == b[last]) --last;
@@ -145,26 +145,13 @@ int bound_status(double lower, double upper) {
 
 std::vector<int> basis_statuses(const std::vector<int>& highs, const std::vector<double>& lower,
                                 const std::vector<double>& upper) {
-    std::vector<int> statuses;
-    statuses.reserve(highs.size());
-    for (std::size_t i = 0; i < highs.size(); ++i) {
-        switch (highs[i]) {
-            case kHighsBasisStatusBasic:
-                statuses.push_back(ZVN_BASIC);
-                break;
-            case kHighsBasisStatusLower:
-                statuses.push_back(ZVN_NONBASIC_LOWER);
-                break;
-            case kHighsBasisStatusUpper:
-                statuses.push_back(ZVN_NONBASIC_UPPER);
-                break;
-            case kHighsBasisStatusZero:
-                statuses.push_back(ZVN_SUPERBASIC);
-                break;
-            default:  // nonbasic, HiGHS doesn't say where
-                statuses.push_back(bound_status(lower[i], upper[i]));
-        }
-    }
+    static_assert(kHighsBasisStatusLower == 0 && kHighsBasisStatusBasic == 1 && kHighsBasisStatusUpper == 2 &&
+                  kHighsBasisStatusZero == 3);
+    constexpr int kStatuses[] = {ZVN_NONBASIC_LOWER, ZVN_BASIC, ZVN_NONBASIC_UPPER, ZVN_SUPERBASIC};
+    std::vector<int> statuses(highs.size());
+    // Of the others, which are nonbasic, HiGHS doesn't say where.
+    for (std::size_t i = 0; i < highs.size(); ++i)
+        statuses[i] = highs[i] <= kHighsBasisStatusZero ? kStatuses[highs[i]] : bound_status(lower[i], upper[i]);
     return statuses;
 }
 
@@ -300,16 +287,16 @@ void HighsSession::load(const Problem& problem) {
         pass_values(problem);
     } else {
         pass(problem);
+        cost_ = problem.cost;
+        lb_ = problem.lb;
+        ub_ = problem.ub;
+        row_lower_ = problem.row_lower;
+        row_upper_ = problem.row_upper;
         incumbent_.clear();
         has_basis_ = false;
     }
     sense_ = problem.sense;
     offset_ = problem.offset;
-    cost_ = problem.cost;
-    lb_ = problem.lb;
-    ub_ = problem.ub;
-    row_lower_ = problem.row_lower;
-    row_upper_ = problem.row_upper;
     integer_ = problem.integer;
     stamp_ = problem.stamp();
     version_ = problem.version();
@@ -405,16 +392,24 @@ void HighsSession::add_rows(const Problem& problem) {
 void HighsSession::pass_values(const Problem& problem) {
     if (problem.sense != sense_) check(Highs_changeObjectiveSense(highs_, problem.sense), "change the sense");
     if (problem.offset != offset_) check(Highs_changeObjectiveOffset(highs_, problem.offset), "change the offset");
-    if (const auto [first, last] = differing(cost_, problem.cost); first <= last)
+    if (const auto [first, last] = differing(cost_, problem.cost); first <= last) {
         check(Highs_changeColsCostByRange(highs_, first, last, &problem.cost[first]), "change costs");
-    if (const auto [first, last] = joined(differing(lb_, problem.lb), differing(ub_, problem.ub)); first <= last)
+        cost_ = problem.cost;
+    }
+    if (const auto [first, last] = joined(differing(lb_, problem.lb), differing(ub_, problem.ub)); first <= last) {
         check(Highs_changeColsBoundsByRange(highs_, first, last, &problem.lb[first], &problem.ub[first]),
               "change bounds");
+        lb_ = problem.lb;
+        ub_ = problem.ub;
+    }
     if (const auto [first, last] =
             joined(differing(row_lower_, problem.row_lower), differing(row_upper_, problem.row_upper));
-        first <= last)
+        first <= last) {
         check(Highs_changeRowsBoundsByRange(highs_, first, last, &problem.row_lower[first], &problem.row_upper[first]),
               "change row sides");
+        row_lower_ = problem.row_lower;
+        row_upper_ = problem.row_upper;
+    }
     if (problem.integer == integer_) return;
     if (!problem.is_mip()) {
         check(Highs_clearIntegrality(highs_), "clear the integrality");

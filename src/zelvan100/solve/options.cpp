@@ -116,7 +116,7 @@ void set_options(HighsSession& session, const ParamValues& params, const Problem
     session.set_option("output_flag", params.get_int(Param::OutputFlag) && (params.get_int(Param::LogToConsole) ||
                                                                             !params.get_str(Param::LogFile).empty()));
     // HiGHS drops entries up to this; where there are none its presolve keeps its own value.
-    session.set_option("small_matrix_value", model.smallest_entry() > 1e-9 ? 1e-9 : 1e-12);
+    session.set_option("small_matrix_value", model.has_small_entries() ? 1e-12 : 1e-9);
     set_presolve_passes(session, params.get_int(Param::PrePasses), model);
     set_care(session, care);
 }

@@ -4,7 +4,6 @@
 // solution is mapped back by cutting it off behind the model's own.
 
 #include <cstdint>
-#include <limits>
 #include <utility>
 #include <vector>
 
@@ -24,7 +23,7 @@ public:
     int sense = 1;
     double offset = 0.0;
     std::vector<double> cost, lb, ub;
-    std::vector<char> integer;
+    std::vector<char> integer;  // 1 or 0
     std::vector<double> row_lower, row_upper;
     std::vector<int> start;  // of the rows, one more than there are rows
 
@@ -33,8 +32,8 @@ public:
     int num_entries() const { return start.back(); }
     const int* col() const { return own_matrix_ ? col_.data() : model_col_; }
     const double* val() const { return own_matrix_ ? val_.data() : model_val_; }
-    // Of the entries, in absolute value; infinite when there are none.
-    double smallest_entry() const { return smallest_entry_; }
+    // Whether there are entries that HiGHS drops unless it is told not to.
+    bool has_small_entries() const { return has_small_entries_; }
     // Turns multipliers of rows, such as dual values, into those of the rows as the model has them.
     void unscale(std::vector<double>& multipliers) const;
     bool is_mip() const;
@@ -73,7 +72,7 @@ private:
     bool own_matrix_ = false;
     std::vector<int> col_;
     std::vector<double> val_;
-    double smallest_entry_ = std::numeric_limits<double>::infinity();
+    bool has_small_entries_ = false;
     std::vector<std::pair<int, double>> factors_;  // of the rows that were multiplied
 };
 

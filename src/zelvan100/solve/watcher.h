@@ -1,13 +1,11 @@
 #pragma once
 
-#include <condition_variable>
 #include <functional>
-#include <mutex>
-#include <thread>
 
 namespace zelvan {
 
-// While one of these lives, a thread of its own calls `look` twenty times a second. `look` may not throw.
+// While one of these lives, `look` is called twenty times a second on a thread that serves all of them. `look` may
+// neither throw nor make or end a watcher.
 class Watcher {
 public:
     explicit Watcher(std::function<void()> look);
@@ -16,13 +14,9 @@ public:
     Watcher& operator=(const Watcher&) = delete;
 
 private:
-    void watch();
+    friend class WatchThread;
 
     const std::function<void()> look_;
-    std::mutex mutex_;
-    std::condition_variable ended_;
-    bool ending_ = false;
-    std::thread thread_;
 };
 
 }  // namespace zelvan
