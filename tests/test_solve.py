@@ -426,3 +426,48 @@ def test_coefficients_that_no_scale_fits_are_refused(env_silent):
     m.addConstr(1e-14 * x + 1e14 * y >= 1, name="wide")
     with pytest.raises(ZelvanError, match="in constraint 'wide' is too small"):
         m.optimize()
+
+
+def test_half_a_basis_is_used_or_refused_aloud(env_silent, capfd):
+    m = assignment(env_silent, 8)
+    m.optimize()
+    for attr, objects in (("VBasis", m.getVars()), ("CBasis", m.getConstrs())):
+        statuses = m.getAttr(attr)
+        m.reset()
+        m.setAttr(attr, objects, statuses)
+        m.Params.OutputFlag = 1
+        m.optimize()
+        m.Params.OutputFlag = 0
+        assert attr + " alone doesn't make a basis and is not used" in capfd.readouterr().out
+    few = zelvanpy.Model(env=env_silent)
+    x = few.addVars(3, ub=1, obj=-1)
+    few.addConstr(x.sum() <= 5)
+    few.update()
+    few.setAttr("VBasis", few.getVars(), [ZVN.NONBASIC_UPPER] * 3)  # with a basic row it is the optimal basis
+    few.Params.Presolve = 0
+    few.Params.OutputFlag = 1
+    few.optimize()
+    assert few.ObjVal == -3 and few.IterCount == 0 and "not used" not in capfd.readouterr().out
+
+
+def test_reads_during_solves_show_one_state(env_silent):
+    m = zelvanpy.Model(env=env_silent)
+    x = m.addVars(3000).values()
+    m.optimize()
+    seen, done = set(), threading.Event()
+
+    def read():
+        while not done.is_set():
+            try:
+                seen.add(frozenset(m.getAttr("X")))
+            except ZelvanError:
+                pass  # while it is solved there is no solution
+
+    reader = threading.Thread(target=read)
+    reader.start()
+    for value in range(1, 300):
+        m.setAttr("LB", x, [value] * len(x))
+        m.optimize()
+    done.set()
+    reader.join()
+    assert len(seen) > 10 and all(len(values) == 1 for values in seen)

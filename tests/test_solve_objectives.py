@@ -168,3 +168,28 @@ def test_several_objectives_stop_at_a_limit(env_silent):
     m.addConstr(x[0] >= 4)
     m.optimize()
     assert m.Status == ZVN.INFEASIBLE
+
+
+@pytest.mark.parametrize("large", [1e14, 1e16, 1e19])
+def test_large_coefficients_of_a_later_objective(model, large):
+    x, y = model.addVar(ub=10, name="x"), model.addVar(ub=10)
+    model.addConstr(x + y >= 1)
+    model.setObjectiveN(large * x + y, 0, priority=2, name="first")
+    model.setObjectiveN(large * x + 2 * y, 1, priority=1)
+    model.optimize()
+    assert (model.Status, x.X, y.X) == (ZVN.OPTIMAL, 0, 1)
+    model.setObjectiveN(x, 1, priority=1, weight=1e20 / large)
+    model.setObjectiveN(large * x, 1, priority=1, weight=1e20 / large)
+    with pytest.raises(ZelvanError, match="variable 'x' in the weighted objectives of priority 1 is too large"):
+        model.optimize()
+
+
+def test_cutoff_with_large_costs(model):
+    x = model.addVar(ub=10, vtype=ZVN.INTEGER, obj=1e16)
+    model.addConstr(x >= 1.5)
+    model.Params.Cutoff = 5e16
+    model.optimize()
+    assert (model.Status, x.X) == (ZVN.OPTIMAL, 2)
+    model.Params.Cutoff = 1e16
+    model.optimize()
+    assert model.Status == ZVN.CUTOFF

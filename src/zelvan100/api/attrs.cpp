@@ -23,7 +23,7 @@ void check_list(int n, const int* ind, const void* values) {
 
 template <class T>
 int get_one(ZVNmodel* model, const char* name, AttrType type, T* value) {
-    return with_model(model, [&](Model& m) {
+    return read_model(model, [&](Model& m) {
         require(value, "value");
         *value = static_cast<T>(read_number(m, attr_of_model(name, type)));
     });
@@ -31,7 +31,7 @@ int get_one(ZVNmodel* model, const char* name, AttrType type, T* value) {
 
 template <class T>
 int get_at(ZVNmodel* model, const char* name, AttrType type, int i, T* value) {
-    return with_model(model, [&](Model& m) {
+    return read_model(model, [&](Model& m) {
         require(value, "value");
         *value = read_number_at<T>(m, attr_of_objects(name, type), i);
     });
@@ -39,7 +39,7 @@ int get_at(ZVNmodel* model, const char* name, AttrType type, int i, T* value) {
 
 template <class T>
 int get_list(ZVNmodel* model, const char* name, AttrType type, int n, const int* ind, T* values) {
-    return with_model(model, [&](Model& m) {
+    return read_model(model, [&](Model& m) {
         check_list(n, ind, values);
         read_numbers(m, attr_of_objects(name, type), n, ind, values);
     });
@@ -82,7 +82,7 @@ int ZVNgetattrinfo(ZVNmodel* model, const char* name, int* type, int* kind, int*
 
 int ZVNisattravailable(ZVNmodel* model, const char* name) {
     int available = 0;
-    with_model(model, [&](Model& m) { available = readable(m, known_attr(name)); });
+    read_model(model, [&](Model& m) { available = readable(m, known_attr(name)); });
     return available;
 }
 
@@ -96,7 +96,7 @@ int ZVNgetintattr(ZVNmodel* model, const char* name, int* value) { return get_on
 int ZVNgetdblattr(ZVNmodel* model, const char* name, double* value) { return get_one(model, name, kDouble, value); }
 
 int ZVNgetstrattr(ZVNmodel* model, const char* name, char** value) {
-    return with_model(model, [&](Model& m) {
+    return read_model(model, [&](Model& m) {
         require(value, "value");
         *value = const_cast<char*>(read_text(m, attr_of_model(name, kString)));
     });
@@ -123,7 +123,7 @@ int ZVNgetdblattrelement(ZVNmodel* model, const char* name, int i, double* value
 }
 
 int ZVNgetstrattrelement(ZVNmodel* model, const char* name, int i, char** value) {
-    return with_model(model, [&](Model& m) {
+    return read_model(model, [&](Model& m) {
         require(value, "value");
         *value = const_cast<char*>(read_text_at(m, attr_of_objects(name, kString), i));
     });
@@ -158,7 +158,7 @@ int ZVNgetdblattrlist(ZVNmodel* model, const char* name, int n, const int* ind, 
 }
 
 int ZVNgetstrattrlist(ZVNmodel* model, const char* name, int n, const int* ind, char** values) {
-    return with_model(model, [&](Model& m) {
+    return read_model(model, [&](Model& m) {
         check_list(n, ind, values);
         read_texts(m, attr_of_objects(name, kString), n, ind, values);
     });

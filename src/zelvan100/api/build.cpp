@@ -148,7 +148,7 @@ int ZVNaddsos(ZVNmodel* model, int numsos, int nummembers, const int* types, con
 }
 
 int ZVNgetsos(ZVNmodel* model, int* nummembers, int* types, int* beg, int* ind, double* weight, int start, int num) {
-    return with_model(model, [&](Model& m) {
+    return read_model(model, [&](Model& m) {
         const SosSets& sos = m.data.sos;
         get_rows(sos, sos.size(), Kind::kSos, nummembers, beg, ind, weight, start, num);
         if (types) std::copy_n(sos.type.begin() + start, num, types);
@@ -156,7 +156,7 @@ int ZVNgetsos(ZVNmodel* model, int* nummembers, int* types, int* beg, int* ind, 
 }
 
 int ZVNgetvarbyname(ZVNmodel* model, const char* name, int* index) {
-    return with_model(model, [&](Model& m) {
+    return read_model(model, [&](Model& m) {
         require(name, "name");
         require(index, "index");
         *index = m.find_col(name);
@@ -164,7 +164,7 @@ int ZVNgetvarbyname(ZVNmodel* model, const char* name, int* index) {
 }
 
 int ZVNgetconstrbyname(ZVNmodel* model, const char* name, int* index) {
-    return with_model(model, [&](Model& m) {
+    return read_model(model, [&](Model& m) {
         require(name, "name");
         require(index, "index");
         *index = m.find_row(name);
@@ -172,7 +172,7 @@ int ZVNgetconstrbyname(ZVNmodel* model, const char* name, int* index) {
 }
 
 int ZVNgetconstrs(ZVNmodel* model, int* numnz, int* beg, int* ind, double* val, int start, int num) {
-    return with_model(model, [&](Model& m) {
+    return read_model(model, [&](Model& m) {
         get_rows(m.data.rows, m.num_rows(), Kind::kRow, numnz, beg, ind, val, start, num);
     });
 }
@@ -236,7 +236,7 @@ int ZVNsetpwlobj(ZVNmodel* model, int var, int count, const double* x, const dou
 }
 
 int ZVNgetpwlobj(ZVNmodel* model, int var, int* npoints, double* x, double* y) {
-    return with_model(model, [&](Model& m) {
+    return read_model(model, [&](Model& m) {
         require(npoints, "npoints");
         if (var < 0 || var >= m.num_cols())
             throw Error(ZVN_ERROR_INDEX_OUT_OF_RANGE, "Variable " + std::to_string(var) + " is not in the model");

@@ -6,6 +6,7 @@
 // others.
 
 #include <cstdint>
+#include <mutex>
 #include <new>
 
 #include "core/error.h"
@@ -76,6 +77,15 @@ template <class Body>
 int with_model(ZVNmodel* handle, Body&& body) noexcept {
     Model* model = model_of(handle);
     return model ? run(*model, body) : refuse(handle);
+}
+
+// For calls that show data or solution: those before or after a solve that another thread runs, not a mixture.
+template <class Body>
+int read_model(ZVNmodel* handle, Body&& body) noexcept {
+    return with_model(handle, [&](Model& model) {
+        const std::lock_guard lock(model.state_mutex);
+        body(model);
+    });
 }
 
 // For calls that change the model, which a running solve forbids.

@@ -33,7 +33,7 @@ void ZVNfreemodel(ZVNmodel* model) {
 
 ZVNmodel* ZVNcopymodel(ZVNmodel* model) {
     ZVNmodel* copy = nullptr;
-    with_model(model, [&](Model& source) {
+    read_model(model, [&](Model& source) {
         auto created = std::make_unique<Model>(source.env);
         created->data = source.data;
         copy = new_model_ticket(created.get());
@@ -58,7 +58,7 @@ int ZVNreset(ZVNmodel* model, int clearall) {
 
 int ZVNgetjsonsolution(ZVNmodel* model, char** text) {
     if (text) *text = nullptr;
-    return with_model(model, [&](Model& m) {
+    return read_model(model, [&](Model& m) {
         require(text, "text");
         const std::string json = json_solution(m);
         *text = static_cast<char*>(std::malloc(json.size() + 1));

@@ -7,6 +7,7 @@
 #include <cstdint>
 #include <map>
 #include <memory>
+#include <mutex>
 #include <string>
 #include <string_view>
 #include <vector>
@@ -71,6 +72,7 @@ public:
     Queue queue;
     Env env;
     Solution solution;
+    mutable std::mutex state_mutex;  // held to read data and solution, and where a solve changes them
     std::atomic<bool> solving{false};
     std::atomic<bool> stop{false};          // set by ZVNterminate and SIGINT
     std::vector<char> handed_out;           // default names that were handed out as C strings, until the next call

@@ -3,8 +3,8 @@
 #include <algorithm>
 #include <cmath>
 #include <cstdio>
-#include <limits>
 #include <memory>
+#include <mutex>
 #include <utility>
 
 #include "bridge/pwl_objective.h"
@@ -33,7 +33,10 @@ public:
         model.stop = false;
     }
     ~SolvingMark() {
-        if (model_.solution.status == ZVN_INPROGRESS) model_.solution = Solution();
+        {
+            const std::lock_guard lock(model_.state_mutex);
+            if (model_.solution.status == ZVN_INPROGRESS) model_.solution = Solution();
+        }
         model_.solving = false;
     }
     SolvingMark(const SolvingMark&) = delete;
@@ -76,16 +79,6 @@ void log_end(Model& model) {
     if (solution.obj_val != kUndefined) model.env.log(text("Objective %.10g\n", solution.obj_val));
 }
 
-// The objective may be no worse than Cutoff, as a row of a MIP.
-void add_cutoff(Problem& problem, double cutoff) {
-    Problem::Terms terms;
-    for (int j = 0; j < problem.num_cols(); ++j)
-        if (problem.cost[j] != 0.0) terms.emplace_back(j, problem.cost[j]);
-    constexpr double kInf = std::numeric_limits<double>::infinity();
-    const double side = cutoff - problem.offset;
-    problem.add_row(terms, problem.sense > 0 ? -kInf : side, problem.sense > 0 ? side : kInf);
-}
-
 // The start of a MIP that the user gave; NaN where a column has no value.
 std::vector<double> user_start(const ModelData& data) {
     const std::vector<double>* values = data.cols.optional.find(Option::kStart);
@@ -95,16 +88,21 @@ std::vector<double> user_start(const ModelData& data) {
     return x;
 }
 
-// A basis that the user set, empty unless there are statuses of columns and of rows.
-Basis user_basis(const ModelData& data) {
-    const auto statuses = [](const std::vector<double>* values) -> std::vector<int> {
-        return values ? std::vector<int>(values->begin(), values->end()) : std::vector<int>();
-    };
-    Basis basis{statuses(data.cols.optional.find(Option::kColumnBasis)),
-                statuses(data.rows.optional.find(Option::kRowBasis))};
-    if (basis.cols.empty() || basis.rows.empty()) return {};
-    for (int i = 0; i < data.rows.size(); ++i) basis.rows[i] = side_status(basis.rows[i], data.rows.sense[i]);
-    return basis;
+// A basis that the user set; empty without one. Where there are statuses of columns only, the rows are basic.
+Basis user_basis(const ModelData& data, Monitor& monitor) {
+    const auto* cols = data.cols.optional.find(Option::kColumnBasis);
+    const auto* rows = data.rows.optional.find(Option::kRowBasis);
+    if (!cols && !rows) return {};
+    Basis basis{{}, std::vector<int>(data.rows.size(), ZVN_BASIC)};
+    if (cols) basis.cols.assign(cols->begin(), cols->end());
+    for (int i = 0; rows && i < data.rows.size(); ++i)
+        basis.rows[i] = side_status(static_cast<int>((*rows)[i]), data.rows.sense[i]);
+    const auto num_basic = std::count(basis.cols.begin(), basis.cols.end(), ZVN_BASIC) +
+                           std::count(basis.rows.begin(), basis.rows.end(), ZVN_BASIC);
+    if ((cols && rows) || num_basic == data.rows.size()) return basis;
+    monitor.log(cols ? "VBasis alone doesn't make a basis and is not used: CBasis isn't set\n"
+                     : "CBasis alone doesn't make a basis and is not used: VBasis isn't set\n");
+    return {};
 }
 
 // Infeasible rather than cut off a MIP can't be told from its search: both end without a solution.
@@ -162,12 +160,12 @@ Solution solve_single(const ModelData& data, Problem problem, Context& context, 
     solution.is_mip = problem.is_mip();
     const double cutoff = params.get_dbl(Param::Cutoff);
     const bool has_cutoff = std::abs(cutoff) < kInfinityThreshold;
-    if (has_cutoff && solution.is_mip) add_cutoff(problem, cutoff);
+    if (has_cutoff && solution.is_mip) problem.limit_objective(cutoff - problem.offset);
 
     Claim claim{data, [&](const double* x) { return main_objective(data, x); }, {}, tolerances_of(params)};
     if (has_cutoff)
         claim.admits = [&](const double* x) { return data.sense * main_objective(data, x) <= data.sense * cutoff; };
-    SolverResult result = checked_search(problem, {user_start(data), user_basis(data)}, claim, context);
+    SolverResult result = checked_search(problem, {user_start(data), user_basis(data, context.monitor)}, claim, context);
     solution.status = status_of(result, context);
     if (has_cutoff)
         solution.status =
@@ -193,7 +191,7 @@ Solution solve(Model& model) {
     Context context(*model.session, monitor);
     Solution solution =
         data.objectives.size() > 1
-            ? solve_multi_objective(data, std::move(problem), {user_start(data), user_basis(data)}, context)
+            ? solve_multi_objective(data, std::move(problem), {user_start(data), user_basis(data, monitor)}, context)
             : solve_single(data, std::move(problem), context, listener.pool());
     store_counts(context, solution);
     if (model.session->holds(model.stamp)) model.follow_changes();
@@ -215,14 +213,21 @@ void write_result_file(Model& model) {
 
 void optimize(Model& model) {
     const SolvingMark mark(model);
-    model.update();
-    model.solution = Solution();
-    model.solution.status = ZVN_INPROGRESS;
+    {
+        const std::lock_guard lock(model.state_mutex);
+        model.update();
+        model.solution = Solution();
+        model.solution.status = ZVN_INPROGRESS;
+    }
     log_begin(model);
-    model.solution = solve(model);
-    // A start basis serves one solve, the next one goes on from the basis of this one.
-    model.data.cols.optional.erase(Option::kColumnBasis);
-    model.data.rows.optional.erase(Option::kRowBasis);
+    Solution solution = solve(model);
+    {
+        const std::lock_guard lock(model.state_mutex);
+        model.solution = std::move(solution);
+        // A start basis serves one solve, the next one goes on from the basis of this one.
+        model.data.cols.optional.erase(Option::kColumnBasis);
+        model.data.rows.optional.erase(Option::kRowBasis);
+    }
     log_end(model);
     write_result_file(model);
 }

@@ -3,10 +3,10 @@
 #include <algorithm>
 #include <cmath>
 #include <functional>
-#include <limits>
 #include <set>
 
 #include "bridge/pwl_objective.h"
+#include "core/error.h"
 #include "solve/answer.h"
 #include "solve/store.h"
 
@@ -75,6 +75,7 @@ private:
 
     SolverResult solve_priority(int priority) {
         const Blend blend = blend_of(priority);
+        check_costs(blend.cost, priority);
         problem_.cost = blend.cost;
         problem_.offset = blend.offset;
         context_.monitor.log("\nSolving for the objectives of priority " + std::to_string(priority) + "\n");
@@ -85,6 +86,15 @@ private:
             });
         };
         return checked_search(problem_, start_, {data_, blended, admits, tolerances_of(context_.params)}, context_);
+    }
+
+    void check_costs(const std::vector<double>& cost, int priority) const {
+        for (int j = 0; j < data_.cols.size(); ++j) {
+            if (std::abs(cost[j]) < kInfinityThreshold) continue;
+            throw Error(ZVN_ERROR_NUMERIC,
+                        "The coefficient of variable '" + data_.col_name(j) + "' in the weighted objectives of priority " +
+                            std::to_string(priority) + " is too large to solve with: less than 1e20 is possible");
+        }
     }
 
     // The weighted sum of the objectives of a priority.
@@ -105,20 +115,11 @@ private:
             const double tolerance = std::max(objective.abs_tol, objective.rel_tol * std::abs(values[k]));
             allowance = std::max(allowance, std::abs(objective.weight) * tolerance);
         }
-        Problem::Terms terms;
         double reached = 0.0;
-        for (int j = 0; j < problem_.num_cols(); ++j) {
-            if (problem_.cost[j] == 0.0) continue;
-            terms.emplace_back(j, problem_.cost[j]);
-            reached += problem_.cost[j] * x[j];
-        }
+        for (int j = 0; j < problem_.num_cols(); ++j) reached += problem_.cost[j] * x[j];
         limits_.push_back({priority, value_of(priority, x.data()) + problem_.sense * allowance});
         problem_.begin_additions();
-        constexpr double kInf = std::numeric_limits<double>::infinity();
-        if (problem_.sense > 0)
-            problem_.add_row(terms, -kInf, reached + allowance);
-        else
-            problem_.add_row(terms, reached - allowance, kInf);
+        problem_.limit_objective(reached + problem_.sense * allowance);
     }
 
     // Bound, dual values and basis belong to the last solve and its rows, not to the model.

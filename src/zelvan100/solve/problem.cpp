@@ -3,6 +3,7 @@
 #include <algorithm>
 #include <atomic>
 #include <cmath>
+#include <cstdio>
 #include <cstring>
 #include <limits>
 
@@ -54,9 +55,13 @@ bool are_ordinary(const std::vector<double>& values) {
     return std::count_if(values.begin(), values.end(), is_ordinary) == static_cast<std::ptrdiff_t>(values.size());
 }
 
-// The power of two that lifts a coefficient above those that are dropped.
-double lifting_factor(double smallest) {
-    return std::exp2(std::ceil(std::log2(kSmallestCoefficient / smallest)) + 1.0);
+// The power of two that brings a row's coefficients to where none is dropped or refused; 0 when they are too far apart.
+double row_factor(double least, double most) {
+    if (least > kSmallestCoefficient && most < kLargestCoefficient) return 1.0;
+    const double factor = least <= kSmallestCoefficient
+                              ? std::exp2(std::ceil(std::log2(kSmallestCoefficient / least)) + 1.0)
+                              : std::exp2(-std::ceil(std::log2(most / kLargestCoefficient)) - 1.0);
+    return least * factor > kSmallestCoefficient && most * factor < kLargestCoefficient ? factor : 0.0;
 }
 
 std::uint64_t fresh_version() {
@@ -112,8 +117,8 @@ void Problem::take_matrix(const ModelData& data) {
             refuse(data, i, largest, "' is too large to solve with: at most 1e15 is possible");
         if (least <= kDroppedByDefault) has_small_entries_ = true;
         if (least > kSmallestCoefficient) continue;
-        const double factor = lifting_factor(least);
-        if (most * factor >= kLargestCoefficient)
+        const double factor = row_factor(least, most);
+        if (factor == 0.0)
             refuse(data, i, smallest, "' is too small to solve with next to the others there");
         own_matrix();
         for (int k = start[i]; k < start[i + 1]; ++k) val_[k] *= factor;
@@ -178,17 +183,41 @@ void Problem::own_matrix() {
 }
 
 int Problem::add_row(const Terms& terms, double lower, double upper) {
+    double least = kLargestCoefficient, most = 0.0;
+    for (const auto& [j, coeff] : terms) {
+        if (coeff != 0.0) least = std::min(least, std::abs(coeff));
+        most = std::max(most, std::abs(coeff));
+    }
+    const double factor = row_factor(least, most);
+    if (factor == 0.0) {
+        char text[128];
+        std::snprintf(text, sizeof text, "Coefficients from %g to %g are too far apart to solve with in one row", least,
+                      most);
+        throw Error(ZVN_ERROR_NUMERIC, text);
+    }
+    if (least * factor <= kDroppedByDefault) has_small_entries_ = true;
     own_matrix();
     for (const auto& [j, coeff] : terms) {
         col_.push_back(j);
-        val_.push_back(coeff);
-        if (coeff != 0.0 && std::abs(coeff) <= kDroppedByDefault) has_small_entries_ = true;
+        val_.push_back(coeff * factor);
     }
     start.push_back(static_cast<int>(col_.size()));
-    row_lower.push_back(lower);
-    row_upper.push_back(upper);
+    row_lower.push_back(lower * factor);
+    row_upper.push_back(upper * factor);
     version_ = fresh_version();
     return num_rows() - 1;
+}
+
+void Problem::limit_objective(double value) {
+    Terms terms;
+    for (int j = 0; j < num_cols(); ++j)
+        if (cost[j] != 0.0) terms.emplace_back(j, cost[j]);
+    constexpr double kInf = std::numeric_limits<double>::infinity();
+    try {
+        add_row(terms, sense > 0 ? -kInf : value, sense > 0 ? value : kInf);
+    } catch (const Error& e) {
+        throw Error(e.code(), "A limit on the objective can't be set: " + e.text());
+    }
 }
 
 }  // namespace zelvan

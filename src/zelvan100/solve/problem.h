@@ -42,9 +42,11 @@ public:
     bool is_feasible(const std::vector<double>& x, double tolerance) const;
 
     using Terms = std::vector<std::pair<int, double>>;  // column, coefficient
-    // Both return the index of what was added.
+    // Both return the index of what was added. A row may be multiplied by a power of two, as those of the model.
     int add_col(double lower, double upper, double objective, bool is_integer);
     int add_row(const Terms& terms, double lower, double upper);
+    // One more row: the objective without its offset is to be no worse than the value.
+    void limit_objective(double value);
 
     // For a session that holds an earlier problem, to take only what differs. Equal stamps mean the same columns,
     // rows and coefficients of the model, 0 is unlike any; changes tell what became of those of stamp changes()->since
