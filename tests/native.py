@@ -41,13 +41,15 @@ class LibraryError(Exception):
 
 @dataclasses.dataclass
 class Content:
-    """What a model says, for comparison: columns as (name, type, lb, ub, obj), rows as (name, sense, rhs, entries)."""
+    """What a model says, for comparison: columns as (name, type, lb, ub, obj), rows as (name, sense, rhs, entries),
+    special ordered sets as (type, members)."""
 
     name: str
     sense: int
     constant: float
     columns: list
     rows: list
+    sets: list = dataclasses.field(default_factory=list)
 
 
 class Environment:
@@ -141,6 +143,11 @@ class Model:
         else:
             self.call("ZVNaddconstr", *head, ctypes.c_char(sense.encode()), Double(rhs), name.encode())
 
+    def add_set(self, kind, members):
+        cols, weights = zip(*members) if members else ((), ())
+        begin = (array(Int, [kind]), array(Int, [0]))
+        self.call("ZVNaddsos", 1, len(cols), *begin, array(Int, cols), array(Double, weights))
+
     def set_objective_n(self, index, priority, weight, abstol, reltol, name, constant, entries):
         cols, values = zip(*entries) if entries else ((), ())
         fields = [Double(value) for value in (weight, abstol, reltol)]
@@ -157,14 +164,19 @@ class Model:
     def update(self):
         self.call("ZVNupdatemodel")
 
-    def entries(self, num_rows):
+    def entries(self, num, function="ZVNgetconstrs", *types):
+        """The entries of the first rows or, with `ZVNgetsos` and an array for their types, sets."""
         count = Int()
-        beg = (Int * (num_rows + 1))()
-        self.call("ZVNgetconstrs", ctypes.byref(count), None, None, None, 0, num_rows)
+        beg = (Int * (num + 1))()
+        self.call(function, ctypes.byref(count), *types, None, None, None, 0, num)
         ind, val = (Int * max(1, count.value))(), (Double * max(1, count.value))()
-        self.call("ZVNgetconstrs", ctypes.byref(count), beg, ind, val, 0, num_rows)
-        ends = list(beg[1:num_rows]) + [count.value]
-        return [sorted(zip(ind[s:e], val[s:e])) for s, e in zip(beg[:num_rows], ends)]
+        self.call(function, ctypes.byref(count), *types, beg, ind, val, 0, num)
+        ends = list(beg[1:num]) + [count.value]
+        return [list(zip(ind[s:e], val[s:e])) for s, e in zip(beg[:num], ends)]
+
+    def sets(self):
+        types = (Int * self.number("NumSOS"))()
+        return list(zip(types, self.entries(len(types), "ZVNgetsos", types))) if types else []
 
     def content(self):
         cols, rows = self.number("NumVars"), self.number("NumConstrs")
@@ -173,13 +185,14 @@ class Model:
         columns = [self.values("VarName", cols, Text), self.values("VType", cols, ctypes.c_char)]
         columns += [self.values(attr, cols, Double) for attr in ("LB", "UB", "Obj")]
         sides = [self.values("ConstrName", rows, Text), self.values("Sense", rows, ctypes.c_char)]
-        sides += [self.values("RHS", rows, Double), self.entries(rows) if rows else []]
+        sides += [self.values("RHS", rows, Double), [sorted(e) for e in self.entries(rows)] if rows else []]
         return Content(
             name.value.decode(),
             self.number("ModelSense"),
             self.number("ObjCon", Double),
             list(zip(*columns)),
             list(zip(*sides)),
+            self.sets(),
         )
 
 

@@ -3,6 +3,7 @@
 import ctypes
 import gzip
 import os
+import re
 import stat
 import subprocess
 import sys
@@ -242,6 +243,12 @@ def faulty_mps(old, new):
         (faulty_mps("UP B x 4", "UP B"), 20, "expected a bound"),
         (faulty_mps("BOUNDS", "QUADOBJ"), 19, "section QUADOBJ is not supported"),
         (faulty_mps("BOUNDS", "SOS2"), 19, "section SOS2 is not supported"),
+        (faulty_mps("BOUNDS\n", "SOS\n x 1\n"), 20, "'x' is no type of a set, expected S1 or S2"),
+        (faulty_mps("BOUNDS\n", "SOS\n S1 a\n w 1\n"), 21, "unknown column 'w'"),
+        (faulty_mps("BOUNDS\n", "SOS\n S1 a\n x 1\n y 2\n x 3\n"), 23, "'x' stands twice in one set"),
+        (faulty_mps("BOUNDS\n", "SOS\n S1 a\n S2 a\n"), 21, "set 'a' appears twice"),
+        (faulty_mps("BOUNDS\n", "SOS\n S1 a\n x 1e20\n"), 21, "the weight of 'x' is too large"),
+        (faulty_mps("BOUNDS\n", "SOS\n S1\n"), 20, "expected S1 or S2 and the name of a set"),
         (faulty_mps("BOUNDS", "RHS"), 19, "section RHS appears twice"),
         (faulty_mps("    z    ", "    " + 300 * "z" + " "), 13, "is longer than 255 bytes"),
         (FIXED.replace("UP BND       COL A ", "UP BND       COL B "), 15, "unknown column 'COL B'"),
@@ -374,6 +381,13 @@ def test_lp_keywords(env, tmp_path, keyword, sense):
         ("min x\nst\nc: x >= 1\nBounds\n x <= nan\nEnd\n", 5, "found 'nan', expected a number"),
         ("min x\nst\nc: x >= 1\nBinaries\n 3\nEnd\n", 5, "found '3', expected the name of a variable"),
         ("min x\nst\nc: x >= 1\nSOS2\nEnd\n", 4, "section SOS2 is not supported"),
+        ("min x\nSOS\nx:1\nEnd\n", 3, "'x' is in no set, expected S1:: or S2:: before"),
+        ("min x\nSOS\na: S3:: x:1\nEnd\n", 3, "found 'S3', expected S1:: or S2::"),
+        ("min x\nSOS\na: S1:: x:1\n x:2\nEnd\n", 4, "'x' stands twice in one set"),
+        ("min x\nSOS\na: S1:: x:1\na: S2:: x:1\nEnd\n", 4, "set 'a' appears twice"),
+        ("min x\nSOS\nS1:: x: -\nEnd\n", 4, "found 'End', expected a weight"),
+        ("min x\nSOS\nS1:: x 1\nEnd\n", 3, "expected a set such as a: S1:: x:1 y:2"),
+        ("min x\nSOS\na: S1: x:1\nEnd\n", 3, "expected ':'"),
         ("min x\nst\nc: x >= 1\nGeneral Constraints\nEnd\n", 4, "section General Constraints is not supported"),
         ("min x\nst\nc: x >= 1\nMax y\nEnd\n", 4, "a second objective 'Max'"),
         ("min 3 (x + y)\nst\nEnd\n", 1, "found '('"),
@@ -401,8 +415,9 @@ def test_instances_round_trip(env, shared_data, tmp_path):
                 copy = tmp_path / ("copy" + ending)
                 text, warnings = write_text(env, model, copy)
                 with env.read(copy) as read_back:
-                    expected = numbered(content) if warnings else content
-                    assert same_names(read_back.content(), warnings) == same_names(expected, warnings), path.name
+                    again = read_back.content()
+                    assert numbered(again) == numbered(content), path.name
+                    check_names(content, again, " ".join(warnings))
                     assert write_text(env, read_back, copy) == (text, []), path.name
                 assert not warnings or ".lp" in ending, path.name
 
@@ -414,15 +429,19 @@ def numbered(content):
         content.constant,
         [("C%d" % j, *column[1:]) for j, column in enumerate(content.columns)],
         [("R%d" % i, *row[1:]) for i, row in enumerate(content.rows)],
+        content.sets,
     )
 
 
-def same_names(content, warnings):
-    """With the kinds left out whose names were not replaced."""
-    warning = " ".join(warnings)
-    columns = numbered(content).columns if warnings and "variables" not in warning else content.columns
-    rows_ = numbered(content).rows if warnings and "constraints" not in warning else content.rows
-    return Content(content.name, content.sense, content.constant, columns, rows_)
+def check_names(written, read_back, warning):
+    """As many as the warning says have a default name instead of their own; the names tell all apart."""
+    kinds = (("C", "variable", written.columns, read_back.columns), ("R", "constraint", written.rows, read_back.rows))
+    for letter, noun, before, after in kinds:
+        assert len({part[0] for part in after}) == len(after)
+        replaced = [i for i, (one, other) in enumerate(zip(before, after)) if one[0] != other[0]]
+        assert all(after[i][0].rstrip("_") == letter + str(i) for i in replaced)
+        told = re.search(r"(\d+) %ss? numbered" % noun, warning)
+        assert int(told.group(1) if told else 0) == len(replaced)
 
 
 def highs_content(path):
@@ -512,7 +531,11 @@ def models(draw, names):
         entries = [(j, v) for j, v in ((j, draw(numbers)) for j in sorted(cols)) if v != 0.0]
         lower, upper = sorted([draw(numbers), draw(numbers)])
         rows_.append((draw(names), draw(st.sampled_from("<>=R")), upper, entries, lower))
-    return Content(draw(odd_names), draw(st.sampled_from([1, -1])), draw(numbers), columns, rows_)
+    sets = []
+    for _ in range(draw(st.integers(0, 2)) if count else 0):
+        members = draw(st.lists(st.integers(0, count - 1), unique=True))
+        sets.append((draw(st.sampled_from([1, 2])), [(j, draw(numbers)) for j in members]))
+    return Content(draw(odd_names), draw(st.sampled_from([1, -1])), draw(numbers), columns, rows_, sets)
 
 
 @st.composite
@@ -646,6 +669,8 @@ def build(env, content):
     model.update()
     for row in content.rows:
         model.add_row(*row)
+    for kind, members in content.sets:
+        model.add_set(kind, members)
     model.update()
     return model
 
@@ -663,10 +688,7 @@ def check_writing(env, folder, content):
                 expected = settled(built, content)
                 assert again.sense == expected.sense and again.constant == expected.constant
                 assert again.name == expected.name or "name is left out" in warnings[0]
-                if "variables" not in " ".join(warnings):
-                    assert [column[0] for column in again.columns] == [column[0] for column in expected.columns]
-                if "constraints" not in " ".join(warnings):
-                    assert [row[0] for row in again.rows] == [row[0] for row in expected.rows]
+                check_names(expected, again, " ".join(warnings))
                 assert numbered(again) == numbered(Content(again.name, *dataclass_tail(expected)))
                 assert write_text(env, read_back, path) == (text, [])
                 # Both sides of a range, which no attribute shows.
@@ -675,7 +697,7 @@ def check_writing(env, folder, content):
 
 
 def dataclass_tail(content):
-    return content.sense, content.constant, content.columns, content.rows
+    return content.sense, content.constant, content.columns, content.rows, content.sets
 
 
 def settled(built, content):
@@ -684,7 +706,7 @@ def settled(built, content):
         (name, "=" if sense == "R" and source[2] == source[4] else sense, *rest)
         for (name, sense, *rest), source in zip(built.rows, content.rows)
     ]
-    return Content(*[built.name, built.sense, built.constant, built.columns, rows_])
+    return Content(*[built.name, built.sense, built.constant, built.columns, rows_, built.sets])
 
 
 @given(models(plain_names))
@@ -703,6 +725,7 @@ def test_files_as_they_are(env, tmp_path):
     columns += [("s", "S", 0.0, 10.0, 0.0), ("n", "N", 1.0, INF, 0.0), ("f", "C", -INF, INF, 0.5)]
     content = Content("small one", -1, 3.0, columns, [("r1", "<", 4.0, [(0, 1.0), (1, -2.5)], 0.0)])
     content.rows += [("r2", "R", 7.0, [(4, 1.0), (5, 1.0)], -1.0), ("", "=", 0.1, [], 0.0)]
+    content.sets += [(1, [(0, 1.0), (3, 2.0)]), (2, [(5, -1.0), (4, 0.5)])]
     with build(env, content) as model:
         assert write_text(env, model, tmp_path / "a.lp")[0].decode() == LP_TEXT
         assert write_text(env, model, tmp_path / "a.mps")[0].decode() == MPS_TEXT
@@ -726,6 +749,9 @@ Generals
  k n
 Semi-Continuous
  s n
+SOS
+ SOS0: S1:: x:1 s:2
+ SOS1: S2:: f:-1 n:0.5
 End
 """
 MPS_TEXT = """NAME small one
@@ -763,8 +789,48 @@ BOUNDS
  SI BND n 1e+100
  LO BND n 1
  FR BND f
+SOS
+ S1 SOS0
+    x 1
+    s 2
+ S2 SOS1
+    f -1
+    n 0.5
 ENDATA
 """
+
+
+@pytest.mark.parametrize(
+    "lines",
+    [
+        " S1 a\n    x 1\n    SOS S1 2\n S2 2\n    SOS S1 2",
+        " S1 SOS a\n    SOS x 1\n    SOS S1 2\n S2 SOS b 7\n    SOS S1 2",
+        "s1 a 3\nx 1\nSOS S1 2\ns2 SOS\nSOS S1 2",
+    ],
+)
+def test_sets_in_mps(env, tmp_path, lines):
+    """In all shapes; a column named as a type is a member only behind another word."""
+    text = MPS.format("", "", "").replace("    u  ", "    S1 ").replace("ENDATA", "SOS\n" + lines + "\nENDATA")
+    sets = [(1, [(0, 1.0), (3, 2.0)]), (2, [(3, 2.0)])]
+    assert read_text(env, tmp_path, ".mps", text).sets == sets
+    with env.read(tmp_path / "model.mps") as model:
+        for ending in (".mps", ".lp"):
+            written, _ = write_text(env, model, tmp_path / ("copy" + ending))
+            with env.read(tmp_path / ("copy" + ending)) as copy:
+                assert copy.content().sets == sets
+                assert write_text(env, copy, tmp_path / ("copy" + ending)) == (written, [])
+
+
+def test_sets_in_fixed_form(env, tmp_path):
+    lines = [" S1 SOS       one                5", "    SOS       COL A              3", "    B         4", "ENDATA"]
+    content = read_text(env, tmp_path, ".mps", FIXED.replace("ENDATA", "SETS\n" + "\n".join(lines)))
+    assert content.sets == [(1, [(0, 3.0), (1, 4.0)])]
+
+
+def test_sets_in_lp(env, tmp_path):
+    text = "min x + y + S1 + end\nst\nc: x >= 1\nsos\nS1:: x:1 S1 : -2\n y:+3\nend: s2:: end:1e1\n s1:2 a: S1::\nEnd\n"
+    content = read_text(env, tmp_path, ".lp", text.replace("s1:2", "S1:2"))
+    assert content.sets == [(1, [(0, 1.0), (2, -2.0), (1, 3.0)]), (2, [(3, 10.0), (2, 2.0)]), (1, [])]
 
 
 @pytest.mark.parametrize(
@@ -795,7 +861,7 @@ def test_names_a_format_can_hold(env, tmp_path, ending, name, held):
         _, warnings = write_text(env, model, path)
         with env.read(path) as read_back:
             names = [column[0] for column in read_back.content().columns]
-            assert names == (["y", name] if held else ["C0", "C1"])
+            assert names == (["y", name] if held else ["y", "C1"])
             assert read_back.content().rows[0][0] == "row"
         assert len(warnings) == (0 if held else 1)
 

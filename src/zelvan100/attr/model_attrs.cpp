@@ -43,6 +43,8 @@ double num_constrs(const Model& m) { return m.num_rows(); }
 
 double num_vars(const Model& m) { return m.num_cols(); }
 
+double num_sos(const Model& m) { return m.data.sos.size(); }
+
 double num_nonzeros(const Model& m) {
     const std::int64_t count = m.data.rows.num_entries();
     if (count > ZVN_MAXINT)

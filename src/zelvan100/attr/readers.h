@@ -8,6 +8,7 @@ namespace zelvan {
 // --- model_attrs.cpp: size and kind of the model
 double num_constrs(const Model&);
 double num_vars(const Model&);
+double num_sos(const Model&);
 double num_nonzeros(const Model&);  // refused beyond an int
 double num_nonzeros_dbl(const Model&);
 double num_integer_vars(const Model&);  // binary ones included

@@ -78,7 +78,7 @@ constexpr AttrSpec kAttrs[] = {
     // Model
     model_int("NumConstrs", num_constrs),
     model_int("NumVars", num_vars),
-    model_int("NumSOS", none),
+    model_int("NumSOS", num_sos),
     model_int("NumQConstrs", none),
     model_int("NumGenConstrs", none),
     model_int("NumNZs", num_nonzeros),

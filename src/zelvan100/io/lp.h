@@ -25,6 +25,7 @@ enum class LpSection {
     kGenerals,
     kBinaries,
     kSemiContinuous,
+    kSos,
     kEnd,
     kUnsupported,
 };
@@ -56,5 +57,7 @@ private:
 bool is_lp_infinity(std::string_view name);
 // Whether a name can stand in an LP file without being taken for something else.
 bool lp_holds_name(std::string_view name);
+// The same for a name with a colon behind it.
+bool lp_holds_label(std::string_view name);
 
 }  // namespace zelvan

@@ -67,7 +67,7 @@ constexpr Keyword kKeywords[] = {
     {"semi", "", LpSection::kSemiContinuous},
     {"sin", "", LpSection::kSemiContinuous},
     {"end", "", LpSection::kEnd},
-    {"sos", "", LpSection::kUnsupported},
+    {"sos", "", LpSection::kSos},
     {"sos1", "", LpSection::kUnsupported},
     {"sos2", "", LpSection::kUnsupported},
     {"gencons", "", LpSection::kUnsupported},
@@ -75,6 +75,9 @@ constexpr Keyword kKeywords[] = {
     {"user", "cuts", LpSection::kUnsupported},
     {"scenarios", "", LpSection::kUnsupported},
 };
+
+// Only the keyword of the objective may have a colon behind it.
+bool begins_file(LpSection section) { return section == LpSection::kMinimize || section == LpSection::kMaximize; }
 
 bool is_any_of(char c, std::string_view set) { return set.find(c) != set.npos; }
 
@@ -148,8 +151,7 @@ bool LpLexer::read_section() {
         }
         const std::size_t after = length + blanks_on_line(rest_.substr(length));
         const char follower = after < rest_.size() ? rest_[after] : '\n';
-        const bool objective = keyword->section == LpSection::kMinimize || keyword->section == LpSection::kMaximize;
-        if (is_any_of(follower, "<>=") || (follower == ':' && !objective)) return false;
+        if (is_any_of(follower, "<>=") || (follower == ':' && !begins_file(keyword->section))) return false;
         kind = LpToken::kSection;
         section = keyword->section;
         take(length);
@@ -202,12 +204,18 @@ bool is_lp_infinity(std::string_view name) {
     return lower == "inf" || lower == "infinity";
 }
 
-bool lp_holds_name(std::string_view name) {
+bool lp_holds_label(std::string_view name) {
     if (name.empty() || name.size() > ZVN_MAX_NAMELEN || !is_clean_name(name)) return false;
     if (!(class_of(name.front()) & kStartsName)) return false;
     if (!std::all_of(name.begin(), name.end(), [](char c) { return class_of(c) & kInName; })) return false;
     const std::string lower = lower_case(name);
-    return lower != "free" && lower != "inf" && lower != "infinity" && lower != "nan" &&
+    return std::none_of(std::begin(kKeywords), std::end(kKeywords),
+                        [&](const Keyword& keyword) { return begins_file(keyword.section) && keyword.word == lower; });
+}
+
+bool lp_holds_name(std::string_view name) {
+    const std::string lower = lower_case(name);
+    return lp_holds_label(name) && lower != "free" && lower != "inf" && lower != "infinity" && lower != "nan" &&
            std::none_of(std::begin(kKeywords), std::end(kKeywords),
                         [&](const Keyword& keyword) { return keyword.word == lower && keyword.second != kNumber; });
 }

@@ -7,6 +7,7 @@
 #include "io/name_table.h"
 #include "io/objectives.h"
 #include "io/row_kind.h"
+#include "io/sos_sets.h"
 
 namespace zelvan {
 
@@ -44,6 +45,7 @@ private:
     void make_integer(int col);
     void make_binary(int col);
     void make_semicontinuous(int col);
+    void sets();
 
     Expression expression(double scale, bool several_lines);
     void add_term(std::string_view name, double coeff);
@@ -126,6 +128,9 @@ void LpReader::read_sections() {
                 break;
             case LpSection::kSemiContinuous:
                 types(&LpReader::make_semicontinuous);
+                break;
+            case LpSection::kSos:
+                sets();
                 break;
             case LpSection::kEnd:
                 return;
@@ -468,6 +473,30 @@ void LpReader::make_binary(int col) {
 void LpReader::make_semicontinuous(int col) {
     char& type = out_.cols.type[col];
     type = type == 'C' || type == 'S' ? 'S' : 'N';
+}
+
+// "set: S1:: x:1 y:2", where the set may have no name.
+void LpReader::sets() {
+    SosReader sos(source_, out_.sos);
+    while (lexer_.kind == LpToken::kLabel) {
+        const int line = lexer_.line;
+        std::string_view name = lexer_.text, type = name;
+        lexer_.next();
+        if (lexer_.kind == LpToken::kLabel) {
+            type = lexer_.text;
+            lexer_.next();
+        } else if (lexer_.text == ":") {
+            name = {};
+        } else {
+            const double weight = value("a weight");
+            if (out_.sos.size() == 0) source_.fail(line, quoted(name) + " is in no set, expected S1:: or S2:: before");
+            sos.add(line, known_column(name), name, weight);
+            continue;
+        }
+        if (!sos.begin(line, type, name)) source_.fail(line, "found " + quoted(type) + ", expected S1:: or S2::");
+        expect(":");
+    }
+    if (lexer_.kind != LpToken::kSection && lexer_.kind != LpToken::kEnd) unexpected("a set such as a: S1:: x:1 y:2");
 }
 
 void LpReader::unexpected(const char* expected) const {

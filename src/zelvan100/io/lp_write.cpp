@@ -14,7 +14,7 @@ constexpr std::size_t kLineLength = 100;  // a line is broken behind the term th
 
 class LpWriter {
 public:
-    LpWriter(const ModelData& data, const Warn& warn) : data_(data), names_(data, lp_holds_name, "LP", warn) {}
+    LpWriter(const ModelData& data, const Warn& warn) : data_(data), names_(data, lp_holds_name, lp_holds_label, "LP", warn) {}
     std::string write();
 
 private:
@@ -25,6 +25,7 @@ private:
     void pwl_terms();
     void constraint(int i);
     void bound(int j);
+    void sets();
     void list(const char* keyword, std::string_view types);
     void term(double coeff, int col, bool& first);
     void number(double value);
@@ -53,6 +54,7 @@ std::string LpWriter::write() {
     list("Binaries\n", "B");
     list("Generals\n", "IN");
     list("Semi-Continuous\n", "SN");
+    sets();
     out_ += "End\n";
     return std::move(out_);
 }
@@ -223,6 +225,25 @@ void LpWriter::list(const char* keyword, std::string_view types) {
         out_ += names_.col(j);
     }
     if (!first) out_ += '\n';
+}
+
+void LpWriter::sets() {
+    const SosSets& sos = data_.sos;
+    if (sos.size() > 0) out_ += "SOS\n";
+    for (int k = 0; k < sos.size(); ++k) {
+        line_start_ = out_.size();
+        out_ += ' ';
+        out_ += names_.sos(k);
+        out_ += sos.type[k] == 1 ? ": S1::" : ": S2::";
+        for (std::int64_t at = sos.start[k]; at < sos.start[k + 1]; ++at) {
+            break_line();
+            out_ += ' ';
+            out_ += names_.col(sos.col[at]);
+            out_ += ':';
+            append_number(out_, sos.val[at]);
+        }
+        out_ += '\n';
+    }
 }
 
 }  // namespace

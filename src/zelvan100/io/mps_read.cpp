@@ -10,6 +10,7 @@
 #include "io/number.h"
 #include "io/objectives.h"
 #include "io/row_kind.h"
+#include "io/sos_sets.h"
 
 namespace zelvan {
 
@@ -50,13 +51,13 @@ constexpr BoundCode kBoundCodes[] = {
 };
 
 constexpr std::string_view kUnsupported[] = {
-    "QUADOBJ", "QSECTION", "QMATRIX",    "QCMATRIX", "CSECTION", "SOS",       "SOS1",   "SOS2",
-    "SETS",    "GENCONS",  "INDICATORS", "LAZYCONS", "USERCUTS", "SCENARIOS", "BRANCH",
+    "QUADOBJ", "QSECTION",   "QMATRIX",  "QCMATRIX", "CSECTION",  "SOS1",   "SOS2",
+    "GENCONS", "INDICATORS", "LAZYCONS", "USERCUTS", "SCENARIOS", "BRANCH",
 };
 
 class MpsReader {
 public:
-    MpsReader(const Source& source, bool fixed) : source_(source), lines_(source.text, fixed) {}
+    MpsReader(const Source& source, bool fixed) : source_(source), lines_(source.text, fixed), sos_(source, out_.sos) {}
     ModelData read();
     const std::vector<std::string>& warnings() const { return warnings_; }
     int num_columns() const { return col_names_.size(); }
@@ -89,6 +90,7 @@ private:
     void range_line(const MpsLine& line);
     void bound_line(const MpsLine& line);
     void pwl_line(const MpsLine& line);
+    void sos_line(const MpsLine& line);
 
     void marker(const MpsLine& line);
     void new_column(const MpsLine& line);
@@ -97,6 +99,7 @@ private:
     void set_bound(const MpsLine& line, const BoundCode& bound, int col, double value);
     double side(const MpsLine& line, char sense, double value) const;
     int find_row(const MpsLine& line, std::string_view name) const;
+    int find_column(const MpsLine& line, std::string_view name) const;
     double number(const MpsLine& line, std::string_view text) const;
     double finite_number(const MpsLine& line, std::string_view text) const;
     [[noreturn]] void fail(const MpsLine& line, const std::string& what) const { source_.fail(line.number, what); }
@@ -135,6 +138,7 @@ private:
     std::vector<int> col_row_;
     std::vector<double> col_val_;
     std::vector<std::uint8_t> bound_flags_;
+    SosReader sos_;
 };
 
 const MpsReader::Section MpsReader::kSections[] = {
@@ -148,6 +152,8 @@ const MpsReader::Section MpsReader::kSections[] = {
     {"RANGES", &MpsReader::range_line, false, false},
     {"BOUNDS", &MpsReader::bound_line, true, false},
     {"PWLOBJ", &MpsReader::pwl_line, false, false},
+    {"SOS", &MpsReader::sos_line, true, false},
+    {"SETS", &MpsReader::sos_line, true, false},
     {"ENDATA", nullptr, false, false},
 };
 
@@ -382,8 +388,7 @@ void MpsReader::bound_line(const MpsLine& line) {
         (line.count == 3 && col_names_.find(line.field[2]) < 0 && col_names_.find(line.field[1]) >= 0);
     const int at = line.count - (with_value ? 2 : 1);
     if (line.count > 4 || at < 1 || at > 2) fail(line, "expected a bound: its type, a name, a column and a number");
-    const int col = col_names_.find(line.field[at]);
-    if (col < 0) fail(line, "unknown column " + quoted(line.field[at]) + ", expected one of section COLUMNS");
+    const int col = find_column(line, line.field[at]);
     const bool read_value = with_value && known->value != Value::kNone;
     const double value = read_value ? clipped(number(line, line.field[at + 1])) : kInfinity;
     if (at == 2 && !in_chosen_set(bound_set_, line.field[1], "bounds")) return;
@@ -410,11 +415,23 @@ void MpsReader::set_bound(const MpsLine& line, const BoundCode& bound, int col, 
 
 void MpsReader::pwl_line(const MpsLine& line) {
     if (line.count != 3) fail(line, "expected a column and the x and y of a point");
-    const int col = col_names_.find(line.field[0]);
-    if (col < 0) fail(line, "unknown column " + quoted(line.field[0]) + ", expected one of section COLUMNS");
-    PwlPoints& points = out_.pwl_obj[col];
+    PwlPoints& points = out_.pwl_obj[find_column(line, line.field[0])];
     points.emplace_back(finite_number(line, line.field[1]), finite_number(line, line.field[2]));
     if (const std::string fault = last_point_fault(points); !fault.empty()) fail(line, "the point " + fault);
+}
+
+// " S1 set", perhaps with a word before or a priority behind the name, then members: "x 1" or "SOS x 1".
+void MpsReader::sos_line(const MpsLine& line) {
+    const int code = line.field[0].empty() ? 1 : 0;  // in fixed form members have none
+    const int count = line.count - code;
+    if (count < 2 || count > (sos_type(line.field[0]) ? 4 : 3))
+        fail(line, "expected S1 or S2 and the name of a set, or a column and its weight");
+    double priority;
+    const bool last_is_name = count == 2 || !parse_number(line.field[count - 1], priority);
+    if (sos_.begin(line.number, line.field[0], line.field[last_is_name ? count - 1 : count - 2])) return;
+    if (!sos_.begun()) fail(line, quoted(line.field[code]) + " is no type of a set, expected S1 or S2");
+    const std::string_view name = line.field[line.count - 2];
+    sos_.add(line.number, find_column(line, name), name, number(line, line.field[line.count - 1]));
 }
 
 bool MpsReader::in_chosen_set(ChosenSet& set, std::string_view name, const char* what) {
@@ -431,6 +448,12 @@ int MpsReader::find_row(const MpsLine& line, std::string_view name) const {
     const int row = row_names_.find(name);
     if (row < 0) fail(line, "unknown row " + quoted(name) + ", expected one of section ROWS");
     return row;
+}
+
+int MpsReader::find_column(const MpsLine& line, std::string_view name) const {
+    const int col = col_names_.find(name);
+    if (col < 0) fail(line, "unknown column " + quoted(name) + ", expected one of section COLUMNS");
+    return col;
 }
 
 double MpsReader::number(const MpsLine& line, std::string_view text) const {

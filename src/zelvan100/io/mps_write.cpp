@@ -6,6 +6,7 @@
 #include "io/number.h"
 #include "io/objectives.h"
 #include "io/row_kind.h"
+#include "io/sos_sets.h"
 #include "io/written_names.h"
 
 namespace zelvan {
@@ -46,7 +47,7 @@ FileRow file_row(const Rows& rows, int i) {
 
 class MpsWriter {
 public:
-    MpsWriter(const ModelData& data, const Warn& warn) : data_(data), names_(data, mps_holds_name, "MPS", warn) {
+    MpsWriter(const ModelData& data, const Warn& warn) : data_(data), names_(data, mps_holds_name, mps_holds_name, "MPS", warn) {
         for (std::size_t k = 0; k < std::max<std::size_t>(1, data.objectives.size()); ++k) name_objective(k);
     }
     std::string write();
@@ -61,6 +62,7 @@ private:
     void bounds();
     void bounds_of(int j);
     void pwl_terms();
+    void sets();
     void line(std::string_view first, std::string_view second, double value);
     void bound(std::string_view code, int j);
     void bound(std::string_view code, int j, double value);
@@ -84,6 +86,7 @@ std::string MpsWriter::write() {
     right_hand_sides();
     bounds();
     pwl_terms();
+    sets();
     out_ += "ENDATA\n";
     return std::move(out_);
 }
@@ -240,6 +243,26 @@ void MpsWriter::pwl_terms() {
             append_number(out_, x);
             out_ += ' ';
             append_number(out_, y);
+            out_ += '\n';
+        }
+    }
+}
+
+void MpsWriter::sets() {
+    const SosSets& sos = data_.sos;
+    if (sos.size() > 0) out_ += "SOS\n";
+    for (int k = 0; k < sos.size(); ++k) {
+        out_ += sos.type[k] == 1 ? " S1 " : " S2 ";
+        out_ += names_.sos(k);
+        out_ += '\n';
+        for (std::int64_t at = sos.start[k]; at < sos.start[k + 1]; ++at) {
+            const std::string_view name = names_.col(sos.col[at]);
+            // Alone, such a column would begin a set.
+            if (sos_type(name)) out_ += "    SOS";
+            out_ += sos_type(name) ? " " : "    ";
+            out_ += name;
+            out_ += ' ';
+            append_number(out_, sos.val[at]);
             out_ += '\n';
         }
     }

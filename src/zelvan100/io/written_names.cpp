@@ -9,28 +9,42 @@ namespace zelvan {
 
 namespace {
 
-std::string numbered(char letter, int i) { return letter + std::to_string(i); }
+// Names that a writer replaces: how many, and what is wrong with the first.
+struct Replaced {
+    int count = 0;
+    std::string fault;
 
-// All names, given or default; if one doesn't suit, `fault` says which and why, and names are numbered.
-Names collect(const Names& given, int size, char letter, WrittenNames::Holds holds, std::string& fault) {
-    Names names;
-    for (int i = 0; i < size; ++i) {
-        if (const char* name = given.get(i))
-            names.push_back(name);
-        else
-            names.push_back(numbered(letter, i));
+    void add(std::string_view name, const char* what) {
+        if (count++ == 0) fault = quoted(name) + what;
     }
-    NameTable distinct;
-    for (int i = 0; i < size && fault.empty(); ++i) {
-        const std::string_view name = names.get(i);
+};
+
+// The names of a family as they are written. Where an object's own name can't be, it gets the default one, lengthened
+// until no other object has it.
+Names collect(const Names& given, Kind kind, WrittenNames::Holds holds, Replaced& replaced) {
+    NameTable kept;
+    std::vector<char> keeps(given.size(), 0);
+    for (int i = 0; i < given.size(); ++i) {
+        const char* name = given.get(i);
+        if (!name) continue;
         if (!holds(name))
-            fault = quoted(name) + " can't be written";
-        else if (!distinct.add(name))
-            fault = quoted(name) + " stands for two of them";
+            replaced.add(name, " can't be written");
+        else if (!kept.add(name))
+            replaced.add(name, " stands for two of them");
+        else
+            keeps[i] = 1;
     }
-    if (fault.empty()) return names;
-    names.clear();
-    for (int i = 0; i < size; ++i) names.push_back(numbered(letter, i));
+    Names names;
+    for (int i = 0; i < given.size(); ++i) {
+        if (keeps[i]) {
+            names.push_back(given.get(i));
+            continue;
+        }
+        std::string name = ModelData::default_name(kind, i);
+        if (!given.has(i) && kept.find(name) >= 0) replaced.add(name, " stands for two of them");
+        while (kept.find(name) >= 0) name += '_';
+        names.push_back(name);
+    }
     return names;
 }
 
@@ -42,19 +56,28 @@ bool is_one_line(std::string_view name) {
 
 }  // namespace
 
-WrittenNames::WrittenNames(const ModelData& data, Holds holds, const char* format, const Warn& warn) {
-    std::string col_fault, row_fault, objective_fault;
-    cols_ = collect(data.cols.names, data.cols.size(), 'C', holds, col_fault);
-    rows_ = collect(data.rows.names, data.rows.size(), 'R', holds, row_fault);
-    collect_objectives(data, holds, objective_fault);
-    const bool keep_name = is_one_line(data.name);
-    if (keep_name) model_name_ = data.name;
-
+WrittenNames::WrittenNames(const ModelData& data, Holds holds, Holds holds_label, const char* format,
+                           const Warn& warn) {
     std::string faults;
     const auto add = [&](const std::string& text) { faults += (faults.empty() ? "" : "; ") + text; };
-    if (!col_fault.empty()) add("variables are numbered, because " + col_fault);
-    if (!row_fault.empty()) add("constraints are numbered, because " + row_fault);
+    const auto collect_of = [&](Kind kind, const Names& given, Holds suits) {
+        Replaced replaced;
+        Names names = collect(given, kind, suits, replaced);
+        const KindSpec& spec = spec_of(kind);
+        if (replaced.count > 0)
+            add(std::to_string(replaced.count) + " " + (replaced.count == 1 ? spec.singular : spec.plural) +
+                " numbered, because " + replaced.fault);
+        return names;
+    };
+    cols_ = collect_of(Kind::kColumn, data.cols.names, holds);
+    rows_ = collect_of(Kind::kRow, data.rows.names, holds);
+    sos_ = collect_of(Kind::kSos, data.sos.names, holds_label);
+
+    std::string objective_fault;
+    collect_objectives(data, holds, objective_fault);
     if (!objective_fault.empty()) add("an objective's name is left out, " + objective_fault);
+    const bool keep_name = is_one_line(data.name);
+    if (keep_name) model_name_ = data.name;
     if (!keep_name && !data.name.empty()) add("the model's name is left out");
     if (!faults.empty()) warn(std::string("Warning: names that don't suit ") + format + " form: " + faults);
 }

@@ -10,15 +10,16 @@
 
 namespace zelvan {
 
-// The names under which a writer shows columns and rows: their own, or for a whole kind numbered ones
-// when one name can't stand in the format or stands for two. Warns where a name is replaced.
+// The names under which a writer shows columns, rows and sets: their own, or the default one where that can't stand
+// in the format or stands for two. Warns where a name is replaced.
 class WrittenNames {
 public:
     using Holds = bool (*)(std::string_view name);
-    WrittenNames(const ModelData& data, Holds holds, const char* format, const Warn& warn);
+    WrittenNames(const ModelData& data, Holds holds, Holds holds_label, const char* format, const Warn& warn);
 
     std::string_view col(int j) const { return cols_.get(j); }
     std::string_view row(int i) const { return rows_.get(i); }
+    std::string_view sos(int k) const { return sos_.get(k); }
     // "" when the model has none, or one that spans lines.
     std::string model_name() const { return model_name_; }
     // "" when the objective has none, or none that tells it from rows and other objectives.
@@ -29,7 +30,7 @@ public:
 private:
     void collect_objectives(const ModelData& data, Holds holds, std::string& fault);
 
-    Names cols_, rows_;
+    Names cols_, rows_, sos_;
     std::vector<std::string> objectives_;
     std::string model_name_;
 };
