@@ -13,6 +13,7 @@ from conftest import find_shared_data
 
 Int, Double, Handle, Text = ctypes.c_int, ctypes.c_double, ctypes.c_void_p, ctypes.c_char_p
 COLWISE, ROWWISE, TRIANGULAR = 1, 2, 1
+SMALL = 1e-9  # entries up to this HiGHS drops by default
 
 lib = ctypes.CDLL(str(pathlib.Path(highsbox.highs_dist_dir()) / "lib" / "libhighs.so"))
 lib.Highs_create.restype = Handle
@@ -75,6 +76,7 @@ class Arrays:
     def read(cls, path):
         """The model of a file as HiGHS reads it."""
         with Highs() as highs:
+            lib.Highs_setDoubleOptionValue(highs.handle, b"small_matrix_value", 1e-12)
             lib.Highs_readModel(highs.handle, str(path).encode())
             cols, rows, entries = (getattr(lib, "Highs_getNum" + what)(highs.handle) for what in ("Col", "Row", "Nz"))
             shapes = [(Double, cols)] * 3 + [(Double, rows)] * 2
@@ -102,6 +104,8 @@ class Highs:
 
     def load(self, m):
         lib.Highs_setDoubleOptionValue(self.handle, b"mip_abs_gap", 1e-10)  # MIPGapAbs
+        small = any(0.0 < abs(value) <= SMALL for value in m.value)  # no coefficient of a model is dropped
+        lib.Highs_setDoubleOptionValue(self.handle, b"small_matrix_value", 1e-12 if small else SMALL)
         sizes = (m.cols, m.rows, m.entries, 0, COLWISE, TRIANGULAR, m.sense, m.constant)
         vectors = (m.cost, m.lb, m.ub, m.row_lower, m.row_upper, m.start, m.index, m.value)
         status = lib.Highs_passModel(self.handle, *sizes, *vectors, None, None, None, m.integrality)

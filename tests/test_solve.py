@@ -18,7 +18,7 @@ INF = ZVN.INFINITY
 STATUS = {"OPTIMAL": ZVN.OPTIMAL, "INFEASIBLE": ZVN.INFEASIBLE, "UNBOUNDED": ZVN.UNBOUNDED}
 
 
-def test_instances_end_as_the_reference_says(env_silent, shared_data, reference):
+def test_instances_end_as_the_reference_says(env_silent, shared_data, reference, capfd):
     for name, row in reference.items():
         if row["kind"] == "QP":
             continue
@@ -29,6 +29,7 @@ def test_instances_end_as_the_reference_says(env_silent, shared_data, reference)
         if row["objective"]:
             assert m.ObjVal == pytest.approx(float(row["objective"]), rel=1e-6), name
         m.dispose()
+    assert capfd.readouterr() == ("", "")
 
 
 small = st.integers(-5, 5).map(float)
