@@ -1,9 +1,10 @@
 """Solutions, starts, branching priorities and bases in files, through the C interface."""
 
+import json
 import random
 
 import pytest
-from library import FILE_READ, INF, NOT_AVAILABLE, UNDEFINED, Refused
+from library import FILE_READ, INF, NOT_AVAILABLE, UNDEFINED, Refused, ints, lib
 
 N, M = 8, 6
 
@@ -47,6 +48,46 @@ def test_a_solution_comes_back_as_a_start_and_priorities_as_they_were(make, tmp_
     read(fresh, tmp_path / "a.ord")
     fresh.update()
     assert fresh.get("BranchPriority", range(4)) == [5, 0, 0, -2]
+
+
+@pytest.mark.parametrize("vtype", ["", "I" * N])
+def test_queued_changes_cost_no_solution(make, tmp_path, vtype):
+    """What belongs to the solution is written as of that; without a solution, queued values are written."""
+    model = build(make, vtype)
+    model.set("Start", [2], [4])
+    model.set("BranchPriority", [3], [1])
+    for ending, word in ((".mst", "v4 2"), (".ord", "x#1 3")):
+        write(model, tmp_path / ("queued" + ending))
+        assert word in (tmp_path / ("queued" + ending)).read_text().splitlines()
+    model.call("ZVNoptimize")
+    endings = [".sol", ".mst", ".JSON", ".prm"] + ([] if vtype else [".bas"])
+    before = {}
+    for queued in (False, True):
+        if queued:
+            model.add_row({0: 1}, "<", 0)
+            model.call("ZVNdelvars", 1, ints([3]))
+        for ending in endings:
+            path = tmp_path / ("a" + ending)
+            write(model, path)
+            assert not lib.ZVNisattrfile(str(path).encode())
+            assert path.read_text() == before.setdefault(ending, path.read_text())
+    assert model.get("SolCount") >= 1 and model.get("X", 3) is not None
+    model.update()
+    with pytest.raises(Refused):
+        write(model, tmp_path / "a.sol")
+
+
+def test_any_bytes_in_names_are_json(make, tmp_path):
+    names = [b"plain", "n\u00e4 \u6c34 \U0001f600".encode(), b'"\\/', b"\x01\t\n\x7f"]
+    names += [b"\xff\x80", b"\xc3", b"a\xe2\x82", b"\xed\xb2\x80"]  # no UTF-8
+    model = build(make)
+    for j, name in enumerate(names):
+        model.call("ZVNsetstrattrelement", b"VarName", j, name)
+    model.call("ZVNoptimize")
+    write(model, tmp_path / "a.json")
+    found = json.loads((tmp_path / "a.json").read_bytes().decode("utf-8"))
+    assert [v["VarName"].encode("utf-8", "surrogateescape") for v in found["Vars"]] == names
+    assert [v["X"] for v in found["Vars"]] == model.get("X", range(N))
 
 
 def test_a_basis_comes_back_and_ends_the_next_solve_at_once(make, tmp_path):

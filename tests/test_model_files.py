@@ -11,7 +11,7 @@ import sys
 import pytest
 from hypothesis import given
 from hypothesis import strategies as st
-from native import INFINITY, Content, Environment, LibraryError, array, highs_library
+from native import INFINITY, Content, Environment, LibraryError, array, highs_library, lib
 
 INF = INFINITY
 
@@ -381,6 +381,10 @@ def test_lp_keywords(env, tmp_path, keyword, sense):
         ("min x\nst\nc: x >= 1\nBounds\n x <= nan\nEnd\n", 5, "found 'nan', expected a number"),
         ("min x\nst\nc: x >= 1\nBinaries\n 3\nEnd\n", 5, "found '3', expected the name of a variable"),
         ("min x\nst\nc: x >= 1\nSOS2\nEnd\n", 4, "section SOS2 is not supported"),
+        ("min x\nst\nc: <= x\nEnd\n", 3, "found 'x', expected a number"),
+        ("min x\nst\nc: <= 1 <= 2\nEnd\n", 3, "expected a new line or a label behind the constraint"),
+        ("min x\nst\n<= 1\nEnd\n", 3, "expected a constraint"),
+        ("min x\nst\nc: >= inf\nEnd\n", 3, "on the wrong side of infinity"),
         ("min x\nSOS\nx:1\nEnd\n", 3, "'x' is in no set, expected S1:: or S2:: before"),
         ("min x\nSOS\na: S3:: x:1\nEnd\n", 3, "found 'S3', expected S1:: or S2::"),
         ("min x\nSOS\na: S1:: x:1\n x:2\nEnd\n", 4, "'x' stands twice in one set"),
@@ -833,6 +837,34 @@ def test_sets_in_lp(env, tmp_path):
     assert content.sets == [(1, [(0, 1.0), (2, -2.0), (1, 3.0)]), (2, [(3, 10.0), (2, 2.0)]), (1, [])]
 
 
+def test_empty_rows_in_lp(env, tmp_path):
+    text = "min x\nst\na: = +0\n - x >= 2\nb: <= 1 c: >= -inf\n\n d:\n x >= - 3\nEnd\n"
+    expected = [("a", "=", 0, {}), ("R1", ">", 2, {"x": -1}), ("b", "<", 1, {}), ("c", ">", -INF, {})]
+    assert rows(read_text(env, tmp_path, ".lp", text)) == [*expected, ("d", ">", -3, {"x": 1})]
+
+
+def test_only_unsuitable_names_are_replaced(env, tmp_path):
+    """A default name that another object has is lengthened; the first of several owners keeps a name."""
+    names = ["a b", "C0", "C0_", "y", "y", "", "C5", "x-1"]
+    columns = [(name, "C", 0.0, 1.0, j + 1.0) for j, name in enumerate(names)]
+    with build(env, Content("", 1, 0.0, columns, [("row", ">", 1.0, [(1, 1.0)], 0.0)])) as model:
+        for ending, last in ((".lp", "C7"), (".mps", "x-1")):
+            path = tmp_path / ("names" + ending)
+            _, warnings = write_text(env, model, path)
+            assert re.search(r"%d variables numbered, because 'a b' can't be" % (4 - (ending == ".mps")), warnings[0])
+            with env.read(path) as copy:
+                found = [column[0] for column in copy.content().columns]
+                assert found == ["C0__", "C0", "C0_", "y", "C4", "C5_", "C5", last]
+
+
+def test_the_length_of_names(env, tmp_path):
+    """That of the model too."""
+    for text in ("NAME %s\nROWS\n N c\nCOLUMNS\nRHS\nENDATA\n", "\\ Model name: %s\nmin\nst\nEnd\n"):
+        ending = ".mps" if "ROWS" in text else ".lp"
+        assert read_text(env, tmp_path, ending, text % ("n" * 255)).name == "n" * 255
+        refuse(env, tmp_path / ("long" + ending), text % ("n" * 256), 1, "is longer than 255 bytes")
+
+
 @pytest.mark.parametrize(
     "ending, name, held",
     [
@@ -963,6 +995,34 @@ def test_writing_keeps_permissions_and_links(small, tmp_path):
         path.chmod(0o440)
         with pytest.raises(LibraryError, match="Permission denied"):
             small.write(path)
+
+
+def test_a_dangling_link_is_written_through(small, tmp_path):
+    (tmp_path / "folder").mkdir()
+    for link, target in (("a.lp", "b.lp"), ("b.lp", "folder/c.lp"), ("d.lp", tmp_path / "e.lp"), ("f.lp", "f.lp")):
+        (tmp_path / link).symlink_to(target)
+    small.write(tmp_path / "a.lp")
+    small.write(tmp_path / "d.lp")
+    text = (tmp_path / "e.lp").read_bytes()
+    assert (tmp_path / "folder" / "c.lp").read_bytes() == text and not (tmp_path / "folder" / "c.lp").is_symlink()
+    assert all((tmp_path / link).is_symlink() for link in ("a.lp", "b.lp", "d.lp"))
+    with pytest.raises(LibraryError, match="Too many levels of symbolic links"):
+        small.write(tmp_path / "f.lp")
+
+
+def test_capital_endings_and_byte_order_marks(env, small, tmp_path):
+    for ending in (".MPS", ".LP.GZ", ".Lp", ".mps.Gz"):
+        path = tmp_path / ("model" + ending)
+        small.write(path)
+        assert lib.ZVNismodelfile(str(path).encode()) and not lib.ZVNisattrfile(str(path).encode())
+        data = path.read_bytes()
+        packed = ending.lower().endswith(".gz")
+        assert (data[:2] == b"\x1f\x8b") == packed
+        marked = b"\xef\xbb\xbf" + (gzip.decompress(data) if packed else data)
+        for content in (data, marked, gzip.compress(marked)):
+            path.write_bytes(content)
+            with env.read(path) as model:
+                assert model.content() == small.content()
 
 
 def test_unknown_endings(small, tmp_path):

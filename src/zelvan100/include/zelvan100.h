@@ -208,9 +208,11 @@ ZVN_API int ZVNreset(ZVNmodel* model, int clearall);
 ZVN_API int ZVNreadmodel(ZVNenv* env, const char* filename, ZVNmodel** model);
 /* Read data into a model: .prm, .mst, .sol, .bas, ... by the name's ending. */
 ZVN_API int ZVNread(ZVNmodel* model, const char* filename);
-/* Write the model or data of it, by the name's ending. An existing file stays as it was on failure. */
+/* Write the model or data of it, by the name's ending. An existing file stays as it was on failure. Models and
+ * priorities (.ord) are written with queued changes, which are applied; what belongs to a solution (.sol, .mst,
+ * .bas, .json) as of that solution, with the changes left queued. */
 ZVN_API int ZVNwrite(ZVNmodel* model, const char* filename);
-/* Whether the name's ending is that of a model file, or of a file of attribute values. */
+/* Whether the name's ending is that of a model file, or of a file of attribute values that users set. */
 ZVN_API int ZVNismodelfile(const char* filename);
 ZVN_API int ZVNisattrfile(const char* filename);
 /* The solution as JSON text, released with ZVNfree. */

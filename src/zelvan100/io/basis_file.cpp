@@ -6,6 +6,7 @@
 #include "attr/access.h"
 #include "io/io.h"
 #include "io/letters.h"
+#include "io/lines.h"
 #include "io/source.h"
 
 namespace zelvan {
@@ -46,11 +47,10 @@ public:
     }
 
     Statuses read() {
-        for (std::size_t at = 0; at < file_.text.size() && !ended_;) {
-            const std::size_t end = std::min(file_.text.find('\n', at), file_.text.size());
-            ++line_;
-            read_line(std::string_view(file_.text).substr(at, end - at));
-            at = end + 1;
+        Lines lines(file_.text);
+        for (std::string_view line; !ended_ && lines.next(line);) {
+            line_ = lines.number();
+            read_line(line);
         }
         if (!ended_) file_.fail(line_, "the file ends without ENDATA");
         return std::move(statuses_);

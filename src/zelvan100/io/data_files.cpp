@@ -1,6 +1,7 @@
 #include "io/data_files.h"
 
 #include "io/basis_file.h"
+#include "io/endings.h"
 #include "io/io.h"
 #include "io/json.h"
 #include "io/prm.h"
@@ -10,28 +11,30 @@ namespace zelvan {
 
 namespace {
 
+// What becomes of queued changes when a file is written. An update discards the solution, so that what belongs to a
+// solution is written without one.
+enum class Queued { kStay, kAppliedUnlessSolved, kApplied };
+
 struct DataFile {
     std::string_view ending;
-    bool attributes;  // holds attribute values, so the queued changes belong into it
+    Queued queued;
     void (*read)(Model& model, const std::string& path);
     void (*write)(Model& model, const std::string& path);
 };
 
 constexpr DataFile kDataFiles[] = {
-    {".prm", false, [](Model& m, const std::string& path) { read_params(m.env, path); },
+    {".prm", Queued::kStay, [](Model& m, const std::string& path) { read_params(m.env, path); },
      [](Model& m, const std::string& path) { write_params(m.env, path); }},
-    {".sol", true, read_start, write_solution},
-    {".mst", true, read_start, write_start},
-    {".ord", true, read_priorities, write_priorities},
-    {".bas", true, read_basis, write_basis},
-    {".json", false, nullptr, [](Model& m, const std::string& path) { write_file(path, json_solution(m)); }},
+    {".sol", Queued::kStay, read_start, write_solution},
+    {".mst", Queued::kAppliedUnlessSolved, read_start, write_start},
+    {".ord", Queued::kApplied, read_priorities, write_priorities},
+    {".bas", Queued::kAppliedUnlessSolved, read_basis, write_basis},
+    {".json", Queued::kStay, nullptr, [](Model& m, const std::string& path) { write_file(path, json_solution(m)); }},
 };
 
 const DataFile* data_file(std::string_view path) {
-    if (path.size() > 3 && path.substr(path.size() - 3) == ".gz") path.remove_suffix(3);
     for (const DataFile& file : kDataFiles)
-        if (path.size() > file.ending.size() && path.substr(path.size() - file.ending.size()) == file.ending)
-            return &file;
+        if (has_ending(without_gz(path), file.ending)) return &file;
     return nullptr;
 }
 
@@ -62,13 +65,14 @@ void write_any(Model& model, const std::string& path) {
     }
     const DataFile* file = data_file(path);
     if (!file) refuse_ending(path, "Writing");
-    if (file->attributes) model.update();
+    const bool solved = model.solution.status != ZVN_LOADED;
+    if (file->queued == Queued::kApplied || (file->queued == Queued::kAppliedUnlessSolved && !solved)) model.update();
     file->write(model, path);
 }
 
 bool is_attribute_file(std::string_view path) {
     const DataFile* file = data_file(path);
-    return file && file->attributes;
+    return file && file->queued == Queued::kApplied;
 }
 
 }  // namespace zelvan

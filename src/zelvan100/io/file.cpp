@@ -6,19 +6,21 @@
 
 #include <atomic>
 #include <cerrno>
+#include <climits>
 #include <cstdio>
-#include <cstdlib>
 #include <cstring>
-#include <memory>
 #include <utility>
 
 #include "core/error.h"
+#include "io/endings.h"
 #include "io/gzip.h"
 #include "io/io.h"
 
 namespace zelvan {
 
 namespace {
+
+constexpr std::string_view kByteOrderMark = "\xEF\xBB\xBF";  // of UTF-8
 
 class Descriptor {
 public:
@@ -82,7 +84,20 @@ private:
     Descriptor file_;
 };
 
-bool ends_with_gz(std::string_view path) { return path.size() > 3 && path.substr(path.size() - 3) == ".gz"; }
+// Where symbolic links lead, also when there is no file yet.
+std::string behind_links(std::string path) {
+    constexpr int kMostLinks = 40;
+    struct stat status;
+    for (int k = 0; ::lstat(path.c_str(), &status) == 0 && S_ISLNK(status.st_mode); ++k) {
+        char target[PATH_MAX];
+        const ssize_t length = ::readlink(path.c_str(), target, sizeof target);
+        if (k == kMostLinks) errno = ELOOP;
+        if (k == kMostLinks || length < 0) fail(ZVN_ERROR_FILE_WRITE, "write", path);
+        const std::string folder = target[0] == '/' ? std::string() : path.substr(0, path.rfind('/') + 1);
+        path = folder + std::string(target, static_cast<std::size_t>(length));
+    }
+    return path;
+}
 
 // Devices and pipes are written to directly: a renamed file would take their place.
 void write_through(const std::string& path, std::string_view bytes) {
@@ -93,11 +108,8 @@ void write_through(const std::string& path, std::string_view bytes) {
 }
 
 void replace_file(const std::string& path, const struct stat* existing, std::string_view bytes) {
-    // The file behind a symbolic link is replaced, not the link.
-    std::unique_ptr<char, decltype(&std::free)> real(existing ? ::realpath(path.c_str(), nullptr) : nullptr,
-                                                     &std::free);
     if (existing && ::access(path.c_str(), W_OK) != 0) fail(ZVN_ERROR_FILE_WRITE, "write", path);
-    TemporaryFile file(real ? real.get() : path);
+    TemporaryFile file(behind_links(path));
     if (existing && ::fchmod(file.fd(), existing->st_mode & 07777) != 0) fail(ZVN_ERROR_FILE_WRITE, "write", path);
     write_all(file.fd(), bytes, path);
     file.take_place();
@@ -122,13 +134,14 @@ std::string read_file(const std::string& path) {
         if (size == room) room *= 2;
     }
     bytes.resize(size);
-    if (is_gzip(bytes)) return gunzip(bytes, path);
+    if (is_gzip(bytes)) bytes = gunzip(bytes, path);
+    if (bytes.compare(0, kByteOrderMark.size(), kByteOrderMark) == 0) bytes.erase(0, kByteOrderMark.size());
     return bytes;
 }
 
 void write_file(const std::string& path, std::string_view text) {
-    const std::string packed = ends_with_gz(path) ? gzip(text) : std::string();
-    const std::string_view bytes = ends_with_gz(path) ? std::string_view(packed) : text;
+    const std::string packed = is_gz_name(path) ? gzip(text) : std::string();
+    const std::string_view bytes = is_gz_name(path) ? std::string_view(packed) : text;
     struct stat status;
     const bool exists = ::stat(path.c_str(), &status) == 0;
     if (exists && S_ISDIR(status.st_mode)) {

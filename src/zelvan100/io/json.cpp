@@ -1,29 +1,37 @@
 #include "io/json.h"
 
-#include <charconv>
+#include <algorithm>
 #include <cmath>
 #include <cstdio>
 #include <string_view>
 
 #include "core/model.h"
+#include "io/number.h"
+#include "io/source.h"
 
 namespace zelvan {
 
 namespace {
 
+void put_escape(std::string& json, unsigned code) {
+    char escape[8];
+    std::snprintf(escape, sizeof escape, "\\u%04x", code);
+    json += escape;
+}
+
+// Bytes that are not UTF-8 stand as U+DC00 and their value, as Python's "surrogateescape" does and undoes.
 void put_text(std::string& json, std::string_view text) {
     json += '"';
-    for (const char c : text) {
-        if (c == '"' || c == '\\') {
-            json += '\\';
-            json += c;
-        } else if (static_cast<unsigned char>(c) < 0x20) {
-            char escaped[8];
-            std::snprintf(escaped, sizeof escaped, "\\u%04x", c);
-            json += escaped;
+    while (!text.empty()) {
+        const auto first = static_cast<unsigned char>(text.front());
+        const std::size_t length = character_length(text);
+        if (length == 0 || first < 0x20) {
+            put_escape(json, length == 0 ? 0xDC00u + first : first);
         } else {
-            json += c;
+            if (first == '"' || first == '\\') json += '\\';
+            json += text.substr(0, length);
         }
+        text.remove_prefix(std::max<std::size_t>(length, 1));
     }
     json += '"';
 }
@@ -31,9 +39,7 @@ void put_text(std::string& json, std::string_view text) {
 // JSON has no infinities: they stand as +-1e100, the value that means infinite everywhere in the library.
 void put_number(std::string& json, double value) {
     if (std::isinf(value)) value = std::copysign(kInfinity, value);
-    char digits[32];
-    const auto end = std::to_chars(digits, digits + sizeof digits, value).ptr;
-    json.append(digits, end);
+    append_number(json, value);
 }
 
 void put_field(std::string& json, const char* name, double value) {

@@ -254,8 +254,10 @@ void LpReader::constraint() {
         lexer_.next();
     }
     const Expression left = expression(1.0, true);
-    if (!left.any) unexpected("a constraint");
+    const bool empty = !left.any && !name.empty() && at_operator();  // "c1: = 0"
+    if (!left.any && !empty) unexpected("a constraint");
     const LpToken op = take_operator();
+    if (empty) return one_sided(line, name, op, value("a number"));
     // A number on the left may open a range, so the expression goes on to the next operator or label.
     const Expression middle = expression(left.has_terms ? -1.0 : 1.0, !left.has_terms);
     if (!middle.any) unexpected("a number or an expression");

@@ -160,11 +160,7 @@ void LpWriter::number(double value) {
 
 void LpWriter::constraint(int i) {
     const Rows& rows = data_.rows;
-    RowKind kind{rows.sense[i], rows.rhs[i], -kInfinity};
-    if (kind.sense == 'R') {
-        const auto [lower, upper] = rows.sides(i);
-        kind = row_kind(lower, upper);
-    }
+    const RowKind kind = row_kind(rows, i);
     line_start_ = out_.size();
     out_ += ' ';
     out_ += names_.row(i);

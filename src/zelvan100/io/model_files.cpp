@@ -1,5 +1,6 @@
 #include <string>
 
+#include "io/endings.h"
 #include "io/io.h"
 #include "io/lp.h"
 #include "io/mps.h"
@@ -14,10 +15,6 @@ struct Ending {
 };
 constexpr Ending kEndings[] = {{".mps", FileFormat::kMps}, {".lp", FileFormat::kLp}};
 
-bool ends_with(std::string_view path, std::string_view ending) {
-    return path.size() > ending.size() && path.substr(path.size() - ending.size()) == ending;
-}
-
 FileFormat known_format(const std::string& path, int code) {
     const FileFormat format = model_format(path);
     if (format == FileFormat::kNone)
@@ -29,9 +26,8 @@ FileFormat known_format(const std::string& path, int code) {
 }  // namespace
 
 FileFormat model_format(std::string_view path) {
-    if (ends_with(path, ".gz")) path.remove_suffix(3);
     for (const Ending& ending : kEndings)
-        if (ends_with(path, ending.text)) return ending.format;
+        if (has_ending(without_gz(path), ending.text)) return ending.format;
     return FileFormat::kNone;
 }
 

@@ -41,13 +41,9 @@ void split_fixed(MpsLine& line, bool codes) {
 }  // namespace
 
 bool MpsLines::next(MpsLine& line, bool codes) {
-    while (!rest_.empty()) {
-        const std::size_t stop = rest_.find('\n');
-        line.text = rest_.substr(0, stop);
-        rest_.remove_prefix(stop == rest_.npos ? rest_.size() : stop + 1);
-        ++number_;
+    while (lines_.next(line.text)) {
         if (line.text.empty() || line.text.front() == '*') continue;
-        line.number = number_;
+        line.number = number();
         line.at_margin = !is_blank(line.text.front());
         // Markers and tabs don't keep to the columns.
         const bool by_columns = fixed_ && !line.at_margin && line.text.find('\t') == line.text.npos &&

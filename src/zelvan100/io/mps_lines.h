@@ -3,6 +3,8 @@
 #include <array>
 #include <string_view>
 
+#include "io/lines.h"
+
 namespace zelvan {
 
 // A line of an MPS file, cut into fields. In fixed form a field may hold blanks or be empty.
@@ -18,16 +20,15 @@ struct MpsLine {
 // Cuts the text of an MPS file into lines; comments and blank lines are passed over.
 class MpsLines {
 public:
-    MpsLines(std::string_view text, bool fixed) : rest_(text), fixed_(fixed) {}
+    MpsLines(std::string_view text, bool fixed) : lines_(text), fixed_(fixed) {}
     // False at the end of the file. `codes`: lines of this section begin with the code of a type, which
     // in fixed form has columns of its own.
     bool next(MpsLine& line, bool codes);
-    int number() const { return number_; }
+    int number() const { return lines_.number(); }
 
 private:
-    std::string_view rest_;
+    Lines lines_;
     bool fixed_;
-    int number_ = 0;
 };
 
 }  // namespace zelvan

@@ -33,9 +33,9 @@ std::string exact_range(char type, double lower, double upper) {
 }
 
 FileRow file_row(const Rows& rows, int i) {
-    const auto [lower, upper] = rows.sides(i);
-    const RowKind kind = rows.sense[i] == 'R' ? row_kind(lower, upper) : RowKind{rows.sense[i], rows.rhs[i], lower};
+    const RowKind kind = row_kind(rows, i);
     if (kind.sense != 'R') return {kind.sense == '<' ? 'L' : kind.sense == '>' ? 'G' : 'E', kind.rhs, {}};
+    const auto [_, upper, lower] = kind;
     if (upper == kInfinity) return {'L', upper, {}};
     // A double holds the width in most cases; more digits always do where rhs is the smaller side.
     for (char type : {'L', 'G'})

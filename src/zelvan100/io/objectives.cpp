@@ -10,7 +10,7 @@ namespace {
 
 bool set_tolerance(double& tolerance, double value) {
     tolerance = value;
-    return value >= 0.0 && value < kInfinityThreshold;
+    return value >= 0.0;
 }
 
 }  // namespace

@@ -5,6 +5,8 @@
 
 #include "core/error.h"
 #include "io/io.h"
+#include "io/lines.h"
+#include "io/number.h"
 
 namespace zelvan {
 
@@ -90,8 +92,9 @@ std::string value_text(const ParamValues& values, int i) {
     const int type = param_spec(i).type;
     if (type == 1) return std::to_string(values.get_int(p));
     if (type == 3) return quote_if_needed(values.get_str(p));
-    char buffer[32];
-    return {buffer, std::to_chars(buffer, buffer + sizeof buffer, values.get_dbl(p)).ptr};
+    std::string text;
+    append_number(text, values.get_dbl(p));
+    return text;
 }
 
 }  // namespace
@@ -99,16 +102,13 @@ std::string value_text(const ParamValues& values, int i) {
 void read_params(Env& env, const std::string& path) {
     const std::string text = read_file(path);
     ParamValues values = env.params;
-    int line = 0;
-    for (std::size_t at = 0; at < text.size();) {
-        const std::size_t end = std::min(text.find('\n', at), text.size());
-        ++line;
+    Lines lines(text);
+    for (std::string_view line; lines.next(line);) {
         try {
-            read_line(values, std::string_view(text).substr(at, end - at));
+            read_line(values, line);
         } catch (const Error& e) {
-            throw Error(e.code(), "File '" + path + "', line " + std::to_string(line) + ": " + e.text());
+            throw Error(e.code(), "File '" + path + "', line " + std::to_string(lines.number()) + ": " + e.text());
         }
-        at = end + 1;
     }
     env.set_params(values);
 }

@@ -1,6 +1,6 @@
 #pragma once
 
-#include "core/infinity.h"
+#include "core/model_data.h"
 
 namespace zelvan {
 
@@ -17,6 +17,13 @@ inline RowKind row_kind(double lower, double upper) {
     if (has_lower && !has_upper) return {'>', lower, -kInfinity};
     if (has_upper && !has_lower) return {'<', upper, -kInfinity};
     return {'R', upper, lower};
+}
+
+// The same of row i as it is stored; a range may have lost its second side.
+inline RowKind row_kind(const Rows& rows, int i) {
+    if (rows.sense[i] != 'R') return {rows.sense[i], rows.rhs[i], -kInfinity};
+    const auto [lower, upper] = rows.sides(i);
+    return row_kind(lower, upper);
 }
 
 }  // namespace zelvan

@@ -35,15 +35,22 @@ bool valid_second(unsigned char first, unsigned char second) {
 
 }  // namespace
 
+std::size_t character_length(std::string_view text) {
+    const auto first = static_cast<unsigned char>(text.front());
+    const int more = continuation_bytes(first);
+    if (more < 0 || static_cast<std::size_t>(more) >= text.size()) return 0;
+    if (more > 0 && !valid_second(first, static_cast<unsigned char>(text[1]))) return 0;
+    for (int k = 1; k <= more; ++k)
+        if ((static_cast<unsigned char>(text[k]) & 0xC0) != 0x80) return 0;
+    return static_cast<std::size_t>(more) + 1;
+}
+
 bool is_clean_name(std::string_view name) {
-    for (std::size_t at = 0; at < name.size(); ++at) {
-        const auto first = static_cast<unsigned char>(name[at]);
-        if (first < 0x20 || first == 0x7F) return false;
-        const int more = continuation_bytes(first);
-        if (more < 0 || at + more >= name.size()) return false;
-        if (more > 0 && !valid_second(first, static_cast<unsigned char>(name[at + 1]))) return false;
-        for (int k = 0; k < more; ++k)
-            if ((static_cast<unsigned char>(name[++at]) & 0xC0) != 0x80) return false;
+    while (!name.empty()) {
+        const auto first = static_cast<unsigned char>(name.front());
+        const std::size_t length = character_length(name);
+        if (first < 0x20 || first == 0x7F || length == 0) return false;
+        name.remove_prefix(length);
     }
     return true;
 }

@@ -30,6 +30,8 @@ struct Source {
     void check_name(int line, std::string_view name) const;
 };
 
+// Bytes of the character of UTF-8 that the text begins with; 0 when it begins with none.
+std::size_t character_length(std::string_view text);
 // UTF-8 text without control characters.
 bool is_clean_name(std::string_view name);
 // The text in quotes for a message, cut when it is long.

@@ -4,6 +4,7 @@
 
 #include "attr/access.h"
 #include "io/io.h"
+#include "io/lines.h"
 #include "io/number.h"
 #include "io/source.h"
 
@@ -58,12 +59,8 @@ void read_line(Model& model, const Source& file, int line, std::string_view text
 NamedValues read_values(Model& model, const std::string& path) {
     const Source file = Source::read(path);
     NamedValues read;
-    int line = 0;
-    for (std::size_t at = 0; at < file.text.size();) {
-        const std::size_t end = std::min(file.text.find('\n', at), file.text.size());
-        read_line(model, file, ++line, std::string_view(file.text).substr(at, end - at), read);
-        at = end + 1;
-    }
+    Lines lines(file.text);
+    for (std::string_view line; lines.next(line);) read_line(model, file, lines.number(), line, read);
     return read;
 }
 

@@ -1,23 +1,15 @@
 #include "param/param.h"
 
-#include <charconv>
 #include <cmath>
 
 #include "core/error.h"
+#include "core/number_text.h"
 
 namespace zelvan {
 
 namespace {
 
-constexpr double kInf = 1e100;
 constexpr const char* kTypeNames[] = {"", "an integer", "a double", "a string"};
-
-std::string number_text(double value) {
-    if (value >= kInf) return "infinity";
-    if (value <= -kInf) return "-infinity";
-    char buffer[32];
-    return {buffer, std::to_chars(buffer, buffer + sizeof buffer, value).ptr};
-}
 
 // Also refuses NaN.
 void check_range(const ParamSpec& spec, double value) {
@@ -46,7 +38,7 @@ void ParamValues::set_int(int i, int value) {
 
 void ParamValues::set_dbl(int i, double value) {
     check_param_type(i, 2);
-    if (std::fabs(value) > kInf) value = std::copysign(kInf, value);
+    if (std::fabs(value) > kInfinity) value = std::copysign(kInfinity, value);
     check_range(param_spec(i), value);
     numbers_[i] = value;
 }
