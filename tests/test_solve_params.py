@@ -274,3 +274,36 @@ def test_threads(log_of):
     for threads in (2, 1, 3):
         _, log = log_of(lambda env: knapsacks(env, items=12), Threads=threads)
         assert re.search(r"Thread count (\d+)", log).group(1) == str(threads)
+
+
+@pytest.mark.parametrize("method, late", [(0, 1.05), (1, 1.05), (2, 1.3)])
+def test_work_limit_of_an_lp_fires_on_time(env_silent, method, late):
+    m = assignment(env_silent, 60)
+    m.Params.Method = method
+    m.optimize()
+    work = m.Work
+    for share in (0.3, 0.8):
+        m.reset()
+        m.Params.WorkLimit = share * work
+        m.optimize()
+        assert m.Status == ZVN.WORK_LIMIT and share * work <= m.Work <= late * share * work
+
+
+def test_limits_count_over_all_objectives(env_silent):
+    m = assignment(env_silent)
+    m.optimize()
+    first = m.IterCount
+    x = m.getVars()
+    m.setObjectiveN(m.getObjective(), 0, priority=2, reltol=0.5)
+    m.setObjectiveN(zelvanpy.quicksum(k % 37 * var for k, var in enumerate(x)), 1, priority=1)
+    m.reset()
+    m.optimize()
+    work, iterations = m.Work, m.IterCount
+    assert m.Status == ZVN.OPTIMAL and iterations > 1.2 * first
+    for limit, value in (("IterationLimit", (first + iterations) // 2), ("WorkLimit", 0.95 * work)):
+        m.reset()
+        m.setParam(limit, value)
+        m.optimize()
+        assert m.Status == (ZVN.WORK_LIMIT if limit == "WorkLimit" else ZVN.ITERATION_LIMIT)
+        assert first < m.IterCount < iterations and m.SolCount == 1  # the point of the first objective
+        m.setParam(limit, "default")

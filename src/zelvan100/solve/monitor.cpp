@@ -75,6 +75,13 @@ double Monitor::work_of(const Progress& progress) const {
                                         kIterationsOfNode * progress.nodes);
 }
 
+double Monitor::iterations_left() const {
+    if (work_limit_ >= kInfinityThreshold) return std::numeric_limits<double>::infinity();
+    return std::floor(std::max(0.0, work_limit_ - work_before_) / work_unit_) + 1.0;  // reached in spite of rounding
+}
+
+double Monitor::barrier_iterations_left() const { return std::ceil(iterations_left() / kIterationsOfBarrier); }
+
 Answer Monitor::stop_with(int status) {
     int none = 0;
     if (status) stop_status_.compare_exchange_strong(none, status);
@@ -93,7 +100,7 @@ Answer Monitor::progress(const Progress& progress) {
 }
 
 int Monitor::limit_reached(const Progress& progress) const {
-    if (work_limit_ < kInfinityThreshold && work_of(progress) >= work_limit_) return ZVN_WORK_LIMIT;
+    if (reaches_limit(work_of(progress))) return ZVN_WORK_LIMIT;
     // HiGHS limits the iterations of an LP itself.
     if (progress.is_mip && iterations_before_ + progress.iterations >= iteration_limit_) return ZVN_ITERATION_LIMIT;
     return 0;

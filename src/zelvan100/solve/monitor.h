@@ -40,6 +40,10 @@ public:
     // The status that a stop asked for ends with, 0 when there was none.
     int stop_status() const { return stop_status_; }
     double work_of(const Progress& progress) const;
+    bool reaches_limit(double work) const { return work_limit_ < kInfinityThreshold && work >= work_limit_; }
+    // Simplex iterations of an LP, or barrier iterations, after which WorkLimit is reached; infinite without one.
+    double iterations_left() const;
+    double barrier_iterations_left() const;
     // Improving solutions of all runs.
     int num_solutions() const { return num_solutions_; }
     // Shows a progress line that was held back as too early.

@@ -101,14 +101,19 @@ void set_limits(HighsSession& session, const Context& context) {
     const auto left = [](double limit, double used) {
         return static_cast<int>(std::clamp(limit - used, 0.0, static_cast<double>(std::numeric_limits<int>::max())));
     };
-    session.set_time_limit(context.monitor.time_left());
-    session.set_option(
-        "simplex_iteration_limit",
-        std::min(context.care.iteration_limit, left(params.get_dbl(Param::IterationLimit), context.iterations)));
-    session.set_option("ipm_iteration_limit", left(params.get_int(Param::BarIterLimit), context.barrier_iterations));
+    // HiGHS looks at its own limits more often than it asks whether to go on.
+    const Monitor& monitor = context.monitor;
+    session.set_time_limit(monitor.time_left());
+    session.set_option("simplex_iteration_limit",
+                       std::min({context.care.iteration_limit,
+                                 left(params.get_dbl(Param::IterationLimit), context.iterations),
+                                 left(monitor.iterations_left(), 0.0)}));
+    session.set_option("ipm_iteration_limit",
+                       std::min(left(params.get_int(Param::BarIterLimit), context.barrier_iterations),
+                                left(monitor.barrier_iterations_left(), 0.0)));
     session.set_option("mip_max_nodes", left(params.get_dbl(Param::NodeLimit), context.nodes));
     session.set_option("mip_max_improving_sols",
-                       left(params.get_int(Param::SolutionLimit), context.monitor.num_solutions()));
+                       left(params.get_int(Param::SolutionLimit), monitor.num_solutions()));
 }
 
 bool is_trivial(const Problem& problem) { return problem.num_cols() == 0 || problem.has_empty_range(); }
@@ -160,7 +165,7 @@ int status_of(const SolverResult& result, const Context& context) {
         case Outcome::kTimeLimit:
             return ZVN_TIME_LIMIT;
         case Outcome::kIterationLimit:
-            return ZVN_ITERATION_LIMIT;
+            return monitor.reaches_limit(context.work) ? ZVN_WORK_LIMIT : ZVN_ITERATION_LIMIT;
         case Outcome::kSolutionLimit:
             return monitor.num_solutions() >= context.params.get_int(Param::SolutionLimit) ? ZVN_SOLUTION_LIMIT
                                                                                            : ZVN_NODE_LIMIT;
