@@ -52,7 +52,7 @@ public:
     SolverResult run() {
         const bool warm = !is_mip_ && (context_.session.has_basis() || !start_.basis.rows.empty());
         SolverResult result = search(problem_, start_, context_);
-        if (is_trivial(problem_)) return result;
+        if (result.x.empty() && is_trivial(problem_)) return result;
         if (warm && result.outcome == Outcome::kOptimal) result = with_proof(std::move(result));
         if (result.outcome == Outcome::kInfeasible) return is_mip_ ? doubted(result) : confirmed(std::move(result));
         return held(std::move(result));

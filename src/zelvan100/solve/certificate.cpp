@@ -157,7 +157,7 @@ bool is_proven_optimal(const Problem& problem, const SolverResult& result, doubl
     const int* const col = problem.col();
     const double* const val = problem.val();
     std::vector<double> rest = problem.cost;
-    double gap = 0.0, scale = 1.0;
+    double gap = 0.0;
     const auto speaks_wrong = [&](double dual, double value, double lower, double upper) {
         if (std::fabs(dual) <= tolerance) return false;
         gap += complementarity(dual, value, lower, upper);
@@ -174,9 +174,11 @@ bool is_proven_optimal(const Problem& problem, const SolverResult& result, doubl
             return false;
     }
     for (int j = 0; j < problem.num_cols(); ++j) {
-        scale += std::fabs(problem.cost[j] * result.x[j]);
         if (speaks_wrong(problem.sense * rest[j], result.x[j], problem.lb[j], problem.ub[j])) return false;
     }
+    if (gap <= kLargestGap) return true;
+    double scale = 1.0;
+    for (int j = 0; j < problem.num_cols(); ++j) scale += std::fabs(problem.cost[j] * result.x[j]);
     return gap <= kLargestGap * scale;
 }
 

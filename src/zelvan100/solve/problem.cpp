@@ -20,10 +20,12 @@ constexpr double kLargestCost = 1e20;
 constexpr double kDroppedByDefault = 1e-9;
 constexpr double kSmallestCoefficient = 1e-12;
 
+constexpr double kInf = std::numeric_limits<double>::infinity();
+
 // HiGHS means the infinity of doubles.
 double with_infinity(double value) {
-    return std::abs(value) >= kInfinityThreshold ? std::copysign(std::numeric_limits<double>::infinity(), value)
-                                                 : value;
+    const double low = value <= -kInfinityThreshold ? -kInf : value;
+    return value >= kInfinityThreshold ? kInf : low;
 }
 
 [[noreturn]] void refuse(const ModelData& data, int row, std::int64_t entry, const char* why) {
@@ -85,13 +87,14 @@ Problem::Problem(const ModelData& data)
       model_val_(data.rows.val.data()) {
     if (data.rows.num_entries() > std::numeric_limits<int>::max())
         throw Error(ZVN_ERROR_EXCEED_2B_NONZEROS, "The model has more than 2147483647 nonzeros");
+    for (auto* bounds : {&lb, &ub})
+        for (double& value : *bounds) value = with_infinity(value);
     for (int j = 0; j < num_cols(); ++j) {
         if (std::abs(cost[j]) >= kLargestCost)
             throw Error(ZVN_ERROR_NUMERIC, "The objective coefficient of variable '" + data.col_name(j) +
                                                "' is too large to solve with: less than 1e20 is possible");
-        lb[j] = with_infinity(lb[j]);
-        ub[j] = with_infinity(ub[j]);
         const char type = data.cols.type[j];
+        if (type == 'C') continue;
         integer[j] = type == 'B' || type == 'I' || type == 'N';
         if (type != 'B') continue;
         lb[j] = std::max(lb[j], 0.0);
@@ -145,7 +148,6 @@ bool Problem::is_mip() const {
 }
 
 bool Problem::has_empty_range() const {
-    constexpr double kInf = std::numeric_limits<double>::infinity();
     // Counting is quicker than finding what is hardly ever there.
     const auto has = [](const std::vector<double>& values, double value) {
         return std::count(values.begin(), values.end(), value) > 0;
@@ -212,7 +214,6 @@ void Problem::limit_objective(double value) {
     Terms terms;
     for (int j = 0; j < num_cols(); ++j)
         if (cost[j] != 0.0) terms.emplace_back(j, cost[j]);
-    constexpr double kInf = std::numeric_limits<double>::infinity();
     try {
         add_row(terms, sense > 0 ? -kInf : value, sense > 0 ? value : kInf);
     } catch (const Error& e) {
