@@ -193,3 +193,15 @@ def test_cutoff_with_large_costs(model):
     model.Params.Cutoff = 1e16
     model.optimize()
     assert model.Status == ZVN.CUTOFF
+
+
+def test_a_point_beyond_a_jump_at_an_end_refutes_nothing(model):
+    x = [model.addVar(lb=lb, ub=lb + 1, vtype=ZVN.INTEGER) for lb in (0, -1)]
+    for var in x:
+        model.setPWLObj(var, [0, 0], [0, 0])
+    row = model.addConstr(x[0] + x[1] <= -1)
+    model.optimize()
+    assert model.Status == ZVN.INFEASIBLE
+    row.RHS = 0
+    model.optimize()
+    assert (model.Status, x[0].X, x[1].X) == (ZVN.OPTIMAL, 0, 0)

@@ -15,6 +15,8 @@ namespace {
 constexpr double kInf = std::numeric_limits<double>::infinity();
 // Slopes that decrease by less than this, relatively, count as equal: they come from rounded points.
 constexpr double kSlopeTolerance = 1e-9;
+// How far beyond a jump at an end a column may be by the tolerances of a solve.
+constexpr double kAtJump = 1e-5;
 
 struct Segment {
     double width;  // infinite at an end of the function, negative infinite at its left end
@@ -200,7 +202,8 @@ double pwl_value(const PwlPoints& points, double x, double direction) {
     // The segment around x, or the end segment that is prolonged to it.
     std::size_t right = 1;
     while (right + 1 < points.size() && points[right].first < x) ++right;
-    if (points[right].first == points[right - 1].first) return points[right].second;
+    if (points[right].first == points[right - 1].first)
+        return std::abs(x - points[right].first) <= kAtJump ? points[right].second : direction * kInf;
     const auto [x0, y0] = points[right - 1];
     const auto [x1, y1] = points[right];
     return y0 + (y1 - y0) / (x1 - x0) * (x - x0);

@@ -27,7 +27,8 @@ namespace zelvan {
 // convex needs a bound on its column and none is implied.
 void bridge_pwl_objective(const ModelData& data, Problem& problem, double weight);
 
-// f(x); at a jump the smaller value for direction 1, the larger one for -1.
+// f(x); at a jump the smaller value for direction 1, the larger one for -1. Infinite, in that direction, beyond a jump
+// at an end.
 double pwl_value(const PwlPoints& points, double x, double direction);
 
 }  // namespace zelvan
