@@ -13,7 +13,13 @@ COUNT = 10000 if "ZELVAN_SANITIZED" in os.environ else 2000
 RANGES = "RANGES\n    RNG       c1        2.5          c3        -1\n"
 BOUNDS = " UP BND       x         4\n FR BND       u\n SC BND       z         9\n LI BND       y         -3\n"
 SOURCES = {
-    ".mps": [MPS.format("OBJSENSE\n    MAX\n", RANGES, BOUNDS), FIXED, MPS_TEXT, SEVERAL_MPS, MPS_TEXT.replace("    x 1\n    s", "    SOS x 1\n    SOS s")],
+    ".mps": [
+        MPS.format("OBJSENSE\n    MAX\n", RANGES, BOUNDS),
+        FIXED,
+        MPS_TEXT,
+        SEVERAL_MPS,
+        MPS_TEXT.replace("    x 1\n    s", "    SOS x 1\n    SOS s"),
+    ],
     ".lp": [
         LP_TEXT,
         SEVERAL_LP,
@@ -24,8 +30,9 @@ SOURCES = {
 WORDS = re.findall(
     r"\S+",
     """0 1 -1 nan inf -infinity 1e400 1e-400 .5. 1e+ 0x1F +-3 -- : <= >= = < > + - * / ^ [ ] ( ) \\ -> $ ; "
-    x r1 c1 c2 OBJ RHS BOUNDS ROWS COLUMNS RANGES SOS S1 S2 SOS1 s2:: S1: x:1 ENDATA NAME OBJSENSE MAX QUADOBJ N L G E UP LO FX MI BV SI
-    'MARKER' 'INTORG' Minimize Subject To st Bounds Generals Binaries Semi-Continuous End free""",
+    x r1 c1 c2 OBJ RHS BOUNDS ROWS COLUMNS RANGES ENDATA NAME OBJSENSE MAX QUADOBJ N L G E UP LO FX MI BV SI
+    'MARKER' 'INTORG' Minimize Subject To st Bounds Generals Binaries Semi-Continuous End free
+    SOS S1 S2 SOS1 s2:: S1: x:1""",
 ) + ["\t", "\r", "\0", "\x1a", "\x7f", "\xe9", "\ufeff", ""]
 
 

@@ -204,18 +204,23 @@ bool is_lp_infinity(std::string_view name) {
     return lower == "inf" || lower == "infinity";
 }
 
+// Whether a name would be read as one word, were it no keyword.
+static bool is_one_word(std::string_view name) {
+    return !name.empty() && name.size() <= ZVN_MAX_NAMELEN && (class_of(name.front()) & kStartsName) &&
+           std::all_of(name.begin(), name.end(), [](char c) { return class_of(c) & kInName; }) && is_clean_name(name);
+}
+
 bool lp_holds_label(std::string_view name) {
-    if (name.empty() || name.size() > ZVN_MAX_NAMELEN || !is_clean_name(name)) return false;
-    if (!(class_of(name.front()) & kStartsName)) return false;
-    if (!std::all_of(name.begin(), name.end(), [](char c) { return class_of(c) & kInName; })) return false;
     const std::string lower = lower_case(name);
-    return std::none_of(std::begin(kKeywords), std::end(kKeywords),
-                        [&](const Keyword& keyword) { return begins_file(keyword.section) && keyword.word == lower; });
+    return is_one_word(name) && std::none_of(std::begin(kKeywords), std::end(kKeywords), [&](const Keyword& keyword) {
+               return begins_file(keyword.section) && keyword.word == lower;
+           });
 }
 
 bool lp_holds_name(std::string_view name) {
+    if (!is_one_word(name)) return false;
     const std::string lower = lower_case(name);
-    return lp_holds_label(name) && lower != "free" && lower != "inf" && lower != "infinity" && lower != "nan" &&
+    return lower != "free" && lower != "inf" && lower != "infinity" && lower != "nan" &&
            std::none_of(std::begin(kKeywords), std::end(kKeywords),
                         [&](const Keyword& keyword) { return keyword.word == lower && keyword.second != kNumber; });
 }

@@ -14,7 +14,8 @@ constexpr std::size_t kLineLength = 100;  // a line is broken behind the term th
 
 class LpWriter {
 public:
-    LpWriter(const ModelData& data, const Warn& warn) : data_(data), names_(data, lp_holds_name, lp_holds_label, "LP", warn) {}
+    LpWriter(const ModelData& data, const Warn& warn)
+        : data_(data), names_(data, lp_holds_name, lp_holds_label, "LP", warn) {}
     std::string write();
 
 private:

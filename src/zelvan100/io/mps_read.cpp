@@ -496,7 +496,8 @@ void MpsReader::settle_objectives() {
         if (row < 0 || row_index_[row] >= 0)
             source_.fail(lines_.number(), "the objective " + quoted(name) + " is no row of type N");
     }
-    for (const auto& [objective, col, value] : objective_entries_) out_.objectives[objective].coeff.push_back(col, value);
+    for (const auto& [objective, col, value] : objective_entries_)
+        out_.objectives[objective].coeff.push_back(col, value);
     for (const auto& [col, points] : out_.pwl_obj) {
         if (points.size() < 2)
             source_.fail(lines_.number(), "the objective term of column " + quoted(col_names_.name(col)) +

@@ -47,7 +47,8 @@ FileRow file_row(const Rows& rows, int i) {
 
 class MpsWriter {
 public:
-    MpsWriter(const ModelData& data, const Warn& warn) : data_(data), names_(data, mps_holds_name, mps_holds_name, "MPS", warn) {
+    MpsWriter(const ModelData& data, const Warn& warn)
+        : data_(data), names_(data, mps_holds_name, mps_holds_name, "MPS", warn) {
         for (std::size_t k = 0; k < std::max<std::size_t>(1, data.objectives.size()); ++k) name_objective(k);
     }
     std::string write();
