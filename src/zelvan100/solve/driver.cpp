@@ -165,7 +165,8 @@ Solution solve_single(const ModelData& data, Problem problem, Context& context, 
     Claim claim{data, [&](const double* x) { return main_objective(data, x); }, {}, tolerances_of(params)};
     if (has_cutoff)
         claim.admits = [&](const double* x) { return data.sense * main_objective(data, x) <= data.sense * cutoff; };
-    SolverResult result = checked_search(problem, {user_start(data), user_basis(data, context.monitor)}, claim, context);
+    const Start start{user_start(data), user_basis(data, context.monitor)};
+    SolverResult result = checked_search(problem, start, claim, context);
     solution.status = status_of(result, context);
     if (has_cutoff)
         solution.status =

@@ -91,9 +91,9 @@ private:
     void check_costs(const std::vector<double>& cost, int priority) const {
         for (int j = 0; j < data_.cols.size(); ++j) {
             if (std::abs(cost[j]) < kInfinityThreshold) continue;
-            throw Error(ZVN_ERROR_NUMERIC,
-                        "The coefficient of variable '" + data_.col_name(j) + "' in the weighted objectives of priority " +
-                            std::to_string(priority) + " is too large to solve with: less than 1e20 is possible");
+            throw Error(ZVN_ERROR_NUMERIC, "The coefficient of variable '" + data_.col_name(j) +
+                                               "' in the weighted objectives of priority " + std::to_string(priority) +
+                                               " is too large to solve with: less than 1e20 is possible");
         }
     }
 

@@ -52,7 +52,8 @@ Extremes extremes(const SparseRows& rows, int i) {
 // Whether no entry needs a closer look. Counted without branches, as it is asked of all entries for each solve.
 bool are_ordinary(const std::vector<double>& values) {
     const auto is_ordinary = [](double value) {
-        return static_cast<int>(std::abs(value) > kDroppedByDefault) & static_cast<int>(std::abs(value) < kLargestCoefficient);
+        const int large = std::abs(value) > kDroppedByDefault, small = std::abs(value) < kLargestCoefficient;
+        return (large & small) != 0;
     };
     return std::count_if(values.begin(), values.end(), is_ordinary) == static_cast<std::ptrdiff_t>(values.size());
 }
