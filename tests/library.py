@@ -10,7 +10,7 @@ INF, UNDEFINED = 1e100, 1e101
 NULL_ARGUMENT, INVALID, UNKNOWN_ATTR, NOT_AVAILABLE = 10002, 10003, 10004, 10005
 BAD_INDEX, UNKNOWN_PARAM, BAD_VALUE, FILE_READ, FILE_WRITE = 10006, 10007, 10008, 10012, 10013
 CHAR, INT, DOUBLE, STRING = range(4)
-MODEL, VAR, CONSTR = range(3)
+MODEL, VAR, CONSTR, SOS = range(4)
 LOG_CALLBACK = ctypes.CFUNCTYPE(ctypes.c_int, ctypes.c_char_p, ctypes.c_void_p)
 
 PACKAGE = pathlib.Path(importlib.util.find_spec("zelvanpy").submodule_search_locations[0])

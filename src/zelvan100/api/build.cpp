@@ -195,7 +195,6 @@ int ZVNsetobjective(ZVNmodel* model, int sense, double constant, int lnz, const 
 int ZVNsetobjectiven(ZVNmodel* model, int index, int priority, double weight, double abstol, double reltol,
                      const char* name, double constant, int lnz, const int* lind, const double* lval) {
     return change_model(model, [&](Model& m) {
-        constexpr int kMaxObjectives = 1000;
         if (index < 0 || index >= kMaxObjectives)
             throw Error(ZVN_ERROR_INDEX_OUT_OF_RANGE, "Objective number " + std::to_string(index) +
                                                           " is not between 0 and " +

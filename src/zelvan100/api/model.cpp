@@ -8,6 +8,17 @@
 
 using namespace zelvan;
 
+namespace {
+
+std::string_view checked_model_name(std::string_view name) {
+    if (name.size() > ZVN_MAX_NAMELEN)
+        throw Error(ZVN_ERROR_INVALID_ARGUMENT, "Name of a model is longer than " + std::to_string(ZVN_MAX_NAMELEN) +
+                                                    " bytes: '" + std::string(name.substr(0, 40)) + "...'");
+    return name;
+}
+
+}  // namespace
+
 int ZVNnewmodel(ZVNenv* env, ZVNmodel** model, const char* name, int numvars, const double* obj, const double* lb,
                 const double* ub, const char* vtype, char* const* varnames) {
     if (model) *model = nullptr;
@@ -17,7 +28,7 @@ int ZVNnewmodel(ZVNenv* env, ZVNmodel** model, const char* name, int numvars, co
             throw Error(ZVN_ERROR_INVALID_ARGUMENT,
                         "The environment has not been started, so no model can be made on it");
         auto created = std::make_unique<Model>(parent);
-        if (name) created->data.name = name;
+        if (name) created->data.name = checked_model_name(name);
         if (numvars != 0) created->add_cols(numvars, obj, lb, ub, vtype, varnames);
         *model = new_model_ticket(created.get());
         created.release();

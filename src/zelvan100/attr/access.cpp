@@ -253,6 +253,7 @@ void read_texts(Model& model, int attr, int n, const int* ind, char** values) {
 
 bool readable(const Model& model, int attr) {
     const AttrSpec& spec = attr_spec(attr);
+    if (spec.available) return spec.available(model);
     try {
         if (spec.number) spec.number(model);
         if (spec.text) spec.text(model);

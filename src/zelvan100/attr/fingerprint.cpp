@@ -25,7 +25,7 @@ struct Hash {
 };
 
 // The order of the entries within a row doesn't matter.
-std::uint64_t row_hash(const Rows& rows, int i) {
+std::uint64_t row_hash(const SparseRows& rows, int i) {
     std::uint64_t sum = 0;
     for (std::int64_t k = rows.start[i]; k < rows.start[i + 1]; ++k) {
         Hash entry;
@@ -55,6 +55,10 @@ double fingerprint(const Model& m) {
         hash.add(lower);
         hash.add(upper);
         hash.add(row_hash(data.rows, i));
+    }
+    for (int k = 0; k < data.sos.size(); ++k) {
+        hash.add(static_cast<std::uint64_t>(data.sos.type[k]));
+        hash.add(row_hash(data.sos, k));
     }
     for (std::size_t k = 0; k < data.objectives.size(); ++k) {
         const Objective& objective = data.objectives[k];

@@ -35,7 +35,13 @@ Range range_of(std::initializer_list<const std::vector<double>*> arrays) {
 
 Range bound_range(const Model& m) { return range_of({&m.data.cols.lb, &m.data.cols.ub}); }
 
-Range rhs_range(const Model& m) { return range_of({&m.data.rows.rhs, &m.data.rows.lower}); }
+Range rhs_range(const Model& m) {
+    const Rows& rows = m.data.rows;
+    Range range = range_of({&rows.rhs});
+    for (int i = 0; i < rows.size(); ++i)
+        if (rows.sense[i] == 'R') range.add({rows.lower[i]});
+    return range;
+}
 
 }  // namespace
 

@@ -94,6 +94,10 @@ template <Option option>
 Values row_option(const Model& m) {
     return option_values(m.data.rows, option);
 }
+template <Option option>
+Values sos_option(const Model& m) {
+    return option_values(m.data.sos, option);
+}
 
 // --- quality.cpp: how far the solution is off. A measure gives the largest amount, the index where it
 // occurs (-1 when all amounts are 0) and the sum.

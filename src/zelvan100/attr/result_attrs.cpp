@@ -29,11 +29,11 @@ int selected_solution(const Model& m) {
     return number;
 }
 
-// The basis that was set for the next solve, otherwise the one of the latest solve.
-Values basis(const std::vector<int>& solved, const Values& set) {
-    if (set.doubles) return set;
-    if (solved.empty()) throw missing("no basis is available");
-    return Values::of(solved);
+Values basis(const Model& m, Kind kind) {
+    const Model::BasisStatuses statuses = m.basis_statuses(kind);
+    if (statuses.set) return Values::of(*statuses.set);
+    if (!statuses.solved) throw missing("no basis is available");
+    return Values::of(*statuses.solved);
 }
 
 }  // namespace
@@ -81,9 +81,9 @@ Values reduced_costs(const Model& m) { return present(m.solution.rc, m.num_cols(
 Values duals(const Model& m) { return present(m.solution.pi, m.num_rows(), m, kNoDuals); }
 Values slacks(const Model& m) { return present(m.solution.slack, m.num_rows(), m, kNoSolution); }
 
-Values column_basis(const Model& m) { return basis(m.solution.vbasis, column_option<Option::kColumnBasis>(m)); }
+Values column_basis(const Model& m) { return basis(m, Kind::kColumn); }
 
-Values row_basis(const Model& m) { return basis(m.solution.cbasis, row_option<Option::kRowBasis>(m)); }
+Values row_basis(const Model& m) { return basis(m, Kind::kRow); }
 
 Values unbounded_ray(const Model& m) {
     return present(m.solution.ray, m.num_cols(), m,

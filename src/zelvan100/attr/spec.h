@@ -43,6 +43,8 @@ struct AttrSpec {
     double (*value_at)(const Model&, int) = nullptr;  // of columns or rows, one by one
     Texts (*texts)(const Model&) = nullptr;           // of columns or rows
     const char* why = "";
+    // Whether there is a value, for readers that compute long.
+    bool (*available)(const Model&) = nullptr;
     // What may be written: numbers within [minimum, maximum], one of the letters, texts of at most max_length.
     double minimum = 0.0, maximum = 0.0;
     const char* letters = nullptr;
@@ -52,6 +54,11 @@ struct AttrSpec {
     const WriteRule* rule = nullptr;
     const TextRule* text_rule = nullptr;
 
+    constexpr AttrSpec when(bool (*has_value)(const Model&)) const {
+        AttrSpec spec = *this;
+        spec.available = has_value;
+        return spec;
+    }
     constexpr AttrSpec set(double lower, double upper, const WriteRule& how) const {
         AttrSpec spec = *this;
         spec.settable = true;

@@ -4,6 +4,7 @@
 
 #include "attr/readers.h"
 #include "core/name_index.h"
+#include "solve/kappa.h"
 
 namespace zelvan {
 
@@ -96,8 +97,8 @@ constexpr AttrSpec kAttrs[] = {
     model_int("IsQCP", none),
     model_int("IsMultiObj", is_multi_objective_number),
     absent("IISMinimal", kInt, Kind::kModel, kNoIis),
-    model_dbl("Kappa", condition_estimate),
-    model_dbl("KappaExact", condition),
+    model_dbl("Kappa", condition_estimate).when(has_basis),
+    model_dbl("KappaExact", condition).when(has_basis),
     model_dbl("MaxCoeff", max_coeff),
     model_dbl("MinCoeff", min_coeff),
     model_dbl("MaxBound", max_bound),
@@ -184,8 +185,8 @@ constexpr AttrSpec kAttrs[] = {
     texts("CTag", Kind::kRow, row_tags).set_text(ZVN_MAX_TAGLEN, rules::kRowTag),
 
     // SOS
-    absent("IISSOS", kInt, Kind::kSos, kNoObject),
-    absent("IISSOSForce", kInt, Kind::kSos, kNoObject, true),
+    absent("IISSOS", kInt, Kind::kSos, kNoIis),
+    column("IISSOSForce", kInt, sos_option<Option::kIisForce>, Kind::kSos).set(-1, 1, rules::kSosOption<Option::kIisForce>),
 
     // Quadratic constraints
     absent("QCSense", kChar, Kind::kQuadRow, kNoObject, true),
@@ -255,7 +256,7 @@ constexpr AttrSpec kAttrs[] = {
     model_dbl("ObjNAbsTol", objective_n_abs_tol).set(0, kInfinity, rules::kAbsTol),
     model_dbl("ObjNVal", objective_n_value),
     model_str("ObjNName", objective_n_name).set_text(ZVN_MAX_NAMELEN, rules::kObjectiveName),
-    model_int("NumObj", num_objectives).set(0, 1000000, rules::kNumObjectives),
+    model_int("NumObj", num_objectives).set(0, kMaxObjectives, rules::kNumObjectives),
 
     // Several scenarios
     absent("ScenNLB", kDouble, Kind::kColumn, kNoScenarios, true),

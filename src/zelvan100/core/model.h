@@ -113,6 +113,9 @@ public:
     void write_number(const WriteRule& rule, int index, double value, int number = 0);
     // Makes room for so many writes: they can't fail any more, and the queue isn't moved between them.
     void reserve_writes(int num);
+    // A value for each of the objects, or for those of the indices.
+    void write_numbers(const WriteRule& rule, const std::vector<int>& values);
+    void write_numbers(const WriteRule& rule, const std::vector<int>& index, const std::vector<double>& values);
     // The same for so many texts of `bytes` together.
     void reserve_texts(int num, std::size_t bytes);
     void write_text(const TextRule& rule, int index, std::string value, int number = 0) noexcept;
@@ -126,6 +129,14 @@ public:
     // What happened to the numbering since follow_changes() was called.
     Changes changes;
     void follow_changes() { changes = {stamp, {num_cols(), {}}, {num_rows(), {}}}; }
+
+    // Basis statuses of the columns or rows: those set for the next solve, otherwise those of the latest one. nullptr
+    // for both when there is no basis.
+    struct BasisStatuses {
+        const std::vector<double>* set = nullptr;
+        const std::vector<int>* solved = nullptr;
+    };
+    BasisStatuses basis_statuses(Kind kind) const;
 
     // Index of the column or row of that name, -1 when there is none.
     int find_col(std::string_view name);

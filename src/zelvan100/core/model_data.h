@@ -75,6 +75,8 @@ struct Objective {
     SparseVector coeff;  // empty for objective 0
 };
 
+inline constexpr int kMaxObjectives = 1000000;
+
 using PwlPoints = std::vector<std::pair<double, double>>;  // (x, y), x not decreasing
 
 // The objects of a model, or those that wait for its update.

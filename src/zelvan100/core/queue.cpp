@@ -355,6 +355,16 @@ void Model::write_number(const WriteRule& rule, int index, double value, int num
     if (&rule == &rules::kNumObjectives) queue.num_objectives = static_cast<int>(value);
 }
 
+void Model::write_numbers(const WriteRule& rule, const std::vector<int>& values) {
+    reserve_writes(static_cast<int>(values.size()));
+    for (std::size_t i = 0; i < values.size(); ++i) write_number(rule, static_cast<int>(i), values[i]);
+}
+
+void Model::write_numbers(const WriteRule& rule, const std::vector<int>& index, const std::vector<double>& values) {
+    reserve_writes(static_cast<int>(values.size()));
+    for (std::size_t k = 0; k < index.size(); ++k) write_number(rule, index[k], values[k]);
+}
+
 void Model::reserve_texts(int num, std::size_t bytes) {
     if (queue.text_bytes + bytes > queue.text_limit) drop_replaced_texts();
     make_room(queue.writes, num);

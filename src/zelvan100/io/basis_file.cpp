@@ -1,9 +1,7 @@
 #include "io/basis_file.h"
 
 #include <algorithm>
-#include <numeric>
 
-#include "attr/access.h"
 #include "io/io.h"
 #include "io/letters.h"
 #include "io/lines.h"
@@ -97,24 +95,18 @@ private:
     bool ended_ = false;
 };
 
-void queue_statuses(Model& model, Attr attr, const std::vector<int>& statuses) {
-    std::vector<int> index(statuses.size());
-    std::iota(index.begin(), index.end(), 0);
-    write_numbers(model, static_cast<int>(attr), static_cast<int>(index.size()), index.data(), statuses.data());
-}
-
-std::vector<int> statuses_of(const Model& model, Attr attr, int size) {
-    std::vector<int> index(size), statuses(size);
-    std::iota(index.begin(), index.end(), 0);
-    read_numbers(model, static_cast<int>(attr), size, index.data(), statuses.data());
-    return statuses;
+std::vector<int> statuses_of(const Model& model, Kind kind) {
+    const Model::BasisStatuses statuses = model.basis_statuses(kind);
+    if (statuses.set) return {statuses.set->begin(), statuses.set->end()};
+    if (statuses.solved) return *statuses.solved;
+    throw Error(ZVN_ERROR_DATA_NOT_AVAILABLE, "There is no basis to write");
 }
 
 }  // namespace
 
 void write_basis(Model& model, const std::string& path) {
-    const std::vector<int> cols = statuses_of(model, Attr::VBasis, model.num_cols());
-    const std::vector<int> rows = statuses_of(model, Attr::CBasis, model.num_rows());
+    const std::vector<int> cols = statuses_of(model, Kind::kColumn);
+    const std::vector<int> rows = statuses_of(model, Kind::kRow);
     const ModelData& data = model.data;
     std::string text = "NAME\n";
     int i = 0;  // the next row to stand beside a basic column
@@ -132,8 +124,9 @@ void write_basis(Model& model, const std::string& path) {
 
 void read_basis(Model& model, const std::string& path) {
     const Statuses statuses = Reader(model, path).read();
-    queue_statuses(model, Attr::VBasis, statuses.cols);
-    queue_statuses(model, Attr::CBasis, statuses.rows);
+    model.reserve_writes(static_cast<int>(statuses.cols.size() + statuses.rows.size()));
+    model.write_numbers(rules::kColumnOption<Option::kColumnBasis>, statuses.cols);
+    model.write_numbers(rules::kRowOption<Option::kRowBasis>, statuses.rows);
 }
 
 }  // namespace zelvan

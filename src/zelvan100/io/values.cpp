@@ -2,7 +2,6 @@
 
 #include <cmath>
 
-#include "attr/access.h"
 #include "io/io.h"
 #include "io/lines.h"
 #include "io/number.h"
@@ -104,22 +103,18 @@ void write_priorities(Model& model, const std::string& path) {
 
 void read_start(Model& model, const std::string& path) {
     const NamedValues read = read_values(model, path);
-    write_numbers(model, static_cast<int>(Attr::Start), static_cast<int>(read.col.size()), read.col.data(),
-                  read.value.data());
+    model.write_numbers(rules::kColumnOption<Option::kStart>, read.col, read.value);
     log_unknown(model, path, read.unknown);
 }
 
 void read_priorities(Model& model, const std::string& path) {
     const NamedValues read = read_values(model, path);
-    std::vector<int> priority;
     for (std::size_t k = 0; k < read.value.size(); ++k) {
         if (!(std::fabs(read.value[k]) <= ZVN_MAXINT) || read.value[k] != std::floor(read.value[k]))
             throw Error(ZVN_ERROR_FILE_READ, "File '" + path + "': the priority of variable " +
                                                  quoted(model.data.col_name(read.col[k])) + " is not an integer");
-        priority.push_back(static_cast<int>(read.value[k]));
     }
-    write_numbers(model, static_cast<int>(Attr::BranchPriority), static_cast<int>(read.col.size()), read.col.data(),
-                  priority.data());
+    model.write_numbers(rules::kColumnOption<Option::kBranchPriority>, read.col, read.value);
     log_unknown(model, path, read.unknown);
 }
 

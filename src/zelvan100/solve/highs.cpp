@@ -524,10 +524,6 @@ std::vector<double> HighsSession::certificate(std::size_t size, int (*get)(const
     return status != kHighsStatusError && found ? ray : std::vector<double>();
 }
 
-bool HighsSession::has_size(int num_rows, int num_cols) const {
-    return static_cast<int>(row_lower_.size()) == num_rows && static_cast<int>(cost_.size()) == num_cols;
-}
-
 bool HighsSession::solve_basis(bool transposed, std::vector<double>& v) {
     std::vector<HighsInt> basic(row_lower_.size());
     if (Highs_getBasicVariables(highs_, basic.data()) == kHighsStatusError) return false;  // factors the basis

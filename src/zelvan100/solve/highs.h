@@ -109,8 +109,6 @@ public:
     std::vector<double> dual_ray();
     std::vector<double> primal_ray();
 
-    // Whether the loaded model has as many rows and columns.
-    bool has_size(int num_rows, int num_cols) const;
     // Replaces v by the solution of B x = v, or of its transpose, with the basis matrix B; false when HiGHS
     // has no basis that it can factor.
     bool solve_basis(bool transposed, std::vector<double>& v);

@@ -70,22 +70,27 @@ std::optional<double> estimated_inverse_norm(HighsSession& session, int n) {
     return std::max(estimate, *other);
 }
 
-// The basis of the solution into HiGHS: another instance may have found it.
-bool place_basis(const Model& model) {
+Basis basis_of(const Model& model) {
     Basis basis{model.solution.vbasis, model.solution.cbasis};
     for (int i = 0; i < model.num_rows(); ++i) basis.rows[i] = side_status(basis.rows[i], model.data.rows.sense[i]);
-    return model.session->set_basis(std::move(basis));
+    return basis;
 }
 
 }  // namespace
 
+bool has_basis(const Model& model) {
+    return model.num_rows() > 0 && !model.solution.vbasis.empty() && !model.solution.cbasis.empty();
+}
+
+// A session of its own: the model's goes on from where its solve left it.
 double basis_condition(const Model& model, bool exact) {
-    const Solution& solution = model.solution;
+    if (!has_basis(model)) return kUndefined;
+    HighsSession session;
+    session.load(Problem(model.data));
+    if (!session.set_basis(basis_of(model))) return kUndefined;
     const int n = model.num_rows();
-    if (!model.session || n == 0 || solution.vbasis.empty() || solution.cbasis.empty()) return kUndefined;
-    if (!model.session->has_size(n, model.num_cols()) || !place_basis(model)) return kUndefined;
-    const auto inverse = exact ? exact_inverse_norm(*model.session, n) : estimated_inverse_norm(*model.session, n);
-    return inverse ? basis_norm(model.data, solution) * *inverse : kUndefined;
+    const auto inverse = exact ? exact_inverse_norm(session, n) : estimated_inverse_norm(session, n);
+    return inverse ? basis_norm(model.data, model.solution) * *inverse : kUndefined;
 }
 
 }  // namespace zelvan
