@@ -34,19 +34,19 @@ bool widen_to_hull(Problem& problem, int j) {
 
 void bridge_semi_continuous(const ModelData& data, Problem& problem) {
     std::vector<Gap> gaps;
-    bool bounded = true;
     for (int j = 0; j < data.cols.size(); ++j) {
         if (data.cols.type[j] != 'S' && data.cols.type[j] != 'N') continue;
         const Gap gap{j, problem.lb[j], problem.ub[j]};
-        if (!widen_to_hull(problem, j)) continue;
-        gaps.push_back(gap);
-        bounded = bounded && std::isfinite(gap.lower) && std::isfinite(gap.upper);
+        if (widen_to_hull(problem, j)) gaps.push_back(gap);
     }
     if (gaps.empty()) return;
-    const ColumnBounds implied = bounded ? ColumnBounds() : implied_bounds(problem);
+    const ColumnBounds implied = implied_bounds(problem);
     for (Gap& gap : gaps) {
-        if (std::isinf(gap.lower)) gap.lower = implied.lb[gap.col];
-        if (std::isinf(gap.upper)) gap.upper = implied.ub[gap.col];
+        // The side behind the gap may come nearer to it, but not within.
+        if (gap.lower > 0.0)
+            gap.upper = std::clamp(implied.ub[gap.col], gap.lower, gap.upper);
+        else
+            gap.lower = std::clamp(implied.lb[gap.col], gap.lower, gap.upper);
         if (std::isinf(gap.lower) || std::isinf(gap.upper))
             throw Error(ZVN_ERROR_NOT_SUPPORTED,
                         "The semi-continuous variable '" + data.col_name(gap.col) +

@@ -6,7 +6,7 @@
 //   An interval that holds 0 already is kept as plain bounds, an empty one fixes x at 0.
 //
 // Takes
-//   columns of type 'S' and 'N'; an infinite bound behind the gap is replaced by what the rows imply
+//   columns of type 'S' and 'N'; of their bounds behind the gap, own and implied, the one nearer to 0
 //
 // Makes
 //   for each such column one binary column and two rows; x keeps its place, so values map back by themselves

@@ -9,6 +9,7 @@
 
 #include "bridge/pwl_objective.h"
 #include "bridge/semi_continuous.h"
+#include "bridge/sos.h"
 #include "core/error.h"
 #include "io/data_files.h"
 #include "io/values.h"
@@ -188,6 +189,7 @@ Solution solve(Model& model) {
     Problem problem(data);
     problem.follow(model.stamp, model.changes);
     bridge_semi_continuous(data, problem);
+    bridge_sos(data, problem);
     if (!model.session) model.session = std::make_shared<HighsSession>();
     Context context(*model.session, monitor);
     Solution solution =
