@@ -45,8 +45,11 @@ lib.Highs_getObjectiveValue.restype = Double
 
 
 def instances(wanted=()):
-    """Paths of the linear instances, or of those only that are named in `wanted`."""
+    """Paths of the linear instances, or of those only that are named in `wanted`; none without their folder."""
     folder = find_shared_data()
+    if folder is None:
+        print("  no instances: set ZELVAN_SHARED_DATA to the folder that has reference.csv")
+        return
     for line in (folder / "reference.csv").read_text().splitlines()[1:]:
         name, kind = line.split(",")[:2]
         if kind != "QP" and name.endswith(".mps") and (not wanted or name in wanted):

@@ -104,9 +104,13 @@ def test_a_bound_that_only_rows_imply_is_enough(env):
 
 
 def test_an_infinite_bound_is_refused_with_the_names(env):
-    with build(env, [(0.0, INFINITY, 1.0), (0.0, 1.0, -1.0)], [], [(1, [(0, 1.0), (1, 2.0)])]) as model:
-        with pytest.raises(LibraryError, match="Variable 'x0' of the special ordered set .* has an infinite bound"):
-            model.call("ZVNoptimize")
+    fault = "Variable 'x0' of the special ordered set .* has an infinite bound"
+    columns = [(0.0, INFINITY, 1.0), (0.0, 1.0, -1.0)]
+    with (
+        build(env, columns, [], [(1, [(0, 1.0), (1, 2.0)])]) as model,
+        pytest.raises(LibraryError, match=fault),
+    ):
+        model.call("ZVNoptimize")
 
 
 def test_sets_come_and_go_between_solves(env):

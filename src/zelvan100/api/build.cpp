@@ -93,10 +93,9 @@ void get_rows(const SparseRows& rows, int size, Kind kind, int* numnz, int* beg,
               int num) {
     require(numnz, "numnz");
     if (start < 0 || num < 0 || start > size - num)
-        throw Error(ZVN_ERROR_INDEX_OUT_OF_RANGE, std::string("Not all ") + spec_of(kind).plural + " from " +
-                                                      std::to_string(start) + " to " +
-                                                      std::to_string(static_cast<long long>(start) + num - 1) +
-                                                      " are in the model");
+        throw Error(ZVN_ERROR_INDEX_OUT_OF_RANGE,
+                    std::string("Not all ") + spec_of(kind).plural + " from " + std::to_string(start) + " to " +
+                        std::to_string(static_cast<long long>(start) + num - 1) + " are in the model");
     const std::int64_t first = rows.start[start], count = rows.start[start + num] - first;
     if (count > ZVN_MAXINT)
         throw Error(ZVN_ERROR_EXCEED_2B_NONZEROS, "The rows have more than 2 billion entries; ask for fewer rows");
@@ -124,9 +123,7 @@ int ZVNdelconstrs(ZVNmodel* model, int num, const int* ind) { return delete_obje
 
 int ZVNdelsos(ZVNmodel* model, int num, const int* ind) { return delete_objects(model, Kind::kSos, num, ind); }
 
-int ZVNdelqconstrs(ZVNmodel* model, int num, const int* ind) {
-    return delete_objects(model, Kind::kQuadRow, num, ind);
-}
+int ZVNdelqconstrs(ZVNmodel* model, int num, const int* ind) { return delete_objects(model, Kind::kQuadRow, num, ind); }
 
 int ZVNdelgenconstrs(ZVNmodel* model, int num, const int* ind) {
     return delete_objects(model, Kind::kGeneral, num, ind);
@@ -172,9 +169,8 @@ int ZVNgetconstrbyname(ZVNmodel* model, const char* name, int* index) {
 }
 
 int ZVNgetconstrs(ZVNmodel* model, int* numnz, int* beg, int* ind, double* val, int start, int num) {
-    return read_model(model, [&](Model& m) {
-        get_rows(m.data.rows, m.num_rows(), Kind::kRow, numnz, beg, ind, val, start, num);
-    });
+    return read_model(
+        model, [&](Model& m) { get_rows(m.data.rows, m.num_rows(), Kind::kRow, numnz, beg, ind, val, start, num); });
 }
 
 int ZVNsetobjective(ZVNmodel* model, int sense, double constant, int lnz, const int* lind, const double* lval, int qnz,

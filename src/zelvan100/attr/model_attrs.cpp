@@ -73,9 +73,7 @@ double num_binary_vars(const Model& m) {
 
 double num_pwl_vars(const Model& m) { return static_cast<double>(m.data.pwl_obj.size()); }
 
-double num_starts(const Model& m) {
-    return m.data.cols.optional.find(Option::kStart) ? 1.0 : 0.0;
-}
+double num_starts(const Model& m) { return m.data.cols.optional.find(Option::kStart) ? 1.0 : 0.0; }
 
 double none(const Model&) { return 0.0; }
 

@@ -144,18 +144,25 @@ constexpr AttrSpec kAttrs[] = {
     column("RC", kDouble, reduced_costs),
     column("Xn", kDouble, pool_values),
     absent("BarX", kDouble, Kind::kColumn, kNoBarX),
-    column("Start", kDouble, column_option<Option::kStart>).set(-kUndefined, kUndefined, rules::kColumnOption<Option::kStart>),
-    column("VarHintVal", kDouble, column_option<Option::kHintValue>).set(-kUndefined, kUndefined, rules::kColumnOption<Option::kHintValue>),
-    column("VarHintPri", kInt, column_option<Option::kHintPriority>).set(-kMaxInt, kMaxInt, rules::kColumnOption<Option::kHintPriority>),
-    column("BranchPriority", kInt, column_option<Option::kBranchPriority>).set(-kMaxInt, kMaxInt, rules::kColumnOption<Option::kBranchPriority>),
-    column("Partition", kInt, column_option<Option::kPartition>).set(-1, kMaxInt, rules::kColumnOption<Option::kPartition>),
+    column("Start", kDouble, column_option<Option::kStart>)
+        .set(-kUndefined, kUndefined, rules::kColumnOption<Option::kStart>),
+    column("VarHintVal", kDouble, column_option<Option::kHintValue>)
+        .set(-kUndefined, kUndefined, rules::kColumnOption<Option::kHintValue>),
+    column("VarHintPri", kInt, column_option<Option::kHintPriority>)
+        .set(-kMaxInt, kMaxInt, rules::kColumnOption<Option::kHintPriority>),
+    column("BranchPriority", kInt, column_option<Option::kBranchPriority>)
+        .set(-kMaxInt, kMaxInt, rules::kColumnOption<Option::kBranchPriority>),
+    column("Partition", kInt, column_option<Option::kPartition>)
+        .set(-1, kMaxInt, rules::kColumnOption<Option::kPartition>),
     column("VBasis", kInt, column_basis).set(ZVN_SUPERBASIC, ZVN_BASIC, rules::kColumnOption<Option::kColumnBasis>),
     {"PWLObjCvx", kInt, Kind::kColumn, false, nullptr, nullptr, nullptr, pwl_convex},
     column("PoolIgnore", kInt, column_option<Option::kPoolIgnore>).set(0, 1, rules::kColumnOption<Option::kPoolIgnore>),
     absent("IISLB", kInt, Kind::kColumn, kNoIis),
     absent("IISUB", kInt, Kind::kColumn, kNoIis),
-    column("IISLBForce", kInt, column_option<Option::kIisLowerForce>).set(-1, 1, rules::kColumnOption<Option::kIisLowerForce>),
-    column("IISUBForce", kInt, column_option<Option::kIisUpperForce>).set(-1, 1, rules::kColumnOption<Option::kIisUpperForce>),
+    column("IISLBForce", kInt, column_option<Option::kIisLowerForce>)
+        .set(-1, 1, rules::kColumnOption<Option::kIisLowerForce>),
+    column("IISUBForce", kInt, column_option<Option::kIisUpperForce>)
+        .set(-1, 1, rules::kColumnOption<Option::kIisUpperForce>),
     absent("SAObjLow", kDouble, Kind::kColumn, kNoSensitivity),
     absent("SAObjUp", kDouble, Kind::kColumn, kNoSensitivity),
     absent("SALBLow", kDouble, Kind::kColumn, kNoSensitivity),
@@ -163,7 +170,8 @@ constexpr AttrSpec kAttrs[] = {
     absent("SAUBLow", kDouble, Kind::kColumn, kNoSensitivity),
     absent("SAUBUp", kDouble, Kind::kColumn, kNoSensitivity),
     column("UnbdRay", kDouble, unbounded_ray),
-    column("PStart", kDouble, column_option<Option::kPrimalStart>).set(-kUndefined, kUndefined, rules::kColumnOption<Option::kPrimalStart>),
+    column("PStart", kDouble, column_option<Option::kPrimalStart>)
+        .set(-kUndefined, kUndefined, rules::kColumnOption<Option::kPrimalStart>),
     absent("PreFixVal", kDouble, Kind::kColumn, kNoPresolved),
     absent("VarPreStat", kInt, Kind::kColumn, kNoPresolved),
     texts("VTag", Kind::kColumn, column_tags).set_text(ZVN_MAX_TAGLEN, rules::kColumnTag),
@@ -180,13 +188,15 @@ constexpr AttrSpec kAttrs[] = {
     absent("SARHSLow", kDouble, Kind::kRow, kNoSensitivity),
     absent("SARHSUp", kDouble, Kind::kRow, kNoSensitivity),
     row("FarkasDual", kDouble, farkas_dual),
-    row("DStart", kDouble, row_option<Option::kDualStart>).set(-kUndefined, kUndefined, rules::kRowOption<Option::kDualStart>),
+    row("DStart", kDouble, row_option<Option::kDualStart>)
+        .set(-kUndefined, kUndefined, rules::kRowOption<Option::kDualStart>),
     row("Lazy", kInt, row_option<Option::kLazy>).set(-1, 3, rules::kRowOption<Option::kLazy>),
     texts("CTag", Kind::kRow, row_tags).set_text(ZVN_MAX_TAGLEN, rules::kRowTag),
 
     // SOS
     absent("IISSOS", kInt, Kind::kSos, kNoIis),
-    column("IISSOSForce", kInt, sos_option<Option::kIisForce>, Kind::kSos).set(-1, 1, rules::kSosOption<Option::kIisForce>),
+    column("IISSOSForce", kInt, sos_option<Option::kIisForce>, Kind::kSos)
+        .set(-1, 1, rules::kSosOption<Option::kIisForce>),
 
     // Quadratic constraints
     absent("QCSense", kChar, Kind::kQuadRow, kNoObject, true),
@@ -248,7 +258,8 @@ constexpr AttrSpec kAttrs[] = {
     model_dbl("IntVioSum", sum<integrality_violation, false>),
 
     // Several objectives
-    AttrSpec{"ObjN", kDouble, Kind::kColumn, false, nullptr, nullptr, nullptr, objective_n}.set(-kLargestFinite, kLargestFinite, rules::kObjectiveCost),
+    AttrSpec{"ObjN", kDouble, Kind::kColumn, false, nullptr, nullptr, nullptr, objective_n}.set(
+        -kLargestFinite, kLargestFinite, rules::kObjectiveCost),
     model_dbl("ObjNCon", objective_n_constant).set(-kLargestFinite, kLargestFinite, rules::kObjectiveConstant),
     model_int("ObjNPriority", objective_n_priority).set(-kMaxInt, kMaxInt, rules::kPriority),
     model_dbl("ObjNWeight", objective_n_weight).set(-kLargestFinite, kLargestFinite, rules::kWeight),

@@ -39,8 +39,8 @@ int Model::find_row(std::string_view name) { return find(data.rows.names, name, 
 
 Model::BasisStatuses Model::basis_statuses(Kind kind) const {
     const bool cols = kind == Kind::kColumn;
-    if (const auto* set = cols ? data.cols.optional.find(Option::kColumnBasis)
-                               : data.rows.optional.find(Option::kRowBasis))
+    if (const auto* set =
+            cols ? data.cols.optional.find(Option::kColumnBasis) : data.rows.optional.find(Option::kRowBasis))
         return {set, nullptr};
     const std::vector<int>& solved = cols ? solution.vbasis : solution.cbasis;
     return {nullptr, solved.empty() ? nullptr : &solved};

@@ -4,7 +4,6 @@
 
 namespace zelvan {
 
-
 void Columns::push_back(double lower, double upper, double cost, char vtype, std::string_view name) {
     lb.push_back(clipped(lower));
     ub.push_back(clipped(upper));
@@ -66,8 +65,7 @@ int Families::size(Kind kind) const {
 }
 
 bool ModelData::is_mip() const {
-    return sos.size() > 0 ||
-           std::any_of(cols.type.begin(), cols.type.end(), [](char type) { return type != 'C'; });
+    return sos.size() > 0 || std::any_of(cols.type.begin(), cols.type.end(), [](char type) { return type != 'C'; });
 }
 
 ColumnMajor ModelData::by_columns() const {

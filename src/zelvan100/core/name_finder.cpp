@@ -44,9 +44,8 @@ void NameFinder::take_in(const Names& names) {
     std::merge(keys_.begin(), keys_.end(), recent_.begin(), recent_.end(), std::back_inserter(keys));
     // Keys of former names go, or they would pile up.
     keys.erase(std::unique(keys.begin(), keys.end()), keys.end());
-    std::erase_if(keys, [&](const Key& key) {
-        return !names.has(key.second) || hash_of(names.get(key.second)) != key.first;
-    });
+    std::erase_if(
+        keys, [&](const Key& key) { return !names.has(key.second) || hash_of(names.get(key.second)) != key.first; });
     keys_ = std::move(keys);
     recent_.clear();
 }

@@ -30,10 +30,10 @@ private:
     void insert(const Names& names, int i);
     int first_of(const Names& names, std::string_view name, std::uint64_t hash) const;
 
-    std::vector<Key> keys_;   // sorted
-    std::set<Key> recent_;    // few against keys_
+    std::vector<Key> keys_;     // sorted
+    std::set<Key> recent_;      // few against keys_
     std::vector<int> renamed_;  // not yet taken in
-    int known_ = 0;           // objects taken in
+    int known_ = 0;             // objects taken in
 };
 
 }  // namespace zelvan

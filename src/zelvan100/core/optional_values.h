@@ -30,9 +30,8 @@ enum class Option : int {
 };
 
 // The value of an option where it was never set, in the order of Option.
-inline constexpr double kUnset[] = {
-    kUndefined, kUndefined, 0.0, 0.0, 0.0, ZVN_NONBASIC_LOWER, 0.0, -1.0, -1.0, kUndefined, ZVN_BASIC, -1.0,
-    kUndefined, 0.0};
+inline constexpr double kUnset[] = {kUndefined, kUndefined, 0.0,        0.0,       0.0,  ZVN_NONBASIC_LOWER, 0.0,
+                                    -1.0,       -1.0,       kUndefined, ZVN_BASIC, -1.0, kUndefined,         0.0};
 
 constexpr double unset(Option option) { return kUnset[static_cast<int>(option)]; }
 

@@ -60,8 +60,7 @@ SparseVector with_writes(const SparseVector* base, std::vector<std::pair<int, do
 
 }  // namespace
 
-Update::Update(Model& model)
-    : model_(model), data_(model.data), queue_(model.queue), changed_(changes_problem()) {
+Update::Update(Model& model) : model_(model), data_(model.data), queue_(model.queue), changed_(changes_problem()) {
     plan_entries();
     plan_helpers();
     plan_texts();
@@ -165,8 +164,8 @@ void Update::plan_options() {
         else if (*write.rule->option == Option::kStart)
             drops_starts_ = false;
     }
-    for (Identity* family : {static_cast<Identity*>(&data_.cols), static_cast<Identity*>(&data_.rows),
-                             static_cast<Identity*>(&data_.sos)})
+    for (Identity* family :
+         {static_cast<Identity*>(&data_.cols), static_cast<Identity*>(&data_.rows), static_cast<Identity*>(&data_.sos)})
         family->optional.make_room(options_.size());
 }
 
@@ -220,7 +219,8 @@ void Update::plan_deletion(Kind kind, Deletion& deletion) {
     int next = 0;
     for (std::size_t i = 0; i < deletion.keep.size(); ++i) deletion.number[i] = deletion.keep[i] ? next++ : -1;
     if (model_.changes.since == 0 || kind == Kind::kSos) return;
-    deletion.followed = (kind == Kind::kColumn ? model_.changes.cols : model_.changes.rows).deleted_after(deletion.keep);
+    deletion.followed =
+        (kind == Kind::kColumn ? model_.changes.cols : model_.changes.rows).deleted_after(deletion.keep);
 }
 
 // Sense and right-hand side of a row may be written one after the other, so they are held against each other here.

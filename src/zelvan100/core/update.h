@@ -20,8 +20,8 @@ public:
 private:
     // What happens to the objects of one kind.
     struct Deletion {
-        std::vector<char> keep;   // empty when none is deleted, otherwise one for each object, additions included
-        std::vector<int> number;  // the new numbers, negative for deleted objects
+        std::vector<char> keep;     // empty when none is deleted, otherwise one for each object, additions included
+        std::vector<int> number;    // the new numbers, negative for deleted objects
         std::vector<int> followed;  // ListChange::deleted afterwards
     };
     struct NewOption {

@@ -97,8 +97,7 @@ const TextRule kColumnTag{Kind::kColumn, [](Families& f) -> Names& { return f.co
 const TextRule kRowName{Kind::kRow, [](Families& f) -> Names& { return f.rows.names; }, nullptr, true};
 const TextRule kRowTag{Kind::kRow, [](Families& f) -> Names& { return f.rows.tags; }};
 const TextRule kModelName{Kind::kModel, nullptr, [](ModelData& data, int) -> std::string& { return data.name; }};
-const TextRule kObjectiveName{Kind::kModel, nullptr, [](ModelData& data, int number) -> std::string& {
-                                  return data.objectives[number].name;
-                              }};
+const TextRule kObjectiveName{Kind::kModel, nullptr,
+                              [](ModelData& data, int number) -> std::string& { return data.objectives[number].name; }};
 
 }  // namespace zelvan::rules

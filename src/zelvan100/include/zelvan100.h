@@ -244,11 +244,12 @@ ZVN_API int ZVNaddrangeconstr(ZVNmodel* model, int numnz, const int* ind, const 
 ZVN_API int ZVNclean2(int* numnz, int* ind, double* val);
 /* The same for quadratic terms, (i, j) and (j, i) being one. */
 ZVN_API int ZVNclean3(int* numqnz, int* qrow, int* qcol, double* qval);
-/* Queue numsos special ordered sets. types[k] is 1 (at most one member is not 0) or 2 (at most two, which are neighbours
- * in the order of the weights); beg[k] is the start of set k in ind (variables) and weight. */
+/* Queue numsos special ordered sets. types[k] is 1 (at most one member is not 0) or 2 (at most two, which are
+ * neighbours in the order of the weights); beg[k] is the start of set k in ind (variables) and weight. */
 ZVN_API int ZVNaddsos(ZVNmodel* model, int numsos, int nummembers, const int* types, const int* beg, const int* ind,
                       const double* weight);
-/* Sets start .. start+num-1. types and beg (num entries each) may be NULL; with ind or weight NULL members aren't given. */
+/* Sets start .. start+num-1. types and beg (num entries each) may be NULL; with ind or weight NULL members aren't
+ * given. */
 ZVN_API int ZVNgetsos(ZVNmodel* model, int* nummembers, int* types, int* beg, int* ind, double* weight, int start,
                       int num);
 /* Queue deletions, by the numbering of the last update. */

@@ -151,8 +151,7 @@ private:
 
     bool admissible(const std::vector<double>& x, const Tolerances& tolerances) const {
         return x.size() >= claim_.data.cols.lb.size() && !find_breach(claim_.data, x, tolerances) &&
-               std::isfinite(claim_.objective(x.data())) &&
-               (!claim_.admits || claim_.admits(x.data()));
+               std::isfinite(claim_.objective(x.data())) && (!claim_.admits || claim_.admits(x.data()));
     }
 
     // In the columns of the model.

@@ -122,8 +122,7 @@ void Problem::take_matrix(const ModelData& data) {
         if (least <= kDroppedByDefault) has_small_entries_ = true;
         if (least > kSmallestCoefficient) continue;
         const double factor = row_factor(least, most);
-        if (factor == 0.0)
-            refuse(data, i, smallest, "' is too small to solve with next to the others there");
+        if (factor == 0.0) refuse(data, i, smallest, "' is too small to solve with next to the others there");
         own_matrix();
         for (int k = start[i]; k < start[i + 1]; ++k) val_[k] *= factor;
         row_lower[i] *= factor;
@@ -144,9 +143,7 @@ void Problem::follow(std::uint64_t stamp, const Changes& changes) {
     changes_ = &changes;
 }
 
-bool Problem::is_mip() const {
-    return !integer.empty() && std::memchr(integer.data(), 1, integer.size()) != nullptr;
-}
+bool Problem::is_mip() const { return !integer.empty() && std::memchr(integer.data(), 1, integer.size()) != nullptr; }
 
 bool Problem::has_empty_range() const {
     // Counting is quicker than finding what is hardly ever there.

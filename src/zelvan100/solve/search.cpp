@@ -104,16 +104,15 @@ void set_limits(HighsSession& session, const Context& context) {
     // HiGHS looks at its own limits more often than it asks whether to go on.
     const Monitor& monitor = context.monitor;
     session.set_time_limit(monitor.time_left());
-    session.set_option("simplex_iteration_limit",
-                       std::min({context.care.iteration_limit,
-                                 left(params.get_dbl(Param::IterationLimit), context.iterations),
-                                 left(monitor.iterations_left(), 0.0)}));
+    session.set_option(
+        "simplex_iteration_limit",
+        std::min({context.care.iteration_limit, left(params.get_dbl(Param::IterationLimit), context.iterations),
+                  left(monitor.iterations_left(), 0.0)}));
     session.set_option("ipm_iteration_limit",
                        std::min(left(params.get_int(Param::BarIterLimit), context.barrier_iterations),
                                 left(monitor.barrier_iterations_left(), 0.0)));
     session.set_option("mip_max_nodes", left(params.get_dbl(Param::NodeLimit), context.nodes));
-    session.set_option("mip_max_improving_sols",
-                       left(params.get_int(Param::SolutionLimit), monitor.num_solutions()));
+    session.set_option("mip_max_improving_sols", left(params.get_int(Param::SolutionLimit), monitor.num_solutions()));
 }
 
 bool is_trivial(const Problem& problem) { return problem.num_cols() == 0 || problem.has_empty_range(); }
