@@ -48,7 +48,7 @@ def instances(wanted=()):
     """Paths of the linear instances, or of those only that are named in `wanted`; none without their folder."""
     folder = find_shared_data()
     if folder is None:
-        print("  no instances: set ZELVAN_SHARED_DATA to the folder that has reference.csv")
+        print("  no instances: there is no folder shared/data above the source tree")
         return
     for line in (folder / "reference.csv").read_text().splitlines()[1:]:
         name, kind = line.split(",")[:2]

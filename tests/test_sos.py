@@ -105,11 +105,8 @@ def test_a_bound_that_only_rows_imply_is_enough(env):
 
 def test_an_infinite_bound_is_refused_with_the_names(env):
     fault = "Variable 'x0' of the special ordered set .* has an infinite bound"
-    columns = [(0.0, INFINITY, 1.0), (0.0, 1.0, -1.0)]
-    with (
-        build(env, columns, [], [(1, [(0, 1.0), (1, 2.0)])]) as model,
-        pytest.raises(LibraryError, match=fault),
-    ):
+    columns, sets = [(0.0, INFINITY, 1.0), (0.0, 1.0, -1.0)], [(1, [(0, 1.0), (1, 2.0)])]
+    with build(env, columns, [], sets) as model, pytest.raises(LibraryError, match=fault):
         model.call("ZVNoptimize")
 
 
