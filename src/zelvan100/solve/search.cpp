@@ -143,10 +143,10 @@ SolverResult search(const Problem& problem, const Start& start, Context& context
 SolverResult search_aside(const Problem& problem, const Start& start, const Care& care, Context& context) {
     HighsSession session;
     Context aside(session, context.monitor);
-    static_cast<Counts&>(aside) = context;
+    static_cast<Counts&>(aside) = static_cast<const Counts&>(context);
     aside.care = care;
     SolverResult result = search(problem, start, aside);
-    static_cast<Counts&>(context) = aside;
+    static_cast<Counts&>(context) = static_cast<const Counts&>(aside);
     return result;
 }
 

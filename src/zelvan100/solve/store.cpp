@@ -2,6 +2,7 @@
 
 #include <algorithm>
 #include <cmath>
+#include <iterator>
 #include <utility>
 
 #include "solve/check.h"
@@ -78,8 +79,8 @@ bool Pool::wants(double objective) const {
 void Pool::add(double objective, std::vector<double> x) {
     const auto worse = [this](double value, const Found& other) { return sense_ * value < sense_ * other.objective; };
     const auto place = std::upper_bound(found_.begin(), found_.end(), objective, worse);
-    for (auto equal = place; equal != found_.begin() && (--equal)->objective == objective;)
-        if (equal->x == x) return;
+    for (auto behind = place; behind != found_.begin() && std::prev(behind)->objective == objective; --behind)
+        if (std::prev(behind)->x == x) return;
     found_.insert(place, {objective, std::move(x)});
     if (found_.size() > capacity_) found_.pop_back();
 }
