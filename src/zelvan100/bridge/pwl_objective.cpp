@@ -5,7 +5,6 @@
 #include <limits>
 #include <optional>
 
-#include "bridge/implied_bounds.h"
 #include "core/error.h"
 
 namespace zelvan {
@@ -164,14 +163,14 @@ bool is_unlimited(const std::vector<Piece>& pieces) {
 }
 
 void bridge_term(const ModelData& data, Problem& problem, int j, const PwlPoints& points, double weight,
-                 std::optional<ColumnBounds>& implied) {
+                 Indicators& indicators) {
     const double direction = problem.sense * (weight < 0.0 ? -1.0 : 1.0);
     Function function(points, problem.lb[j], problem.ub[j]);
     if (function.has_points()) {
         std::vector<Piece> pieces = function.convex_pieces(direction);
         if (pieces.size() > 1 && is_unlimited(pieces)) {
-            if (!implied) implied = implied_bounds(problem);
-            function = Function(points, implied->lb[j], implied->ub[j]);
+            const auto [lower, upper] = indicators.range(j);
+            function = Function(points, lower, upper);
             if (function.has_points()) pieces = function.convex_pieces(direction);
         }
         if (function.has_points()) {
@@ -189,9 +188,9 @@ void bridge_term(const ModelData& data, Problem& problem, int j, const PwlPoints
 
 }  // namespace
 
-void bridge_pwl_objective(const ModelData& data, Problem& problem, double weight) {
-    std::optional<ColumnBounds> implied;
-    for (const auto& [j, points] : data.pwl_obj) bridge_term(data, problem, j, points, weight, implied);
+void bridge_pwl_objective(const ModelData& data, Problem& problem, Indicators& indicators) {
+    const double weight = main_weight(data);
+    for (const auto& [j, points] : data.pwl_obj) bridge_term(data, problem, j, points, weight, indicators);
 }
 
 double pwl_value(const PwlPoints& points, double x, double direction) {

@@ -18,14 +18,14 @@
 //   x keeps its place and the objective its value, so both map back by themselves, as do the dual values of
 //   a model that stays an LP.
 
+#include "bridge/indicators.h"
 #include "core/model_data.h"
-#include "solve/problem.h"
 
 namespace zelvan {
 
-// Adds `weight` times each term to the objective of the problem. Throws Error when a term that isn't
+// Adds each term, with the weight of the main objective, to that of the problem. Throws Error when a term that isn't
 // convex needs a bound on its column and none is implied.
-void bridge_pwl_objective(const ModelData& data, Problem& problem, double weight);
+void bridge_pwl_objective(const ModelData& data, Problem& problem, Indicators& indicators);
 
 // f(x); at a jump the smaller value for direction 1, the larger one for -1. Infinite, in that direction, beyond a jump
 // at an end.

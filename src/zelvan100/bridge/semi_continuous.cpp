@@ -1,21 +1,16 @@
 #include "bridge/semi_continuous.h"
 
 #include <algorithm>
-#include <cmath>
-#include <limits>
 
-#include "bridge/implied_bounds.h"
 #include "core/error.h"
 
 namespace zelvan {
 
 namespace {
 
-constexpr double kInf = std::numeric_limits<double>::infinity();
-
 struct Gap {
     int col;
-    double lower, upper;  // of the interval beyond 0
+    Interval values;  // beyond 0
 };
 
 // Makes the bounds of the column the hull of 0 and its interval. The answer is whether there is a gap.
@@ -32,28 +27,25 @@ bool widen_to_hull(Problem& problem, int j) {
 
 }  // namespace
 
-void bridge_semi_continuous(const ModelData& data, Problem& problem) {
+void bridge_semi_continuous(const ModelData& data, Problem& problem, Indicators& indicators) {
     std::vector<Gap> gaps;
     for (int j = 0; j < data.cols.size(); ++j) {
         if (data.cols.type[j] != 'S' && data.cols.type[j] != 'N') continue;
-        const Gap gap{j, problem.lb[j], problem.ub[j]};
+        const Gap gap{j, {problem.lb[j], problem.ub[j]}};
         if (widen_to_hull(problem, j)) gaps.push_back(gap);
     }
-    if (gaps.empty()) return;
-    const ColumnBounds implied = implied_bounds(problem);
-    for (Gap& gap : gaps) {
+    for (auto& [j, values] : gaps) {
+        const auto [lower, upper] = indicators.range(j);
         // The side behind the gap may come nearer to it, but not within.
-        if (gap.lower > 0.0)
-            gap.upper = std::clamp(implied.ub[gap.col], gap.lower, gap.upper);
+        if (values.lower > 0.0)
+            values.upper = std::clamp(upper, values.lower, values.upper);
         else
-            gap.lower = std::clamp(implied.lb[gap.col], gap.lower, gap.upper);
-        if (std::isinf(gap.lower) || std::isinf(gap.upper))
+            values.lower = std::clamp(lower, values.lower, values.upper);
+        if (!values.is_finite())
             throw Error(ZVN_ERROR_NOT_SUPPORTED,
-                        "The semi-continuous variable '" + data.col_name(gap.col) +
+                        "The semi-continuous variable '" + data.col_name(j) +
                             "' has an infinite bound, and the constraints imply no finite one: set a bound");
-        const int z = problem.add_col(0.0, 1.0, 0.0, true);
-        problem.add_row({{gap.col, 1.0}, {z, -gap.upper}}, -kInf, 0.0);
-        problem.add_row({{gap.col, 1.0}, {z, -gap.lower}}, 0.0, kInf);
+        indicators.add(j, values);
     }
 }
 

@@ -11,12 +11,12 @@
 // Makes
 //   for each such column one binary column and two rows; x keeps its place, so values map back by themselves
 
+#include "bridge/indicators.h"
 #include "core/model_data.h"
-#include "solve/problem.h"
 
 namespace zelvan {
 
 // Throws Error when a column needs a bound and none is implied.
-void bridge_semi_continuous(const ModelData& data, Problem& problem);
+void bridge_semi_continuous(const ModelData& data, Problem& problem, Indicators& indicators);
 
 }  // namespace zelvan

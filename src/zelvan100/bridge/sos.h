@@ -13,12 +13,12 @@
 // Makes
 //   the columns and rows above; x keeps its place, so values map back by themselves
 
+#include "bridge/indicators.h"
 #include "core/model_data.h"
-#include "solve/problem.h"
 
 namespace zelvan {
 
 // Throws Error when a column needs a bound and none is implied.
-void bridge_sos(const ModelData& data, Problem& problem);
+void bridge_sos(const ModelData& data, Problem& problem, Indicators& indicators);
 
 }  // namespace zelvan

@@ -7,9 +7,7 @@
 #include <mutex>
 #include <utility>
 
-#include "bridge/pwl_objective.h"
-#include "bridge/semi_continuous.h"
-#include "bridge/sos.h"
+#include "bridge/bridge.h"
 #include "core/error.h"
 #include "io/data_files.h"
 #include "io/values.h"
@@ -156,7 +154,6 @@ private:
 
 Solution solve_single(const ModelData& data, Problem problem, Context& context, Pool& pool) {
     const ParamValues& params = context.params;
-    bridge_pwl_objective(data, problem, 1.0);
     Solution solution;
     solution.is_mip = problem.is_mip();
     const double cutoff = params.get_dbl(Param::Cutoff);
@@ -188,8 +185,9 @@ Solution solve(Model& model) {
     Monitor monitor(std::move(params), listener, model.stop, std::exchange(model.watch_signal, false));
     Problem problem(data);
     problem.follow(model.stamp, model.changes);
-    bridge_semi_continuous(data, problem);
-    bridge_sos(data, problem);
+    Indicators indicators(problem);
+    for (const Bridge& bridge : kBridges)
+        if (bridge.is_needed(data)) bridge.build(data, problem, indicators);
     if (!model.session) model.session = std::make_shared<HighsSession>();
     Context context(*model.session, monitor);
     Solution solution =

@@ -5,7 +5,6 @@
 #include <functional>
 #include <set>
 
-#include "bridge/pwl_objective.h"
 #include "core/error.h"
 #include "solve/answer.h"
 #include "solve/store.h"
@@ -32,13 +31,11 @@ struct Blend {
 class Hierarchy {
 public:
     Hierarchy(const ModelData& data, Problem base, Start start, Context& context)
-        : data_(data), problem_(std::move(base)), start_(std::move(start)), context_(context) {
-        const double weight = data.objectives[0].weight;
-        for (int j = 0; j < data.cols.size(); ++j) problem_.cost[j] = weight * data.cols.obj[j];
-        problem_.offset = weight * data.obj_constant;
-        if (weight != 0.0) bridge_pwl_objective(data, problem_, weight);
-        main_ = {problem_.cost, problem_.offset};
-    }
+        : data_(data),
+          problem_(std::move(base)),
+          start_(std::move(start)),
+          context_(context),
+          main_{problem_.cost, problem_.offset} {}
 
     Solution solve() {
         std::set<int, std::greater<int>> priorities;
@@ -144,7 +141,7 @@ private:
     };
     std::vector<Limit> limits_;
     Context& context_;
-    Blend main_;  // the main objective with its weight, over the columns of the problem
+    const Blend main_;  // the main objective with its weight, over the columns of the problem
 };
 
 }  // namespace

@@ -74,6 +74,8 @@ std::uint64_t fresh_version() {
 
 }  // namespace
 
+double main_weight(const ModelData& data) { return data.objectives.size() > 1 ? data.objectives[0].weight : 1.0; }
+
 Problem::Problem(const ModelData& data)
     : sense(data.sense),
       offset(data.obj_constant),
@@ -90,10 +92,13 @@ Problem::Problem(const ModelData& data)
         throw Error(ZVN_ERROR_EXCEED_2B_NONZEROS, "The model has more than 2147483647 nonzeros");
     for (auto* bounds : {&lb, &ub})
         for (double& value : *bounds) value = with_infinity(value);
+    const double weight = main_weight(data);
+    offset *= weight;
     for (int j = 0; j < num_cols(); ++j) {
         if (std::abs(cost[j]) >= kLargestCost)
             throw Error(ZVN_ERROR_NUMERIC, "The objective coefficient of variable '" + data.col_name(j) +
                                                "' is too large to solve with: less than 1e20 is possible");
+        cost[j] *= weight;
         const char type = data.cols.type[j];
         if (type == 'C') continue;
         integer[j] = type == 'B' || type == 'I' || type == 'N';

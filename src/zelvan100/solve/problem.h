@@ -14,8 +14,8 @@ namespace zelvan {
 
 class Problem {
 public:
-    // Takes over bounds, rows and types. Semi-continuous types, piecewise-linear terms and further
-    // objectives are left to the bridges. The matrix stays in `data` until a bridge adds to it.
+    // Takes over bounds, rows, types and the main objective, with its weight where there are several. What else there
+    // is of a model is left to the bridges. The matrix stays in `data` until a bridge adds to it.
     // A row with entries that HiGHS would drop is multiplied by a power of two. Throws Error when a coefficient is
     // beyond what HiGHS computes with.
     explicit Problem(const ModelData& data);
@@ -77,5 +77,8 @@ private:
     bool has_small_entries_ = false;
     std::vector<std::pair<int, double>> factors_;  // of the rows that were multiplied
 };
+
+// What the main objective is multiplied by.
+double main_weight(const ModelData& data);
 
 }  // namespace zelvan
