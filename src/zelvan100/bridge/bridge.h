@@ -1,6 +1,6 @@
 #pragma once
-// The table of bridges: what a model says beyond the terms of HiGHS becomes columns and rows of a problem. Those of
-// the model keep their places in front, so values map back by cutting off behind them.
+// The table of bridges: what a model says beyond the terms of HiGHS becomes columns, rows and disjunctions of a
+// problem. Columns and rows of the model keep their places in front, so values map back by cutting off behind them.
 
 #include "bridge/indicators.h"
 #include "core/model_data.h"

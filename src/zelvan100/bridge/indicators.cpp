@@ -1,5 +1,6 @@
 #include "bridge/indicators.h"
 
+#include <algorithm>
 #include <cmath>
 #include <limits>
 
@@ -8,23 +9,26 @@ namespace zelvan {
 namespace {
 
 constexpr double kInf = std::numeric_limits<double>::infinity();
+constexpr double kLargestConstant = 1e7;
 
 }  // namespace
 
-bool Interval::is_finite() const { return std::isfinite(lower) && std::isfinite(upper); }
+bool Interval::is_small() const { return std::max(std::abs(lower), std::abs(upper)) <= kLargestConstant; }
 
 Interval Indicators::range(int col) {
     if (!bounds_) bounds_ = implied_bounds(problem_);
-    const double lower = bounds_->lb[col], upper = bounds_->ub[col];
+    double &lower = bounds_->lb[col], &upper = bounds_->ub[col];
     if (lower > upper) return {problem_.lb[col], problem_.ub[col]};  // nothing is feasible
-    return {lower, upper};
+    if (lower < -kLargestConstant) lower = std::max(lower, relaxation_limit_(problem_, col, false));
+    if (upper > kLargestConstant) upper = std::min(upper, relaxation_limit_(problem_, col, true));
+    return {lower, std::max(lower, upper)};
 }
 
 int Indicators::of(int col) {
     if (problem_.integer[col] && problem_.lb[col] >= 0.0 && problem_.ub[col] <= 1.0) return col;
     if (const auto found = binaries_.find(col); found != binaries_.end()) return found->second;
     const Interval values = range(col);
-    const int z = values.is_finite() ? add(col, values) : -1;
+    const int z = values.is_small() ? add(col, values) : -1;
     binaries_.emplace(col, z);
     return z;
 }

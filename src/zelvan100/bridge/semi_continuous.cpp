@@ -2,16 +2,12 @@
 
 #include <algorithm>
 
-#include "core/error.h"
-
 namespace zelvan {
 
 namespace {
 
-struct Gap {
-    int col;
-    Interval values;  // beyond 0
-};
+// A gap up to here is within all tolerances.
+constexpr double kNoGap = 1e-9;
 
 // Makes the bounds of the column the hull of 0 and its interval. The answer is whether there is a gap.
 bool widen_to_hull(Problem& problem, int j) {
@@ -22,7 +18,7 @@ bool widen_to_hull(Problem& problem, int j) {
     }
     problem.lb[j] = std::min(lower, 0.0);
     problem.ub[j] = std::max(upper, 0.0);
-    return lower > 0.0 || upper < 0.0;
+    return lower > kNoGap || upper < -kNoGap;
 }
 
 }  // namespace
@@ -31,21 +27,18 @@ void bridge_semi_continuous(const ModelData& data, Problem& problem, Indicators&
     std::vector<Gap> gaps;
     for (int j = 0; j < data.cols.size(); ++j) {
         if (data.cols.type[j] != 'S' && data.cols.type[j] != 'N') continue;
-        const Gap gap{j, {problem.lb[j], problem.ub[j]}};
+        const Gap gap{j, problem.lb[j], problem.ub[j]};
         if (widen_to_hull(problem, j)) gaps.push_back(gap);
     }
-    for (auto& [j, values] : gaps) {
-        const auto [lower, upper] = indicators.range(j);
+    for (const Gap& gap : gaps) {
+        const auto [lower, upper] = indicators.range(gap.col);
         // The side behind the gap may come nearer to it, but not within.
-        if (values.lower > 0.0)
-            values.upper = std::clamp(upper, values.lower, values.upper);
+        const Interval values = gap.lower > 0.0 ? Interval{gap.lower, std::clamp(upper, gap.lower, gap.upper)}
+                                                : Interval{std::clamp(lower, gap.lower, gap.upper), gap.upper};
+        if (values.is_small())
+            indicators.add(gap.col, values);
         else
-            values.lower = std::clamp(lower, values.lower, values.upper);
-        if (!values.is_finite())
-            throw Error(ZVN_ERROR_NOT_SUPPORTED,
-                        "The semi-continuous variable '" + data.col_name(j) +
-                            "' has an infinite bound, and the constraints imply no finite one: set a bound");
-        indicators.add(j, values);
+            problem.disjunctions.gaps.push_back(gap);
     }
 }
 

@@ -4,6 +4,7 @@
 // Reformulation
 //   x = 0  or  l <= x <= u     becomes     l z <= x <= u z,  z binary
 //   An interval that holds 0 already is kept as plain bounds, an empty one fixes x at 0.
+//   Where a bound is too large for such a row the column goes to Problem::disjunctions.
 //
 // Takes
 //   columns of type 'S' and 'N'; of their bounds behind the gap, own and implied, the one nearer to 0
@@ -16,7 +17,6 @@
 
 namespace zelvan {
 
-// Throws Error when a column needs a bound and none is implied.
 void bridge_semi_continuous(const ModelData& data, Problem& problem, Indicators& indicators);
 
 }  // namespace zelvan

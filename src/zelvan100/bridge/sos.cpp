@@ -3,8 +3,6 @@
 #include <algorithm>
 #include <limits>
 
-#include "core/error.h"
-
 namespace zelvan {
 
 namespace {
@@ -44,18 +42,14 @@ void add_neighbours(Problem& problem, const std::vector<int>& binaries) {
 
 void bridge_sos(const ModelData& data, Problem& problem, Indicators& indicators) {
     for (int k = 0; k < data.sos.size(); ++k) {
-        const std::vector<int> cols = ordered_members(data.sos, k);
-        const int type = data.sos.type[k];
-        if (static_cast<int>(cols.size()) <= type) continue;
+        OrderedSet set{data.sos.type[k], ordered_members(data.sos, k)};
+        if (static_cast<int>(set.cols.size()) <= set.type) continue;
         std::vector<int> binaries;
-        for (int j : cols) {
-            binaries.push_back(indicators.of(j));
-            if (binaries.back() < 0)
-                throw Error(ZVN_ERROR_NOT_SUPPORTED,
-                            "Variable '" + data.col_name(j) + "' of the special ordered set '" + data.sos_name(k) +
-                                "' has an infinite bound, and the constraints imply no finite one: set a bound");
-        }
-        (type == 1 ? add_at_most_one : add_neighbours)(problem, binaries);
+        for (int j : set.cols) binaries.push_back(indicators.of(j));
+        if (std::find(binaries.begin(), binaries.end(), -1) != binaries.end())
+            problem.disjunctions.sets.push_back(std::move(set));
+        else
+            (set.type == 1 ? add_at_most_one : add_neighbours)(problem, binaries);
     }
 }
 

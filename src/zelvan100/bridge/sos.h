@@ -6,6 +6,7 @@
 //   type 1:  z_1 + ... + z_n <= 1
 //   type 2:  z_i <= w_(i-1) + w_i,  w_1 + ... + w_(n-1) <= 1,  w binary: neighbours i and i+1 may be other than 0
 //   A column that is binary is its own z, and a column has one z for all its sets.
+//   Where a column's bounds are too large for a z the set goes to Problem::disjunctions.
 //
 // Takes
 //   ModelData::sos; of the bounds of a column, own and implied, the ones nearer to 0
@@ -18,7 +19,6 @@
 
 namespace zelvan {
 
-// Throws Error when a column needs a bound and none is implied.
 void bridge_sos(const ModelData& data, Problem& problem, Indicators& indicators);
 
 }  // namespace zelvan

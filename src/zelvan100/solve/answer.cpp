@@ -97,6 +97,8 @@ private:
     }
 
     SolverResult bounded(SolverResult result) {
+        // A direction of the relaxation may break disjunctions, which are searched with their own.
+        if (!problem_.disjunctions.empty()) return result;
         if (improving_direction(problem_, context_).empty()) return result;
         log("A feasible point and a direction that improves the objective for ever: the model is unbounded\n");
         result.outcome = Outcome::kUnbounded;
@@ -174,6 +176,7 @@ private:
     std::vector<double> rounded_relaxation(const SolverResult& result) {
         Problem relaxation = problem_;
         std::fill(relaxation.integer.begin(), relaxation.integer.end(), 0);
+        relaxation.disjunctions = {};
         Care care;
         care.simplex = true;
         care.iteration_limit = std::max(kFewIterations, static_cast<int>(std::min(result.iterations, 1e9)));

@@ -74,7 +74,6 @@ SolverResult run_concurrently(const Problem& problem, Context& context) {
         dual_fault = std::current_exception();
     }
     barrier.join();
-    session.attach(&monitor);
     context.concurrent_winner = first;
     if (context.concurrent_winner == kBarrier) {
         if (!by_barrier.basis.rows.empty()) session.set_basis(by_barrier.basis);

@@ -3,6 +3,7 @@
 #include <algorithm>
 #include <cmath>
 #include <cstdio>
+#include <functional>
 #include <memory>
 #include <mutex>
 #include <utility>
@@ -14,6 +15,7 @@
 #include "solve/answer.h"
 #include "solve/certificate.h"
 #include "solve/multi_objective.h"
+#include "solve/relaxation_bound.h"
 #include "solve/search.h"
 #include "solve/solve.h"
 #include "solve/store.h"
@@ -185,11 +187,12 @@ Solution solve(Model& model) {
     Monitor monitor(std::move(params), listener, model.stop, std::exchange(model.watch_signal, false));
     Problem problem(data);
     problem.follow(model.stamp, model.changes);
-    Indicators indicators(problem);
-    for (const Bridge& bridge : kBridges)
-        if (bridge.is_needed(data)) bridge.build(data, problem, indicators);
     if (!model.session) model.session = std::make_shared<HighsSession>();
     Context context(*model.session, monitor);
+    RelaxationBound relaxation_bound(context);
+    Indicators indicators(problem, std::ref(relaxation_bound));
+    for (const Bridge& bridge : kBridges)
+        if (bridge.is_needed(data)) bridge.build(data, problem, indicators);
     Solution solution =
         data.objectives.size() > 1
             ? solve_multi_objective(data, std::move(problem), {user_start(data), user_basis(data, monitor)}, context)

@@ -254,7 +254,7 @@ int HighsSession::watched(Call call) {
     return status;
 }
 
-void HighsSession::attach(SolveEvents* events) { events_ = events; }
+SolveEvents* HighsSession::attach(SolveEvents* events) { return std::exchange(events_, events); }
 
 void HighsSession::check(int status, const char* what) {
     if (status != kHighsStatusError) return;
@@ -472,7 +472,9 @@ SolverResult HighsSession::run(int threads) {
     Highs_zeroAllClocks(highs_);  // they run on over several solves, and the time limit with them
     const int status = watched([this] { return Highs_run(highs_); });
     const int model_status = Highs_getModelStatus(highs_);
-    if (status == kHighsStatusError && model_status != kModelStatusMemoryLimit) check(status, "solve the model");
+    // An error of the simplex method, which another way of solving may avoid, is an outcome.
+    if (model_status != kModelStatusMemoryLimit && model_status != kHighsModelStatusSolveError)
+        check(status, "solve the model");
     SolverResult result = fetch();
     if (stopped_ && result.outcome == Outcome::kTimeLimit) result.outcome = Outcome::kStopped;
     return result;

@@ -76,8 +76,8 @@ public:
     HighsSession(const HighsSession&) = delete;
     HighsSession& operator=(const HighsSession&) = delete;
 
-    // Where the calls below report to, until the next call. nullptr silences them.
-    void attach(SolveEvents* events);
+    // Where the calls below report to, until the next call. nullptr silences them. The answer is where they did.
+    SolveEvents* attach(SolveEvents* events);
 
     void set_option(const char* name, bool value);
     void set_option(const char* name, int value);
@@ -153,16 +153,17 @@ private:
     std::vector<double> incumbent_;  // of the latest MIP solve
 };
 
-// While one of these lives, the session tells the events.
+// While one of these lives, the session tells the events; then it goes on with those before.
 class Attached {
 public:
-    Attached(HighsSession& session, SolveEvents* events) : session_(session) { session_.attach(events); }
-    ~Attached() { session_.attach(nullptr); }
+    Attached(HighsSession& session, SolveEvents* events) : session_(session), before_(session.attach(events)) {}
+    ~Attached() { session_.attach(before_); }
     Attached(const Attached&) = delete;
     Attached& operator=(const Attached&) = delete;
 
 private:
     HighsSession& session_;
+    SolveEvents* const before_;
 };
 
 }  // namespace zelvan

@@ -86,6 +86,7 @@ void set_care(HighsSession& session, const Care& care) {
     }
     if (!care.presolve) session.set_option("presolve", "off");
     if (care.simplex) session.set_option("solver", "simplex");
+    if (care.node) session.set_option("output_flag", false);
 }
 
 }  // namespace

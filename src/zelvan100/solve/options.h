@@ -11,6 +11,7 @@ namespace zelvan {
 struct Care {
     bool tight = false;  // the smallest tolerances that HiGHS computes with
     bool presolve = true;
+    bool node = false;     // a part of a larger search, which tells the log itself
     bool simplex = false;  // of an LP: simplex, whatever the parameters ask for
     int iteration_limit = std::numeric_limits<int>::max();
 };

@@ -148,7 +148,9 @@ void Problem::follow(std::uint64_t stamp, const Changes& changes) {
     changes_ = &changes;
 }
 
-bool Problem::is_mip() const { return !integer.empty() && std::memchr(integer.data(), 1, integer.size()) != nullptr; }
+bool Problem::is_mip() const {
+    return !disjunctions.empty() || (!integer.empty() && std::memchr(integer.data(), 1, integer.size()) != nullptr);
+}
 
 bool Problem::has_empty_range() const {
     // Counting is quicker than finding what is hardly ever there.

@@ -12,6 +12,25 @@
 
 namespace zelvan {
 
+// Column `col` is 0 or within [lower, upper], which doesn't hold 0.
+struct Gap {
+    int col;
+    double lower, upper;
+};
+
+// At most `type` of the columns are other than 0, and those are neighbours.
+struct OrderedSet {
+    int type;  // 1 or 2
+    std::vector<int> cols;
+};
+
+struct Disjunctions {
+    std::vector<Gap> gaps;
+    std::vector<OrderedSet> sets;
+
+    bool empty() const { return gaps.empty() && sets.empty(); }
+};
+
 class Problem {
 public:
     // Takes over bounds, rows, types and the main objective, with its weight where there are several. What else there
@@ -25,7 +44,8 @@ public:
     std::vector<double> cost, lb, ub;
     std::vector<char> integer;  // 1 or 0
     std::vector<double> row_lower, row_upper;
-    std::vector<int> start;  // of the rows, one more than there are rows
+    std::vector<int> start;     // of the rows, one more than there are rows
+    Disjunctions disjunctions;  // what a point has to hold besides
 
     int num_cols() const { return static_cast<int>(cost.size()); }
     int num_rows() const { return static_cast<int>(row_lower.size()); }
@@ -36,7 +56,7 @@ public:
     bool has_small_entries() const { return has_small_entries_; }
     // Turns multipliers of rows, such as dual values, into those of the rows as the model has them.
     void unscale(std::vector<double>& multipliers) const;
-    bool is_mip() const;
+    bool is_mip() const;  // there are integer columns or disjunctions
     // Whether some column or row has no value at all that it may take, such as a lower bound of infinity.
     bool has_empty_range() const;
     bool is_feasible(const std::vector<double>& x, double tolerance) const;

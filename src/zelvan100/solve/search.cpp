@@ -6,6 +6,7 @@
 #include "core/error.h"
 #include "solve/concurrent.h"
 #include "solve/options.h"
+#include "solve/tree.h"
 
 namespace zelvan {
 
@@ -112,12 +113,15 @@ void set_limits(HighsSession& session, const Context& context) {
                        std::min(left(params.get_int(Param::BarIterLimit), context.barrier_iterations),
                                 left(monitor.barrier_iterations_left(), 0.0)));
     session.set_option("mip_max_nodes", left(params.get_dbl(Param::NodeLimit), context.nodes));
-    session.set_option("mip_max_improving_sols", left(params.get_int(Param::SolutionLimit), monitor.num_solutions()));
+    // Not every solution of a node is one of the whole.
+    const double solution_limit = context.care.node ? kInfinity : params.get_int(Param::SolutionLimit);
+    session.set_option("mip_max_improving_sols", left(solution_limit, monitor.num_solutions()));
 }
 
 bool is_trivial(const Problem& problem) { return problem.num_cols() == 0 || problem.has_empty_range(); }
 
 SolverResult search(const Problem& problem, const Start& start, Context& context) {
+    if (!problem.disjunctions.empty()) return search_tree(problem, start, context);
     const ParamValues& params = context.params;
     Monitor& monitor = context.monitor;
     monitor.begin_run(problem);
@@ -142,9 +146,15 @@ SolverResult search(const Problem& problem, const Start& start, Context& context
 
 SolverResult search_aside(const Problem& problem, const Start& start, const Care& care, Context& context) {
     HighsSession session;
+    return search_with(session, problem, start, care, context);
+}
+
+SolverResult search_with(HighsSession& session, const Problem& problem, const Start& start, const Care& care,
+                         Context& context) {
     Context aside(session, context.monitor);
     static_cast<Counts&>(aside) = static_cast<const Counts&>(context);
     aside.care = care;
+    aside.care.node |= context.care.node;
     SolverResult result = search(problem, start, aside);
     static_cast<Counts&>(context) = static_cast<const Counts&>(aside);
     return result;

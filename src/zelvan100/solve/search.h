@@ -36,7 +36,10 @@ struct Start {
 
 // Limits hold for all searches of the context together.
 SolverResult search(const Problem& problem, const Start& start, Context& context);
-// The same on a HiGHS instance of its own, so that the kept one goes on from its own solve.
+// The same on another HiGHS instance, so that the kept one goes on from its own solve.
+SolverResult search_with(HighsSession& session, const Problem& problem, const Start& start, const Care& care,
+                         Context& context);
+// And on one that is new.
 SolverResult search_aside(const Problem& problem, const Start& start, const Care& care, Context& context);
 // The value of the attribute Status that the outcome means.
 int status_of(const SolverResult& result, const Context& context);
