@@ -198,7 +198,7 @@ ZVN_API void ZVNfreemodel(ZVNmodel* model);
 ZVN_API ZVNmodel* ZVNcopymodel(ZVNmodel* model);
 /* The model's own environment; NULL for an invalid handle. */
 ZVN_API ZVNenv* ZVNgetenv(ZVNmodel* model);
-/* Apply the queued changes: attribute writes in their order, then additions, then deletions. All
+/* Apply the queued changes: additions, then attribute writes in their order, then deletions. All
  * indices passed since the last update mean the numbering of that update, with queued additions
  * numbered behind it. */
 ZVN_API int ZVNupdatemodel(ZVNmodel* model);
