@@ -151,6 +151,10 @@ def test_objects_to_read_from(lp):
     by_key = lp.getAttr("UB", {"a": z, ("b", 1): x})
     assert by_key == {"a": 10.0, ("b", 1): 3.0} and type(by_key) is zelvanpy.tupledict
     assert lp.getAttr("VarName", by_key.__class__({2: y})) == {2: "y"}
+    moved = zelvanpy.tupledict()
+    for k, var in ((1, x), (2, y), (3, z), (1, x)):
+        moved[k] = var
+    assert list(lp.getAttr("VarName", moved).items()) == [(2, "y"), (3, "z"), (1, "x")]
     assert lp.getAttr("VarName", []) == [] and lp.getAttr("VarName", {}) == {}
     assert lp.getAttr(attrname="VType", objs=[x, z]) == ["C", "I"]
 

@@ -233,6 +233,31 @@ def test_add_constrs_names_and_keys(model):
     assert model.NumConstrs == 12
 
 
+def test_keys_of_many_generators(model):
+    x = model.addVar()
+    model.update()
+    for k in range(600):  # as many code objects, of which a bounded number is remembered
+        names = ("a%d" % k, "b%d" % k)
+        source = "lambda x: (x <= %s for %s in [1] for %s in [2])" % (names[0], *names)
+        rows = eval(source)
+        assert list(model.addConstrs(rows(x))) == list(model.addConstrs(rows(x))) == [(1, 2)]
+    frame = SimpleNamespace(f_code=(x <= i for i in [1]).gi_code, f_locals={"i": "own"})
+
+    class Rows(SimpleNamespace):
+        def __iter__(self):
+            return iter([x <= 1])
+
+    assert list(model.addConstrs(Rows(gi_frame=frame))) == ["own"]
+
+
+def test_equal_keys_keep_the_last_row(model):
+    x = model.addVar()
+    model.update()
+    rows = model.addConstrs((x <= i for i in [1, 2, 1.0, 3]), name="c")
+    model.update()
+    assert model.NumConstrs == 4 and list(rows) == rows.keys() == [2, 1, 3] and rows[1].ConstrName == "c[1.0]"
+
+
 def test_errors_in_the_generator_come_through(model):
     x = model.addVars(3)
     with pytest.raises(ZeroDivisionError):

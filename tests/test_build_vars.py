@@ -206,6 +206,31 @@ def test_nested_values_come_in_row_order(model, nested):
     assert [var.UB for var in x.values()] == [1, 2, 3, 4]
 
 
+def test_costs_from_dicts(model):
+    class Doubled(zelvanpy.tupledict):
+        def get(self, key, default=None):
+            return 2 * super().get(key, default)
+
+    class Number:
+        def __float__(self):
+            costs.clear()  # what the dict had is read as it comes
+            return 7.0
+
+    costs = {0: 5, 2: np.float64(1.5), 1: True}
+    vars = {
+        "dict": model.addVars(4, obj=costs),
+        "tupledict": model.addVars([2, 0], lb=zelvanpy.tupledict(costs)),
+        "own get": model.addVars(2, obj=Doubled({0: 3})),
+    }
+    costs = {0: Number(), 1: 3.0}
+    vars["emptied"] = model.addVars(2, obj=costs)
+    model.update()
+    assert [v.Obj for v in vars["dict"].values()] == [5.0, 1.0, 1.5, 0.0]
+    assert [v.LB for v in vars["tupledict"].values()] == [1.5, 5.0]
+    assert [v.Obj for v in vars["own get"].values()] == [6.0, 0.0]
+    assert [v.Obj for v in vars["emptied"].values()] == [7.0, 0.0]
+
+
 def test_pending_until_the_update_under_mode_0(model):
     model.Params.UpdateMode = 0
     model.update()

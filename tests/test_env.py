@@ -452,6 +452,13 @@ def test_exit_closes_models_in_main_without_a_message():
     assert "Freeing" not in out
 
 
+def test_nothing_is_imported_for_a_log_that_nobody_listens_to():
+    program = "import sys, zelvanpy; zelvanpy.Model('quiet').optimize(); assert 'logging' not in sys.modules"
+    assert (
+        "quiet" not in subprocess.run([sys.executable, "-c", program], check=True, capture_output=True).stderr.decode()
+    )
+
+
 def test_logging_while_the_interpreter_ends_is_dropped():
     script = (
         "import zelvanpy\n"

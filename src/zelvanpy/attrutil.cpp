@@ -14,8 +14,6 @@ namespace zelvanpy {
 
 namespace {
 
-PyObject* this_module;
-
 // What the library said of a name, found again by the address of the interned str.
 struct Entry {
     PyObject* name = nullptr;  // owned, so that no other str gets its address
@@ -315,8 +313,6 @@ PyObject* stored_attribute(PyObject* object, PyObject* dict, PyObject* name) {
     return value;
 }
 
-py::object module_member(const char* name) { return steal(PyObject_GetAttrString(this_module, name)); }
-
 namespace {
 
 // --- the functions of the module
@@ -396,7 +392,6 @@ PyMethodDef functions[] = {
 }  // namespace
 
 void init_attrutil(py::module_& module) {
-    this_module = module.ptr();
     if (PyModule_AddFunctions(module.ptr(), functions)) throw PythonError{};
 }
 

@@ -62,9 +62,6 @@ void set_attribute_list(py::handle object, const AttrInfo& attribute, const std:
 // The integers of any sequence.
 std::vector<int> index_vector(py::handle sequence);
 
-// A class or function of the module by name.
-py::object module_member(const char* name);
-
 void init_attrutil(py::module_& module);
 
 }  // namespace zelvanpy

@@ -262,8 +262,15 @@ bool write_to_stdout(PyObject* text) {
     return flushed != nullptr;
 }
 
+// Before anyone has imported logging, nobody listens.
 bool write_to_logger(PyObject* line) {
-    PyObject* logging = PyImport_ImportModule("logging");
+    static const char kLogging[] = "logging";
+    PyObject* name = PyUnicode_FromString(kLogging);
+    PyObject* imported = name ? PyImport_GetModule(name) : nullptr;
+    Py_XDECREF(name);
+    if (!imported) return !PyErr_Occurred();
+    Py_DECREF(imported);
+    PyObject* logging = PyImport_ImportModule(kLogging);
     PyObject* logger = logging ? PyObject_CallMethod(logging, "getLogger", "s", "zelvanpy") : nullptr;
     PyObject* logged = logger ? PyObject_CallMethod(logger, "info", "O", line) : nullptr;
     Py_XDECREF(logging);

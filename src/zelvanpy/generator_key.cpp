@@ -6,6 +6,7 @@
 #include <algorithm>
 #include <map>
 #include <string>
+#include <unordered_map>
 #include <vector>
 
 #include "exception.h"
@@ -153,23 +154,42 @@ py::object loop_names(py::handle code) {
     return LoopNames(code, yield_offset).collect(instructions);
 }
 
+// The loop names of the code objects seen lately, which stay alive here.
+py::object known_loop_names(const py::object& code) {
+    struct Known {
+        py::object code, names;
+    };
+    constexpr std::size_t kMaxKnown = 256;
+    static auto& known = *new std::unordered_map<PyObject*, Known>;
+    if (const auto found = known.find(code.ptr()); found != known.end()) return found->second.names;
+    py::object names = loop_names(code);
+    // Giving up what was known may run code that comes here again.
+    std::unordered_map<PyObject*, Known> forgotten;
+    if (known.size() >= kMaxKnown) known.swap(forgotten);
+    known.emplace(code.ptr(), Known{code, names});
+    return names;
+}
+
 }  // namespace
 
 GeneratorKey::GeneratorKey(py::handle generator) {
-    static const Name kFrame("gi_frame");
+    static const Name kFrame("gi_frame"), kCode("f_code");
     frame_ = py::reinterpret_steal<py::object>(PyObject_GetAttr(generator.ptr(), kFrame.get()));
     if (!frame_ && !PyErr_ExceptionMatches(PyExc_AttributeError)) throw PythonError{};
     PyErr_Clear();
     if (!frame_ || frame_.is_none()) raise(PyExc_KeyError, "Missing constraint index");
-    names_ = loop_names(frame_.attr("f_code"));
+    names_ = known_loop_names(steal(PyObject_GetAttr(frame_.ptr(), kCode.get())));
 }
 
 py::object GeneratorKey::current() const {
-    const py::object locals = frame_.attr("f_locals");
-    const Py_ssize_t count = PyTuple_GET_SIZE(names_.ptr());
+    const py::object locals = frame_locals(frame_);
+    const bool is_dict = PyDict_CheckExact(locals.ptr());
     const auto value = [&](Py_ssize_t i) {
-        return steal(PyObject_GetItem(locals.ptr(), PyTuple_GET_ITEM(names_.ptr(), i)));
+        PyObject* name = PyTuple_GET_ITEM(names_.ptr(), i);
+        PyObject* found = is_dict ? PyDict_GetItemWithError(locals.ptr(), name) : nullptr;
+        return found ? borrow(found) : steal(PyObject_GetItem(locals.ptr(), name));
     };
+    const Py_ssize_t count = PyTuple_GET_SIZE(names_.ptr());
     if (count == 1) return value(0);
     py::object key = steal(PyTuple_New(count));
     for (Py_ssize_t i = 0; i < count; ++i) PyTuple_SET_ITEM(key.ptr(), i, value(i).release().ptr());

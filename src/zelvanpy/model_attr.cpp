@@ -4,12 +4,13 @@
 #include "exception.h"
 #include "model.h"
 #include "pyargs.h"
+#include "tupledict.h"
 
 namespace zelvanpy {
 
 namespace {
 
-const Name kCindex("__cindex__"), kTypeenum("_typeenum"), kKeys("keys"), kTupledict("tupledict");
+const Name kCindex("__cindex__"), kTypeenum("_typeenum"), kKeys("keys");
 
 // The index of anything with __cindex__, a handle as a rule.
 int cindex_of(PyObject* object) {
@@ -79,6 +80,11 @@ struct Pairs {
             values = steal(PyDict_Values(dict));
             return;
         }
+        if (is_tupledict(dict) && is_plain(as_tupledict(dict))) {
+            keys = steal(PySequence_List(tupledict_keys(as_tupledict(dict)).ptr()));
+            values = tupledict_values(as_tupledict(dict));
+            return;
+        }
         const py::object own_keys = steal(PyObject_CallMethodObjArgs(dict, kKeys.get(), nullptr));
         keys = steal(PySequence_List(own_keys.ptr()));
         values = steal(PyList_New(0));
@@ -91,13 +97,9 @@ struct Pairs {
 
 py::object values_by_key(Model& model, const Attribute& attribute, PyObject* dict) {
     const Pairs pairs(dict);
-    const Py_ssize_t num = PyList_GET_SIZE(pairs.values.ptr());
     const auto indices = indices_of_kind(pairs.values, attribute);
     const py::object values = get_attribute_list(as_object(model), *attribute.operator->(), indices);
-    const py::object result = steal(PyObject_CallObject(module_member(kTupledict.text()).ptr(), nullptr));
-    for (Py_ssize_t i = 0; i < num; ++i)
-        checked(PyDict_SetItem(result.ptr(), PyList_GET_ITEM(pairs.keys.ptr(), i), PyList_GET_ITEM(values.ptr(), i)));
-    return result;
+    return new_tupledict(pairs.keys, values);
 }
 
 py::object values_in_order(Model& model, const Attribute& attribute, PyObject* objects) {

@@ -57,8 +57,6 @@ void append_var(const Model& model, const Handle* var, double mult, LibraryTerms
 py::object flat_copy(py::handle expr);
 // ord(text[0]) as one byte.
 char first_char(py::handle text);
-// "name[key]" with the parts of the key joined by commas; "" for an empty name.
-py::object index_name(py::handle name, py::handle key);
 // The keys of a generator expression, from its loop variables.
 class GeneratorKey {
 public:

@@ -5,6 +5,7 @@
 
 #include "exception.h"
 #include "model_build.h"
+#include "model_build_names.h"
 #include "pyargs.h"
 #include "tempconstr.h"
 #include "tupledict.h"
@@ -327,29 +328,48 @@ py::object Model_addRange(Model& self, Args args) {
     return add_range(self, expr, lower, upper, name);
 }
 
+namespace {
+
+// The name of the row with this key, by the `name` argument of addConstrs.
+class RowNames {
+public:
+    explicit RowNames(PyObject* name) : base_(name ? borrow(name) : borrow(kNone.get())) {
+        static const Name kUnderscore("_");
+        by_dict_ = PyDict_Check(base_.ptr());
+        by_key_ = !by_dict_ && checked(PyObject_RichCompareBool(base_.ptr(), kUnderscore.get(), Py_EQ));
+    }
+    py::object operator()(const py::object& key) const {
+        static const Name kGet("get");
+        if (by_dict_)
+            return steal(PyObject_CallMethodObjArgs(base_.ptr(), kGet.get(), key.ptr(), kNone.get(), nullptr));
+        return by_key_ ? key : index_name(base_, key);
+    }
+
+private:
+    static const Name kNone;
+    py::object base_;
+    bool by_dict_, by_key_;
+};
+const Name RowNames::kNone("");
+
+// A subclass may have an addConstr of its own.
+py::object add_one_of_many(Model& self, const py::object& constr, const py::object& name) {
+    if (Py_TYPE(as_object(self)) == Model_Type) return add_constr(self, constr.ptr(), nullptr, nullptr, name.ptr());
+    return py::handle(as_object(self)).attr("addConstr")(constr, py::arg("name") = name);
+}
+
+}  // namespace
+
 py::object Model_addConstrs(Model& self, Args args) {
     const auto [constrs, name] = kAddConstrs.parse(args);
-    static const Name kUnderscore("_"), kEmpty("");
     const GeneratorKey key(constrs);
-    const py::object base = name ? borrow(name) : borrow(kEmpty.get());
-    const bool by_dict = PyDict_Check(base.ptr());
-    const bool by_key = !by_dict && checked(PyObject_RichCompareBool(base.ptr(), kUnderscore.get(), Py_EQ));
+    const RowNames names(name);
     py::object result = new_tupledict();
     const py::object iterator = steal(PyObject_GetIter(constrs));
     while (PyObject* next = PyIter_Next(iterator.ptr())) {
         const py::object constr = steal(next);
         const py::object k = key.current();
-        py::object row_name;
-        if (by_dict)
-            row_name = base.attr("get")(k, py::handle(kEmpty.get()));
-        else
-            row_name = by_key ? k : index_name(base, k);
-        // A subclass may have an addConstr of its own.
-        const py::object handle =
-            Py_TYPE(as_object(self)) == Model_Type
-                ? add_constr(self, constr.ptr(), nullptr, nullptr, row_name.ptr())
-                : py::object(py::handle(as_object(self)).attr("addConstr")(constr, py::arg("name") = row_name));
-        checked(PyObject_SetItem(result.ptr(), k.ptr(), handle.ptr()));
+        tupledict_set(as_tupledict(result), k, add_one_of_many(self, constr, names(k)));
     }
     if (PyErr_Occurred()) throw PythonError{};
     return result;

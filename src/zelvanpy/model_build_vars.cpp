@@ -1,14 +1,13 @@
 // addVar and addVars.
 
-#include <charconv>
-#include <cstring>
-#include <string>
 #include <vector>
 
 #include "exception.h"
 #include "model_build.h"
+#include "model_build_names.h"
 #include "operand.h"
 #include "pyargs.h"
+#include "pycontainer.h"
 #include "tupledict.h"
 
 namespace zelvanpy {
@@ -182,13 +181,30 @@ py::object list_of(PyObject* value) {
     return steal(PySequence_List(value));
 }
 
+// Whether a dict answers get() as dict does.
+bool is_plain_dict(PyObject* dict) {
+    static const Name kGet("get");
+    return PyDict_CheckExact(dict) || (is_tupledict(dict) && !overrides(dict, TupleDict_Type, kGet));
+}
+
+// The numbers of a plain dict by key.
+std::vector<double> numbers_by_key(PyObject* dict, double deflt, PyObject* keys) {
+    std::vector<double> result(PyList_GET_SIZE(keys), deflt);
+    DictCursor cursor(dict);
+    for (std::size_t i = 0; i < result.size(); ++i) {
+        PyObject* found = cursor.find(PyList_GET_ITEM(keys, i));
+        if (found) result[i] = PyFloat_CheckExact(found) ? PyFloat_AS_DOUBLE(found) : to_double(borrow(found));
+    }
+    return result;
+}
+
 // The value of a keyword for each key, as a list, from a dict, a list-like or one value.
 py::object listify(PyObject* value, PyObject* deflt, PyObject* keys) {
     const Py_ssize_t count = PyList_GET_SIZE(keys);
     const bool single = PyUnicode_Check(value) || PyFloat_CheckExact(value) || PyLong_CheckExact(value);
     if (!single && PyDict_Check(value)) {
         py::object values = steal(PyList_New(count));
-        const bool exact = PyDict_CheckExact(value);
+        const bool exact = is_plain_dict(value);
         for (Py_ssize_t i = 0; i < count; ++i) {
             PyObject* key = PyList_GET_ITEM(keys, i);
             PyObject* found;
@@ -232,6 +248,7 @@ std::vector<double> numbers(PyObject* value, double deflt, PyObject* keys) {
     const Py_ssize_t count = PyList_GET_SIZE(keys);
     if (PyFloat_Check(value)) return std::vector<double>(count, PyFloat_AS_DOUBLE(value));
     if (PyLong_CheckExact(value)) return std::vector<double>(count, to_double(value));
+    if (PyDict_Check(value) && is_plain_dict(value)) return numbers_by_key(value, deflt, keys);
     const py::object fallback = steal(PyFloat_FromDouble(deflt));
     const py::object values = listify(value, fallback.ptr(), keys);
     assert_length(values, count);
@@ -277,127 +294,6 @@ py::object new_vars(Model& self, Py_ssize_t count) {
     return vars;
 }
 
-// The names of one call in one buffer, as the library takes them.
-class NameBuffer {
-public:
-    // "base[key]" for each key.
-    void add_indexed(py::handle base, PyObject* keys);
-    void add(py::handle name);
-    // Null when all names are empty.
-    char* const* pointers();
-
-private:
-    void append_key(py::handle key);
-    void append_part(py::handle part);
-    void append_str(py::handle text);
-    void close();
-
-    std::string text_;
-    std::vector<std::size_t> start_;
-    std::vector<char*> pointers_;
-    std::size_t begin_ = 0;
-    bool any_ = false;
-};
-
-void NameBuffer::close() {
-    if (std::memchr(text_.data() + begin_, 0, text_.size() - begin_))
-        raise(PyExc_ValueError, "embedded null character");
-    for (std::size_t i = begin_; i < text_.size(); ++i) {
-        if (static_cast<unsigned char>(text_[i]) < 128) continue;
-        const py::object name =
-            steal(PyUnicode_DecodeUTF8(text_.data() + begin_, text_.size() - begin_, "surrogatepass"));
-        const py::object detail = steal(Py_BuildValue("(sOs)", "Cannot convert ", name.ptr(), "to ASCII characters"));
-        PyErr_SetObject(PyExc_OverflowError, steal(PyTuple_Pack(1, detail.ptr())).ptr());
-        throw PythonError{};
-    }
-    any_ = any_ || text_.size() > begin_;
-    start_.push_back(begin_);
-    text_.push_back('\0');
-    begin_ = text_.size();
-}
-
-void NameBuffer::append_str(py::handle text) {
-    Py_ssize_t size;
-    if (const char* utf8 = PyUnicode_AsUTF8AndSize(text.ptr(), &size)) {
-        text_.append(utf8, size);
-        return;
-    }
-    // Surrogates are refused with the whole name, like all that is not ASCII.
-    if (!PyErr_ExceptionMatches(PyExc_UnicodeEncodeError)) throw PythonError{};
-    PyErr_Clear();
-    const py::object bytes = steal(PyUnicode_AsEncodedString(text.ptr(), "utf-8", "surrogatepass"));
-    text_.append(PyBytes_AS_STRING(bytes.ptr()), PyBytes_GET_SIZE(bytes.ptr()));
-}
-
-// str(part), without an object for the usual kinds.
-void NameBuffer::append_part(py::handle part) {
-    if (PyUnicode_CheckExact(part.ptr())) return append_str(part);
-    if (PyLong_CheckExact(part.ptr())) {
-        int overflow;
-        const long long value = PyLong_AsLongLongAndOverflow(part.ptr(), &overflow);
-        if (value == -1 && PyErr_Occurred()) throw PythonError{};
-        if (!overflow) {
-            char digits[24];
-            text_.append(digits, std::to_chars(digits, digits + sizeof digits, value).ptr);
-            return;
-        }
-    }
-    append_str(steal(PyObject_Str(part.ptr())));
-}
-
-void NameBuffer::append_key(py::handle key) {
-    if (PyTuple_CheckExact(key.ptr())) {
-        for (Py_ssize_t i = 0; i < PyTuple_GET_SIZE(key.ptr()); ++i) {
-            if (i > 0) text_ += ',';
-            append_part(PyTuple_GET_ITEM(key.ptr(), i));
-        }
-        return;
-    }
-    if (PyUnicode_Check(key.ptr()) || PyLong_CheckExact(key.ptr())) return append_part(key);
-    PyObject* iterator = PyObject_GetIter(key.ptr());
-    if (!iterator) {
-        if (!PyErr_ExceptionMatches(PyExc_TypeError)) throw PythonError{};
-        PyErr_Clear();
-        return append_part(key);
-    }
-    const py::object parts = steal(iterator);
-    for (bool first = true;; first = false) {
-        PyObject* part = PyIter_Next(parts.ptr());
-        if (!part) break;
-        const py::object keep = steal(part);
-        if (!first) text_ += ',';
-        append_part(keep);
-    }
-    if (PyErr_Occurred()) throw PythonError{};
-}
-
-void NameBuffer::add_indexed(py::handle base, PyObject* keys) {
-    const py::object text = steal(PyObject_Str(base.ptr()));
-    for (Py_ssize_t i = 0; i < PyList_GET_SIZE(keys); ++i) {
-        append_str(text);
-        text_ += '[';
-        append_key(PyList_GET_ITEM(keys, i));
-        text_ += ']';
-        close();
-    }
-}
-
-void NameBuffer::add(py::handle name) {
-    if (!PyUnicode_Check(name.ptr())) {
-        PyErr_Format(PyExc_TypeError, "variable names must be str, not %.200s", Py_TYPE(name.ptr())->tp_name);
-        throw PythonError{};
-    }
-    append_str(name);
-    close();
-}
-
-char* const* NameBuffer::pointers() {
-    if (!any_) return nullptr;
-    pointers_.resize(start_.size());
-    for (std::size_t i = 0; i < start_.size(); ++i) pointers_[i] = text_.data() + start_[i];
-    return pointers_.data();
-}
-
 void collect_names(PyObject* name, PyObject* keys, NameBuffer& names) {
     if (!name || name == Py_None || is_empty_string(name)) return;
     if (PyUnicode_Check(name)) return names.add_indexed(name, keys);
@@ -413,26 +309,6 @@ void collect_names(PyObject* name, PyObject* keys, NameBuffer& names) {
 }
 
 }  // namespace
-
-py::object index_name(py::handle name, py::handle key) {
-    if (!checked(PyObject_IsTrue(name.ptr()))) return steal(PyUnicode_FromString(""));
-    py::object parts = borrow(key);
-    if (!PyUnicode_Check(key.ptr())) {
-        PyObject* iterator = PyObject_GetIter(key.ptr());
-        if (iterator) {
-            const py::object all = steal(PySequence_List(steal(iterator).ptr()));
-            for (Py_ssize_t i = 0; i < PyList_GET_SIZE(all.ptr()); ++i)
-                checked(
-                    PyList_SetItem(all.ptr(), i, steal(PyObject_Str(PyList_GET_ITEM(all.ptr(), i))).release().ptr()));
-            parts = steal(PyUnicode_Join(steal(PyUnicode_FromString(",")).ptr(), all.ptr()));
-        } else if (PyErr_ExceptionMatches(PyExc_TypeError)) {
-            PyErr_Clear();
-        } else {
-            throw PythonError{};
-        }
-    }
-    return steal(PyUnicode_FromFormat("%S[%S]", name.ptr(), parts.ptr()));
-}
 
 py::object Model_addVar(Model& self, Args args) {
     const auto [lb, ub, obj, vtype, name, column] = kAddVar.parse(args);

@@ -30,4 +30,13 @@ private:
     mutable PyObject* object_ = nullptr;
 };
 
+// The attribute f_locals of a frame, or of what stands for one.
+inline py::object frame_locals(py::handle frame) {
+#if PY_VERSION_HEX >= 0x030B0000
+    if (PyFrame_Check(frame.ptr())) return steal(PyFrame_GetLocals(reinterpret_cast<PyFrameObject*>(frame.ptr())));
+#endif
+    static const Name kLocals("f_locals");
+    return steal(PyObject_GetAttr(frame.ptr(), kLocals.get()));
+}
+
 }  // namespace zelvanpy
