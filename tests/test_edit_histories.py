@@ -13,6 +13,7 @@ from native import INFINITY, Double, Environment, Int, array, lib
 
 NUM_HISTORIES = int(os.environ.get("ZELVAN_RANDOM_HISTORIES", 1500))
 OPTIMAL = 2
+TINY = [1e-10, 1e-13]  # coefficients that rows are multiplied for, or that HiGHS has to be told to keep
 
 
 @dataclasses.dataclass(eq=False)
@@ -22,6 +23,8 @@ class Column:
     obj: float
     vtype: str
     name: str
+    bounded: bool  # has to stay so
+    null: bool  # stays at 0, where tiny coefficients change no answer
 
 
 @dataclasses.dataclass(eq=False)
@@ -35,13 +38,19 @@ class Row:
     name: str
 
 
+@dataclasses.dataclass(eq=False)
+class Set:
+    kind: int
+    weights: dict  # by column
+
+
 class Plain:
     """What the edited model must be after its next update, and the random edits, each done to both."""
 
     def __init__(self, rng, model, integers):
         self.rng, self.model = rng, model
-        self.types = "CCIB" if integers else "C"
-        self.columns, self.rows, self.deleted = [], [], []
+        self.integers = integers
+        self.columns, self.rows, self.sets, self.deleted = [], [], [], []
         self.sense, self.constant, self.named = 1, 0.0, 0
 
     def name(self, letter):
@@ -51,20 +60,32 @@ class Plain:
     def new_column(self):
         lb = float(self.rng.choice([-3, 0, 0, 1]))
         ub = self.rng.choice([lb, lb + 2.0, lb + 5.0, lb + 5.0, INFINITY])
-        vtype = self.rng.choice(self.types)
-        if vtype == "B":
+        vtype = self.rng.choice("CCIBSN" if self.integers else "C")
+        null = self.rng.random() < 0.2
+        if null:
+            lb = ub = 0.0
+        elif vtype == "B":
             lb, ub = 0.0, 1.0
-        return Column(lb, ub, float(self.rng.randint(-4, 6)), vtype, self.name("x"))
+        elif vtype in "SN":
+            ub = lb + self.rng.choice([0.0, 3.0])
+        bounded = null or vtype in "SN"
+        return Column(lb, ub, float(self.rng.randint(-4, 6)), vtype, self.name("x"), bounded, null)
 
     def new_row(self):
         some = self.rng.sample(self.columns, self.rng.randint(0, min(4, len(self.columns))))
         entries = {column: float(self.rng.choice([-2, -1, 1, 2, 3])) for column in some}
+        nulls = [column for column in self.columns if column.null]
+        entries.update((column, self.rng.choice(TINY)) for column in self.some(nulls))
         rhs = float(self.rng.randint(-2, 8))
         return Row(entries, self.rng.choice("<<<>>=R"), rhs, rhs - self.rng.randint(0, 4), self.name("r"))
 
     def index(self, thing):
         """By the numbering of the last update, with what is new behind."""
-        return (self.columns if isinstance(thing, Column) else self.rows).index(thing)
+        return {Column: self.columns, Row: self.rows, Set: self.sets}[type(thing)].index(thing)
+
+    def bounded(self):
+        """Columns with two finite bounds."""
+        return [column for column in self.columns if column.ub < INFINITY]
 
     def terms(self, entries):
         return len(entries), array(Int, [self.index(thing) for thing in entries]), array(Double, [*entries.values()])
@@ -91,17 +112,27 @@ class Plain:
         add_row(self.model, row, self.columns)
         self.rows.append(row)
 
+    def add_set(self):
+        some = self.some(self.bounded(), 4) if self.integers else []
+        if some:
+            weights = dict(zip(some, map(float, self.rng.sample(range(9), len(some)))))
+            self.sets.append(Set(self.rng.choice([1, 2]), weights))
+            add_set(self.model, self.sets[-1], self.columns)
+            for column in some:
+                column.bounded = True
+
     def delete(self):
-        for things, call in ((self.columns, "ZVNdelvars"), (self.rows, "ZVNdelconstrs")):
+        calls = (self.columns, "ZVNdelvars"), (self.rows, "ZVNdelconstrs"), (self.sets, "ZVNdelsos")
+        for things, call in calls:
             some = self.rng.sample(things, min(len(things), self.rng.choice([0, 1, 1, 2])))
             self.model.call(call, len(some), array(Int, [self.index(thing) for thing in some]))
             self.deleted += some
 
     def set_bounds(self):
         for column in self.some(self.columns):
-            if column.vtype != "B":
+            if column.vtype != "B" and not column.null:
                 column.lb = float(self.rng.randint(-4, 2))
-                column.ub = self.rng.choice([column.lb, column.lb + 3.0, INFINITY])
+                column.ub = column.lb + self.rng.choice([0.0, 3.0, 3.0 if column.bounded else INFINITY])
                 self.write("dbl", "LB", column, Double(column.lb))
                 self.write("dbl", "UB", column, Double(column.ub))
 
@@ -112,8 +143,8 @@ class Plain:
 
     def set_type(self):
         for column in self.some(self.columns):
-            if column.vtype != "B":
-                column.vtype = self.rng.choice(self.types.replace("B", ""))
+            if column.vtype != "B" and self.integers:
+                column.vtype = self.rng.choice("CCISN" if column.bounded else "CI")
                 self.write("char", "VType", column, char(column.vtype))
 
     def set_side(self):
@@ -128,21 +159,28 @@ class Plain:
                 row.sense = self.rng.choice("<>=")
                 self.write("char", "Sense", row, char(row.sense))
 
+    def rename(self):
+        for thing in self.some(self.columns) + self.some(self.rows):
+            attr = "VarName" if isinstance(thing, Column) else "ConstrName"
+            thing.name = self.name("n")
+            self.write("str", attr, thing, thing.name.encode())
+
     def set_model(self):
         self.sense = self.rng.choice([1, 1, -1])
         self.constant = float(self.rng.randint(-9, 9))
         self.model.call("ZVNsetintattr", b"ModelSense", self.sense)
         self.model.call("ZVNsetdblattr", b"ObjCon", Double(self.constant))
 
-    def some(self, things):
-        return self.rng.sample(things, self.rng.randint(0, min(2, len(things))))
+    def some(self, things, most=2):
+        return self.rng.sample(things, self.rng.randint(0, min(most, len(things))))
 
     def write(self, kind, attr, thing, value):
         self.model.call("ZVNset%sattrelement" % kind, attr.encode(), self.index(thing), value)
 
     def edit(self):
-        edits = [self.add_column, self.add_columns, self.add_row, self.add_row, self.delete, self.set_bounds]
-        edits += [self.set_costs, self.set_type, self.set_side, self.set_sense, self.set_model]
+        edits = [self.add_column, self.add_columns, self.add_row, self.add_row, self.add_set, self.delete]
+        edits += [self.set_bounds, self.set_costs, self.set_type, self.set_side, self.set_sense, self.set_model]
+        edits += [self.rename]
         for edit in self.rng.choices(edits, k=self.rng.randint(1, 4)):
             edit()
 
@@ -152,14 +190,19 @@ class Plain:
         self.deleted = []
         self.columns = [column for column in self.columns if column not in gone]
         self.rows = [row for row in self.rows if row not in gone]
+        self.sets = [some for some in self.sets if some not in gone]
         for row in self.rows:
             row.entries = {column: value for column, value in row.entries.items() if column not in gone}
+        for some in self.sets:
+            some.weights = {column: weight for column, weight in some.weights.items() if column not in gone}
 
     def build(self, env):
         model = env.new()
         model.add_columns([(c.name, c.vtype, c.lb, c.ub, c.obj) for c in self.columns])
         for row in self.rows:
             add_row(model, row, self.columns)
+        for some in self.sets:
+            add_set(model, some, self.columns)
         model.call("ZVNsetintattr", b"ModelSense", self.sense)
         model.call("ZVNsetdblattr", b"ObjCon", Double(self.constant))
         return model
@@ -172,6 +215,10 @@ def char(letter):
 def add_row(model, row, columns):
     entries = [(columns.index(column), value) for column, value in row.entries.items()]
     model.add_row(row.name, row.sense, row.rhs, entries, row.lower)
+
+
+def add_set(model, some, columns):
+    model.add_set(some.kind, [(columns.index(column), weight) for column, weight in some.weights.items()])
 
 
 def answer(model):

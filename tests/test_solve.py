@@ -259,20 +259,23 @@ def test_semi_continuous_without_bound(model):
     assert x.X == 6
 
 
-def test_changed_model_solves_like_a_new_one_and_faster(env_silent):
+@pytest.mark.parametrize("tiny", [0.0, 1e-13])  # rows with such an entry are multiplied
+def test_changed_model_solves_like_a_new_one_and_faster(env_silent, tiny):
     m = assignment(env_silent)
+    x = m.getVars()
+    m.addConstr(tiny * x[70] + x[3] + x[4] <= 1)
     m.optimize()
     cold = m.IterCount
     m.getVars()[3].UB = 0
     m.getConstrs()[0].RHS = 2
-    m.getConstrs()[-1].RHS = 2
+    m.getConstrs()[79].RHS = 2
     m.optimize()
     warm, value = m.IterCount, m.ObjVal
     m.reset()
     m.optimize()
     assert m.ObjVal == pytest.approx(value) and warm < cold / 4
-    x = m.getVars()
-    m.addConstr(x[1] + x[2] + x[50] <= 0.5)  # a new row goes on from the basis too
+    m.remove([x[70], m.getConstrs()[40]])
+    m.addConstr(tiny * x[60] + x[1] + x[2] + x[50] <= 0.5)  # a new row goes on from the basis too
     y = m.addVar(obj=-3000, ub=2, column=zelvanpy.Column([1.0, 1.0], [m.getConstrs()[0], m.getConstrs()[79]]))
     m.optimize()
     warm, value = m.IterCount, m.ObjVal

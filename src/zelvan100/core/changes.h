@@ -13,6 +13,8 @@ struct ListChange {
     std::vector<int> deleted;  // their numbers then, rising
 
     int kept() const { return before - static_cast<int>(deleted.size()); }
+    // Whether the `size` objects that there are now are those that were there.
+    bool is_none(int size) const { return deleted.empty() && before == size; }
     // `deleted` as it becomes when the objects that `keep` doesn't hold are deleted now.
     std::vector<int> deleted_after(const std::vector<char>& keep) const;
 };
@@ -20,6 +22,9 @@ struct ListChange {
 struct Changes {
     std::uint64_t since = 0;  // stamp of the model at that moment; see Model::stamp
     ListChange cols, rows;
+
+    // Whether the coefficients are those of that moment.
+    bool keep_matrix(int num_cols, int num_rows) const { return cols.is_none(num_cols) && rows.is_none(num_rows); }
 };
 
 }  // namespace zelvan

@@ -14,20 +14,6 @@ void Columns::push_back(double lower, double upper, double cost, char vtype, std
     optional.resize(size());
 }
 
-std::pair<double, double> Rows::sides(int i) const {
-    const double right = clipped(rhs[i]);
-    switch (sense[i]) {
-        case '<':
-            return {-kInfinity, right};
-        case '>':
-            return {right, kInfinity};
-        case 'R':
-            return {clipped(lower[i]), right};
-        default:
-            return {right, right};
-    }
-}
-
 void Rows::push_back(char row_sense, double right, std::string_view name) {
     close_row();
     sense.push_back(row_sense);

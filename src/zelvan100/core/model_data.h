@@ -41,7 +41,19 @@ struct Rows : Identity, SparseRows {
 
     int size() const { return static_cast<int>(rhs.size()); }
     // Sides of row i, infinite where it has none.
-    std::pair<double, double> sides(int i) const;
+    std::pair<double, double> sides(int i) const {
+        const double right = clipped(rhs[i]);
+        switch (sense[i]) {
+            case '<':
+                return {-kInfinity, right};
+            case '>':
+                return {right, kInfinity};
+            case 'R':
+                return {clipped(lower[i]), right};
+            default:
+                return {right, right};
+        }
+    }
     // Both close a row whose entries were pushed to col and val.
     void push_back(char row_sense, double right, std::string_view name);
     void push_back_range(double left, double right, std::string_view name);

@@ -51,7 +51,7 @@ public:
 
     SolverResult run() {
         const bool warm = !is_mip_ && (context_.session.has_basis() || !start_.basis.rows.empty());
-        SolverResult result = search(problem_, start_, context_);
+        SolverResult result = evaluated(search(problem_, start_, context_));
         if (result.x.empty() && is_trivial(problem_)) return result;
         if (warm && result.outcome == Outcome::kOptimal) result = with_proof(std::move(result));
         if (result.outcome == Outcome::kInfeasible) return is_mip_ ? doubted(result) : confirmed(std::move(result));
@@ -61,12 +61,18 @@ public:
 private:
     void log(const std::string& text) { context_.monitor.log(text); }
 
+    // What several checks look at.
+    SolverResult evaluated(SolverResult result) const {
+        if (!result.x.empty()) result.activity = row_activities(claim_.data.rows, result.x.data());
+        return result;
+    }
+
     // A basis of an earlier solve can lead the simplex method astray.
     SolverResult with_proof(SolverResult result) {
         if (is_proven_optimal(problem_, result, context_.params.get_dbl(Param::OptimalityTol))) return result;
         log("The optimality conditions don't hold: solving anew from scratch\n");
         context_.session.forget_basis();
-        return search(problem_, {}, context_);
+        return evaluated(search(problem_, {}, context_));
     }
 
     // A point that holds, with its objective recomputed; without one the answer isn't optimal.
@@ -75,7 +81,8 @@ private:
             if (result.outcome == Outcome::kOptimal) result.outcome = Outcome::kUnknown;
             return result;
         }
-        if (const std::optional<Breach> breach = claim_.breach(result.x)) {
+        if (const std::optional<Breach> breach =
+                find_breach(claim_.data, result.x, result.activity, claim_.tolerances)) {
             log("The point found violates " + text_of(claim_.data, *breach) + "\n");
             result = repair(problem_, claim_, std::move(result), context_);
         } else if (is_worse_than_claimed(result)) {
@@ -84,7 +91,8 @@ private:
         }
         if (result.x.empty()) return result;
         result.objective = claim_.objective(result.x.data());
-        return result.outcome == Outcome::kOptimal && is_mip_ ? bounded(std::move(result)) : result;
+        if (result.outcome == Outcome::kOptimal && is_mip_) return bounded(std::move(result));
+        return result;
     }
 
     bool is_worse_than_claimed(const SolverResult& result) const {
@@ -139,7 +147,7 @@ private:
         care.presolve = false;
         care.simplex = true;
         SolverResult again = search_aside(problem_, start, care, context_);
-        if (again.outcome != Outcome::kInfeasible) return held(std::move(again));
+        if (again.outcome != Outcome::kInfeasible) return held(evaluated(std::move(again)));
         if (point.empty()) {
             if (!is_mip_) log("Infeasible by two methods, though without a proof that holds\n");
             return result;
@@ -148,11 +156,12 @@ private:
         result.x = point;
         result.objective = claim_.objective(point.data());
         result.bound = -problem_.sense * kInf;
-        return result;
+        return evaluated(std::move(result));
     }
 
     bool admissible(const std::vector<double>& x, const Tolerances& tolerances) const {
-        return x.size() >= claim_.data.cols.lb.size() && !find_breach(claim_.data, x, tolerances) &&
+        return x.size() >= claim_.data.cols.lb.size() &&
+               !find_breach(claim_.data, x, row_activities(claim_.data.rows, x.data()), tolerances) &&
                std::isfinite(claim_.objective(x.data())) && (!claim_.admits || claim_.admits(x.data()));
     }
 

@@ -158,6 +158,13 @@ bool is_proven_optimal(const Problem& problem, const SolverResult& result, doubl
     const double* const val = problem.val();
     std::vector<double> rest = problem.cost;
     double gap = 0.0;
+    const std::size_t num_known = problem.has_multiplied_rows() ? 0 : result.activity.size();
+    const auto activity_of = [&](int i) {
+        if (static_cast<std::size_t>(i) < num_known) return result.activity[i];
+        double activity = 0.0;
+        for (int k = problem.start[i]; k < problem.start[i + 1]; ++k) activity += val[k] * result.x[col[k]];
+        return activity;
+    };
     const auto speaks_wrong = [&](double dual, double value, double lower, double upper) {
         if (std::fabs(dual) <= tolerance) return false;
         gap += complementarity(dual, value, lower, upper);
@@ -165,12 +172,8 @@ bool is_proven_optimal(const Problem& problem, const SolverResult& result, doubl
     };
     for (int i = 0; i < problem.num_rows(); ++i) {
         if (result.pi[i] == 0.0) continue;
-        double activity = 0.0;
-        for (int k = problem.start[i]; k < problem.start[i + 1]; ++k) {
-            rest[col[k]] -= result.pi[i] * val[k];
-            activity += val[k] * result.x[col[k]];
-        }
-        if (speaks_wrong(problem.sense * result.pi[i], activity, problem.row_lower[i], problem.row_upper[i]))
+        for (int k = problem.start[i]; k < problem.start[i + 1]; ++k) rest[col[k]] -= result.pi[i] * val[k];
+        if (speaks_wrong(problem.sense * result.pi[i], activity_of(i), problem.row_lower[i], problem.row_upper[i]))
             return false;
     }
     for (int j = 0; j < problem.num_cols(); ++j) {

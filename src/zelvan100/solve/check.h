@@ -12,6 +12,7 @@
 namespace zelvan {
 
 double row_activity(const SparseRows& rows, int i, const double* x);
+std::vector<double> row_activities(const SparseRows& rows, const double* x);
 // How far a value lies outside an interval, 0 inside.
 double outside(double value, double lower, double upper);
 // Distance to the nearest value that bounds and type leave, integrality aside: 0 is left to semi-continuous types.
@@ -52,8 +53,9 @@ struct Breach {
 
 // The breach that is largest in terms of its tolerance, none when the point holds. A value counts as within where
 // the rounding of its own evaluation could be all that is wrong with it. x has a value for each column, further ones
-// are ignored.
-std::optional<Breach> find_breach(const ModelData& data, std::span<const double> x, const Tolerances& tolerances);
+// are ignored. `activity` has the activities of the rows there.
+std::optional<Breach> find_breach(const ModelData& data, std::span<const double> x, std::span<const double> activity,
+                                  const Tolerances& tolerances);
 // "constraint 'c1' by 0.5, where 1e-06 is allowed"
 std::string text_of(const ModelData& data, const Breach& breach);
 

@@ -185,9 +185,8 @@ Solution solve(Model& model) {
     ParamValues params = model.env.settings();
     ModelListener listener(model, params);
     Monitor monitor(std::move(params), listener, model.stop, std::exchange(model.watch_signal, false));
-    Problem problem(data);
-    problem.follow(model.stamp, model.changes);
     if (!model.session) model.session = std::make_shared<HighsSession>();
+    Problem problem(data, model.stamp, model.changes, model.session->held());
     Context context(*model.session, monitor);
     RelaxationBound relaxation_bound(context);
     Indicators indicators(problem, std::ref(relaxation_bound));
@@ -198,7 +197,7 @@ Solution solve(Model& model) {
             ? solve_multi_objective(data, std::move(problem), {user_start(data), user_basis(data, monitor)}, context)
             : solve_single(data, std::move(problem), context, listener.pool());
     store_counts(context, solution);
-    if (model.session->holds(model.stamp)) model.follow_changes();
+    if (model.session->held().stamp == model.stamp) model.follow_changes();
     return solution;
 }
 

@@ -279,11 +279,11 @@ void HighsSession::set_option(const char* name, const char* value) {
 }
 
 void HighsSession::load(const Problem& problem) {
-    const bool descends = loaded_ && problem.stamp() != 0 &&
-                          (problem.stamp() == stamp_ || (problem.changes() && problem.changes()->since == stamp_));
-    loaded_ = false;  // unless all below succeeds
-    if (descends) {
-        edit(problem);
+    const Ancestor held = std::exchange(held_, {});  // nothing, unless all below succeeds
+    const bool same = held.stamp != 0 && held.stamp == problem.stamp();
+    const bool follows = held.stamp != 0 && problem.changes() && problem.changes()->since == held.stamp;
+    if (same || follows) {
+        edit(problem, same);
         pass_values(problem);
     } else {
         pass(problem);
@@ -298,11 +298,10 @@ void HighsSession::load(const Problem& problem) {
     sense_ = problem.sense;
     offset_ = problem.offset;
     integer_ = problem.integer;
-    stamp_ = problem.stamp();
     version_ = problem.version();
     model_cols_ = problem.model_cols();
     model_rows_ = problem.model_rows();
-    loaded_ = true;
+    held_ = problem.as_ancestor();
     if (problem.is_mip() && !incumbent_.empty() && problem.is_feasible(incumbent_, kStartTolerance))
         set_start(incumbent_);
 }
@@ -318,14 +317,13 @@ void HighsSession::pass(const Problem& problem) {
 }
 
 // Columns and rows, by the calls that keep the basis.
-void HighsSession::edit(const Problem& problem) {
+void HighsSession::edit(const Problem& problem, bool same_model) {
     std::vector<int> cols, rows;
-    if (problem.stamp() != stamp_) {
+    if (!same_model) {
         cols = problem.changes()->cols.deleted;
         rows = problem.changes()->rows.deleted;
     }
-    const bool additions_stay =
-        problem.stamp() == stamp_ && (problem.version() == version_ || problem.base_version() == version_);
+    const bool additions_stay = same_model && (problem.version() == version_ || problem.base_version() == version_);
     if (!additions_stay) {
         append_numbers(cols, model_cols_, static_cast<int>(cost_.size()));
         append_numbers(rows, model_rows_, static_cast<int>(row_lower_.size()));

@@ -63,10 +63,11 @@ struct SolverResult {
     double objective = 0.0, bound = 0.0;
     double iterations = 0.0, nodes = 0.0;  // iterations of simplex and crossover
     int barrier_iterations = 0;
-    std::vector<double> x;       // empty without a feasible point
-    std::vector<double> rc, pi;  // empty unless dual feasible
-    Basis basis;                 // empty when there is none
-    std::vector<double> farkas;  // of the rows, once an infeasibility is proven
+    std::vector<double> x;         // empty without a feasible point
+    std::vector<double> activity;  // at x, of the rows of the model; empty where it wasn't looked at
+    std::vector<double> rc, pi;    // empty unless dual feasible
+    Basis basis;                   // empty when there is none
+    std::vector<double> farkas;    // of the rows, once an infeasibility is proven
 };
 
 class HighsSession {
@@ -89,8 +90,8 @@ public:
     // Hands the problem over; where it descends from the one before only what differs. The basis stays, and the
     // latest solution of a MIP where it is still feasible.
     void load(const Problem& problem);
-    // Whether it holds a problem of that stamp.
-    bool holds(std::uint64_t stamp) const { return loaded_ && stamp_ == stamp; }
+    // What it holds, for the next problem.
+    const Ancestor& held() const { return held_; }
     // Costs of all columns for a further solve of the loaded model.
     void change_costs(const std::vector<double>& cost, double offset);
     void forget_basis();
@@ -122,7 +123,7 @@ private:
     int watched(Call call);
     void check(int status, const char* what);
     void pass(const Problem& problem);
-    void edit(const Problem& problem);
+    void edit(const Problem& problem, bool same_model);
     void delete_cols(std::vector<int> cols);
     void delete_rows(std::vector<int> rows);
     void add_cols(const Problem& problem);
@@ -142,8 +143,8 @@ private:
     std::string fault_;                 // the latest error line of the log
 
     // What HiGHS holds, to find what differs in the next problem.
-    bool loaded_ = false;
-    std::uint64_t stamp_ = 0, version_ = 0;  // of its problem
+    Ancestor held_;
+    std::uint64_t version_ = 0;  // of its problem
     int model_cols_ = 0, model_rows_ = 0;
     int sense_ = 1;
     double offset_ = 0.0;

@@ -58,13 +58,40 @@ bool are_ordinary(const std::vector<double>& values) {
     return std::count_if(values.begin(), values.end(), is_ordinary) == static_cast<std::ptrdiff_t>(values.size());
 }
 
+bool fits(double least, double most) { return least > kSmallestCoefficient && most < kLargestCoefficient; }
+
 // The power of two that brings a row's coefficients to where none is dropped or refused; 0 when they are too far apart.
 double row_factor(double least, double most) {
-    if (least > kSmallestCoefficient && most < kLargestCoefficient) return 1.0;
+    if (fits(least, most)) return 1.0;
     const double factor = least <= kSmallestCoefficient
                               ? std::exp2(std::ceil(std::log2(kSmallestCoefficient / least)) + 1.0)
                               : std::exp2(-std::ceil(std::log2(most / kLargestCoefficient)) - 1.0);
-    return least * factor > kSmallestCoefficient && most * factor < kLargestCoefficient ? factor : 0.0;
+    return fits(least * factor, most * factor) ? factor : 0.0;
+}
+
+// The factor of a row of the model; the earlier one as long as it will do.
+double factor_of(const ModelData& data, int i, double earlier, bool& has_small_entries) {
+    const auto [smallest, largest] = extremes(data.rows, i);
+    if (smallest < 0) return earlier;
+    const double least = std::abs(data.rows.val[smallest]), most = std::abs(data.rows.val[largest]);
+    if (most >= kLargestCoefficient) refuse(data, i, largest, "' is too large to solve with: at most 1e15 is possible");
+    if (least <= kDroppedByDefault) has_small_entries = true;
+    if (fits(least * earlier, most * earlier)) return earlier;
+    const double factor = row_factor(least, most);
+    if (factor == 0.0) refuse(data, i, smallest, "' is too small to solve with next to the others there");
+    return factor;
+}
+
+// Those of rows that are still there, by their numbers now.
+RowFactors renumbered(const RowFactors& factors, const std::vector<int>& deleted) {
+    RowFactors kept;
+    auto next = deleted.begin();
+    for (const auto& [i, factor] : factors) {
+        next = std::lower_bound(next, deleted.end(), i);
+        if (next == deleted.end() || *next != i)
+            kept.emplace_back(i - static_cast<int>(next - deleted.begin()), factor);
+    }
+    return kept;
 }
 
 std::uint64_t fresh_version() {
@@ -76,76 +103,92 @@ std::uint64_t fresh_version() {
 
 double main_weight(const ModelData& data) { return data.objectives.size() > 1 ? data.objectives[0].weight : 1.0; }
 
-Problem::Problem(const ModelData& data)
+Problem::Problem(const ModelData& data, std::uint64_t stamp, const Changes& changes, const Ancestor& held)
     : sense(data.sense),
       offset(data.obj_constant),
       cost(data.cols.obj),
       lb(data.cols.lb),
       ub(data.cols.ub),
       integer(data.cols.size(), 0),
+      row_lower(data.rows.size()),
+      row_upper(data.rows.size()),
       start(data.rows.start.begin(), data.rows.start.end()),
       model_cols_(data.cols.size()),
       model_rows_(data.rows.size()),
+      ancestor_{stamp, {}, false},
       model_col_(data.rows.col.data()),
       model_val_(data.rows.val.data()) {
     if (data.rows.num_entries() > std::numeric_limits<int>::max())
         throw Error(ZVN_ERROR_EXCEED_2B_NONZEROS, "The model has more than 2147483647 nonzeros");
+    take_columns(data);
+    for (int i = 0; i < num_rows(); ++i) {
+        const auto [lower, upper] = data.rows.sides(i);
+        row_lower[i] = with_infinity(lower);
+        row_upper[i] = with_infinity(upper);
+    }
+    const bool follows = held.stamp != 0 && held.stamp == changes.since;
+    const RowFactors earlier = follows ? renumbered(held.factors, changes.rows.deleted) : RowFactors();
+    if (follows && changes.keep_matrix(num_cols(), num_rows())) {
+        ancestor_.factors = earlier;
+        ancestor_.has_small_entries = held.has_small_entries;
+    } else {
+        choose_factors(data, earlier);
+    }
+    has_small_entries_ = ancestor_.has_small_entries;
+    multiply_rows();
+    // A session can't follow where a row of it gets another factor.
+    const auto is_new = [&](const auto& factor) { return factor.first >= changes.rows.kept(); };
+    const RowFactors& factors = ancestor_.factors;
+    if (follows && std::equal(earlier.begin(), earlier.end(), factors.begin(),
+                              std::find_if(factors.begin(), factors.end(), is_new)))
+        changes_ = &changes;
+}
+
+void Problem::take_columns(const ModelData& data) {
     for (auto* bounds : {&lb, &ub})
         for (double& value : *bounds) value = with_infinity(value);
-    const double weight = main_weight(data);
-    offset *= weight;
-    for (int j = 0; j < num_cols(); ++j) {
+    for (int j = 0; j < num_cols(); ++j)
         if (std::abs(cost[j]) >= kLargestCost)
             throw Error(ZVN_ERROR_NUMERIC, "The objective coefficient of variable '" + data.col_name(j) +
                                                "' is too large to solve with: less than 1e20 is possible");
-        cost[j] *= weight;
-        const char type = data.cols.type[j];
-        if (type == 'C') continue;
-        integer[j] = type == 'B' || type == 'I' || type == 'N';
-        if (type != 'B') continue;
+    if (const double weight = main_weight(data); weight != 1.0) {
+        offset *= weight;
+        for (double& value : cost) value *= weight;
+    }
+    const std::vector<char>& type = data.cols.type;
+    if (std::count(type.begin(), type.end(), 'C') == num_cols()) return;
+    for (int j = 0; j < num_cols(); ++j) {
+        integer[j] = type[j] == 'B' || type[j] == 'I' || type[j] == 'N';
+        if (type[j] != 'B') continue;
         lb[j] = std::max(lb[j], 0.0);
         ub[j] = std::min(ub[j], 1.0);
     }
-    row_lower.reserve(data.rows.size());
-    row_upper.reserve(data.rows.size());
-    for (int i = 0; i < data.rows.size(); ++i) {
-        const auto [lower, upper] = data.rows.sides(i);
-        row_lower.push_back(with_infinity(lower));
-        row_upper.push_back(with_infinity(upper));
-    }
-    take_matrix(data);
 }
 
-void Problem::take_matrix(const ModelData& data) {
-    if (are_ordinary(data.rows.val)) return;
+// Earlier factors are kept where they fit, as a session then has them already.
+void Problem::choose_factors(const ModelData& data, const RowFactors& earlier) {
+    if (earlier.empty() && are_ordinary(data.rows.val)) return;
+    auto next = earlier.begin();
     for (int i = 0; i < data.rows.size(); ++i) {
-        const auto [smallest, largest] = extremes(data.rows, i);
-        if (smallest < 0) continue;
-        const double least = std::abs(data.rows.val[smallest]), most = std::abs(data.rows.val[largest]);
-        if (most >= kLargestCoefficient)
-            refuse(data, i, largest, "' is too large to solve with: at most 1e15 is possible");
-        if (least <= kDroppedByDefault) has_small_entries_ = true;
-        if (least > kSmallestCoefficient) continue;
-        const double factor = row_factor(least, most);
-        if (factor == 0.0) refuse(data, i, smallest, "' is too small to solve with next to the others there");
-        own_matrix();
+        const double old = next != earlier.end() && next->first == i ? next++->second : 1.0;
+        const double factor = factor_of(data, i, old, ancestor_.has_small_entries);
+        if (factor != 1.0) ancestor_.factors.emplace_back(i, factor);
+    }
+}
+
+void Problem::multiply_rows() {
+    if (ancestor_.factors.empty()) return;
+    own_matrix();
+    for (const auto& [i, factor] : ancestor_.factors) {
         for (int k = start[i]; k < start[i + 1]; ++k) val_[k] *= factor;
         row_lower[i] *= factor;
         row_upper[i] *= factor;
-        factors_.emplace_back(i, factor);
     }
 }
 
 void Problem::unscale(std::vector<double>& multipliers) const {
     if (multipliers.empty()) return;
-    for (const auto& [i, factor] : factors_) multipliers[i] *= factor;
-}
-
-// A row that is multiplied may get another factor when one of its columns is gone, so there is nothing to follow.
-void Problem::follow(std::uint64_t stamp, const Changes& changes) {
-    if (!factors_.empty()) return;
-    stamp_ = stamp;
-    changes_ = &changes;
+    for (const auto& [i, factor] : ancestor_.factors) multipliers[i] *= factor;
 }
 
 bool Problem::is_mip() const {

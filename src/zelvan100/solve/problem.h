@@ -31,13 +31,26 @@ struct Disjunctions {
     bool empty() const { return gaps.empty() && sets.empty(); }
 };
 
+// Powers of two by which rows are multiplied: row, factor, by rising row.
+using RowFactors = std::vector<std::pair<int, double>>;
+
+// What a session keeps in mind of the model whose problem it holds.
+struct Ancestor {
+    std::uint64_t stamp = 0;  // of the model, unlike any other; 0 without a problem that could be followed
+    RowFactors factors;       // of its rows
+    bool has_small_entries = false;
+};
+
 class Problem {
 public:
     // Takes over bounds, rows, types and the main objective, with its weight where there are several. What else there
     // is of a model is left to the bridges. The matrix stays in `data` until a bridge adds to it.
     // A row with entries that HiGHS would drop is multiplied by a power of two. Throws Error when a coefficient is
     // beyond what HiGHS computes with.
-    explicit Problem(const ModelData& data);
+    explicit Problem(const ModelData& data) : Problem(data, 0, {}, {}) {}
+    // The same for a session that holds `held`, to take only what differs. Changes tell what became of the columns and
+    // rows of the model of stamp changes.since, until the one of `stamp`, and must outlive this.
+    Problem(const ModelData& data, std::uint64_t stamp, const Changes& changes, const Ancestor& held);
 
     int sense = 1;
     double offset = 0.0;
@@ -56,6 +69,8 @@ public:
     bool has_small_entries() const { return has_small_entries_; }
     // Turns multipliers of rows, such as dual values, into those of the rows as the model has them.
     void unscale(std::vector<double>& multipliers) const;
+    // Whether a row of the model has other coefficients here.
+    bool has_multiplied_rows() const { return !ancestor_.factors.empty(); }
     bool is_mip() const;  // there are integer columns or disjunctions
     // Whether some column or row has no value at all that it may take, such as a lower bound of infinity.
     bool has_empty_range() const;
@@ -68,12 +83,12 @@ public:
     // One more row: the objective without its offset is to be no worse than the value.
     void limit_objective(double value);
 
-    // For a session that holds an earlier problem, to take only what differs. Equal stamps mean the same columns,
-    // rows and coefficients of the model, 0 is unlike any; changes tell what became of those of stamp changes()->since
-    // and must outlive this.
-    void follow(std::uint64_t stamp, const Changes& changes);
-    std::uint64_t stamp() const { return stamp_; }
+    // Equal stamps mean the same columns, rows and coefficients of the model, 0 is unlike any.
+    std::uint64_t stamp() const { return ancestor_.stamp; }
+    // For sessions that hold the model of stamp changes()->since; nullptr when there is nothing to follow.
     const Changes* changes() const { return changes_; }
+    // For the problem that follows this one.
+    const Ancestor& as_ancestor() const { return ancestor_; }
     int model_cols() const { return model_cols_; }
     int model_rows() const { return model_rows_; }
     // Of problems with equal stamps and versions the matrices are equal; 0 without additions.
@@ -83,11 +98,14 @@ public:
     std::uint64_t base_version() const { return base_; }
 
 private:
-    void take_matrix(const ModelData& data);
+    void take_columns(const ModelData& data);
+    void choose_factors(const ModelData& data, const RowFactors& earlier);
+    void multiply_rows();
     void own_matrix();
 
     int model_cols_, model_rows_;
-    std::uint64_t stamp_ = 0, version_ = 0, base_ = 0;
+    std::uint64_t version_ = 0, base_ = 0;
+    Ancestor ancestor_;  // what the model's part of this is to the next one
     const Changes* changes_ = nullptr;
     const int* model_col_;
     const double* model_val_;
@@ -95,7 +113,6 @@ private:
     std::vector<int> col_;
     std::vector<double> val_;
     bool has_small_entries_ = false;
-    std::vector<std::pair<int, double>> factors_;  // of the rows that were multiplied
 };
 
 // What the main objective is multiplied by.

@@ -57,6 +57,7 @@ public:
         result_ = std::move(failed);
         bound_ = is_mip_ ? result_.bound : -problem_.sense * kInf;
         const std::vector<double> x = std::exchange(result_.x, {});
+        result_.activity.clear();
         const bool ended = result_.outcome == Outcome::kOptimal;
         if (is_mip_ && fix(problem_, x) && ended && is_proven()) return proven();
         if (!ended) return unproven(result_.outcome);

@@ -19,7 +19,9 @@ struct Claim {
     std::function<bool(const double* x)> admits;
     Tolerances tolerances;
 
-    std::optional<Breach> breach(const std::vector<double>& x) const { return find_breach(data, x, tolerances); }
+    std::optional<Breach> breach(const std::vector<double>& x) const {
+        return find_breach(data, x, row_activities(data.rows, x.data()), tolerances);
+    }
 };
 
 Tolerances tolerances_of(const ParamValues& params);

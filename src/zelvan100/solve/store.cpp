@@ -63,8 +63,8 @@ void store_result(const ModelData& data, SolverResult result, Solution& solution
         solution.mip_gap = gap(solution.obj_val, solution.obj_bound);
     }
     solution.slack.resize(data.rows.size());
-    for (int i = 0; i < data.rows.size(); ++i)
-        solution.slack[i] = data.rows.rhs[i] - row_activity(data.rows, i, solution.x.data());
+    if (result.activity.empty()) result.activity = row_activities(data.rows, solution.x.data());
+    for (int i = 0; i < data.rows.size(); ++i) solution.slack[i] = data.rows.rhs[i] - result.activity[i];
     if (solution.is_mip || (result.rc.empty() && !solution.x.empty())) return;
     result.rc.resize(data.cols.size());
     result.pi.resize(data.rows.size());
