@@ -104,6 +104,16 @@ for name, bar, subject, baseline in (
 ):
     table.row(f"{name} / plain attribute", compare_pending(subject, baseline), bar=bar, per=NUM)
 
+for name, keys in (("int keys", range(NUM)), ("pairs", [divmod(i, 1000) for i in range(NUM)])):
+    mapped = zelvanpy.tupledict(zip(keys, handles))
+    ratio = compare(
+        lambda mapped=mapped: m.getAttr("X", mapped),
+        lambda mapped=mapped: dict(zip(mapped, m.getAttr("X", list(mapped.values())))),
+        number=1,
+    )
+    table.row(f"getAttr, tupledict with {name} / dict of the list", ratio, bar=0.8, per=NUM)
+    del mapped
+
 table = Table(f"Handles, {NUM} columns")
 
 

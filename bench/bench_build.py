@@ -108,6 +108,76 @@ def measure_add_constrs(side, repeats):
     return timing.Ratio(subject, baseline)
 
 
+class NeighbourRows:
+    """Rows of two terms over a chain of variables, by addConstrs and by a loop of addConstr into a dict."""
+
+    def __init__(self, count):
+        self.count = count
+
+    def measure(self, build):
+        m = zelvanpy.Model(env=ENV)
+        x = list(m.addVars(self.count + 1).values())
+        m.update()
+        taken = timing.seconds(lambda: build(m, x))
+        m.dispose()
+        return taken
+
+    def bulk(self, m, x):
+        m.addConstrs(x[i] + x[i + 1] <= 1 for i in range(self.count))
+
+    def named(self, m, x):
+        m.addConstrs((x[i] + x[i + 1] <= 1 for i in range(self.count)), name="c")
+
+    def loop(self, m, x):
+        rows, add = {}, m.addConstr
+        for i in range(self.count):
+            rows[i] = add(x[i] + x[i + 1] <= 1)
+
+    def compare(self, subject, repeats=7):
+        times = [(self.measure(subject), self.measure(self.loop)) for _ in range(2 if timing.SHORT else repeats)]
+        return timing.Ratio(*zip(*times))
+
+
+def measure_single_row():
+    m = zelvanpy.Model(env=ENV)
+    x = m.addVar()
+    m.update()
+    return timing.compare(lambda: m.addConstrs(x <= 1 for i in (0,)), lambda: m.addConstr(x <= 1))
+
+
+def small_models(count, bulk):
+    """`count` assignment models of ten by ten, by addVars and addConstrs or by single calls."""
+
+    def build(m):
+        if bulk:
+            x = m.addVars(10, 10, obj=1.0)
+            m.update()
+            m.addConstrs(x[i, j] + x[j, i] <= 1 for i in range(10) for j in range(10))
+            return
+        x = {(i, j): m.addVar(obj=1.0) for i in range(10) for j in range(10)}
+        m.update()
+        for i in range(10):
+            for j in range(10):
+                m.addConstr(x[i, j] + x[j, i] <= 1)
+
+    def run():
+        for _ in range(count):
+            m = zelvanpy.Model(env=ENV)
+            build(m)
+            m.dispose()
+
+    return run
+
+
+def add_vars_with_costs(count, costs):
+    def run():
+        m = zelvanpy.Model(env=ENV)
+        m.addVars(count, **costs)
+        m.dispose()
+
+    return run
+
+
 def measure_set_objective(count, repeats):
     library = ctypes.CDLL(os.path.join(os.path.dirname(zelvanpy.__file__), "libzelvan100.so"))
     m = zelvanpy.Model(env=ENV)
@@ -175,6 +245,17 @@ def main():
     table.row("addVars(%d, %d, name='x') / dict comprehension" % (SIDE, SIDE), ratio, bar=4.0, per=SIDE * SIDE)
     table.row("addConstr of three terms / floats", measure_rows(calls, 7), bar=10, per=calls)
     table.row("addConstrs of %d sums / the sums" % SIDE, measure_add_constrs(SIDE, 5), bar=2.0, per=SIDE)
+    rows = NeighbourRows(calls)
+    table.row("addConstrs, a row / addConstr into a dict", rows.compare(rows.bulk), bar=1.4, per=calls)
+    table.row("addConstrs with names / addConstr into a dict", rows.compare(rows.named), bar=1.75, per=calls)
+    table.row("addConstrs of one row / addConstr", measure_single_row(), bar=5)
+    models = 20 if timing.SHORT else 200
+    ratio = timing.compare(small_models(models, True), small_models(models, False), repeats=7, number=1)
+    table.row("%d models of 10 x 10 in bulk / by single calls" % models, ratio, bar=1.2, per=models)
+    costs = {i: float(i) for i in range(N // 2)}
+    subject, baseline = add_vars_with_costs(N // 2, {"obj": costs}), add_vars_with_costs(N // 2, {})
+    ratio = timing.compare(subject, baseline, repeats=7, number=1)
+    table.row("addVars(obj=dict) / addVars", ratio, bar=1.3, per=N // 2)
     table.row("setObjective(x.prod(c)) / ZVNsetobjective", measure_set_objective(N, 7), bar=4.0, per=N)
 
     growth(table, "addVar", add_var_loop, calls // 2)
