@@ -104,6 +104,7 @@ for name, bar, subject, baseline in (
 ):
     table.row(f"{name} / plain attribute", compare_pending(subject, baseline), bar=bar, per=NUM)
 
+m.optimize()
 for name, keys in (("int keys", range(NUM)), ("pairs", [divmod(i, 1000) for i in range(NUM)])):
     mapped = zelvanpy.tupledict(zip(keys, handles))
     ratio = compare(
