@@ -1,19 +1,20 @@
-"""Semi-continuous columns and special ordered sets whose bounds leave no constant for a binary: against plain models, one
-for each choice of the alternatives.
+"""Semi-continuous columns and special ordered sets whose bounds leave no constant for a binary: against plain models,
+one for each choice of the alternatives.
 
 ZELVAN_RANDOM_MODELS sets how many random models are drawn, seeds 0 and up."""
 
-import ctypes
 import itertools
 import os
 import random
+import threading
 
 import pytest
-from native import INFINITY, Double, Environment, Int, array, lib
+from native import INFINITY, Double, Environment, lib
+
+import zelvanpy
+from zelvanpy import ZVN
 
 NUM_MODELS = int(os.environ.get("ZELVAN_RANDOM_MODELS", 150))
-OPTIMAL, INFEASIBLE, UNBOUNDED = 2, 3, 5
-NODE_LIMIT, TIME_LIMIT, SOLUTION_LIMIT, INTERRUPTED, USER_OBJ_LIMIT, WORK_LIMIT = 8, 9, 10, 11, 15, 16
 TOLERANCE = 1e-6
 
 
@@ -68,15 +69,15 @@ class Program:
 
     def best(self, env):
         """Status and objective over all choices."""
-        best = (INFEASIBLE, None)
+        best = (ZVN.INFEASIBLE, None)
         for columns in self.alternatives():
             with self.build(env, columns, []) as model:
                 model.call("ZVNoptimize")
                 status, objective = outcome(model)
-            if status == UNBOUNDED:
-                return UNBOUNDED, None
-            assert status in (OPTIMAL, INFEASIBLE)
-            if status == OPTIMAL and (best[1] is None or self.sense * objective < self.sense * best[1]):
+            if status == ZVN.UNBOUNDED:
+                return ZVN.UNBOUNDED, None
+            assert status in (ZVN.OPTIMAL, ZVN.INFEASIBLE)
+            if status == ZVN.OPTIMAL and (best[1] is None or self.sense * objective < self.sense * best[1]):
                 best = (status, objective)
         return best
 
@@ -102,7 +103,7 @@ def has_point(model):
 
 def outcome(model):
     status = model.number("Status")
-    return status, model.number("ObjVal", Double) if status == OPTIMAL else None
+    return status, model.number("ObjVal", Double) if status == ZVN.OPTIMAL else None
 
 
 def random_program(rng):
@@ -137,7 +138,179 @@ def test_random_models_against_every_choice(env):
         (found, objective), x = program.solve(env)
         assert found == status, seed
         seen[status] = seen.get(status, 0) + 1
-        if status == OPTIMAL:
+        if status == ZVN.OPTIMAL:
             assert objective == pytest.approx(best, rel=1e-6, abs=1e-5), seed
             assert program.violation(x) <= TOLERANCE, seed
-    assert min(seen[status] for status in (OPTIMAL, INFEASIBLE, UNBOUNDED)) > NUM_MODELS / 20
+    assert min(seen[status] for status in (ZVN.OPTIMAL, ZVN.INFEASIBLE, ZVN.UNBOUNDED)) > NUM_MODELS / 20
+
+
+def lots(env, num, kind=ZVN.SEMICONT):
+    """Lots of at least some size, or none, and stock: dozens to thousands of nodes."""
+    rng = random.Random(1)
+    m = zelvanpy.Model("lots", env=env)
+    lot = [m.addVar(lb=rng.randint(20, 60), obj=rng.randint(1, 9), vtype=kind) for _ in range(num)]
+    stock = [m.addVar(obj=rng.randint(1, 5)) for _ in range(num)]
+    for before, made, after in zip([0.0, *stock], lot, stock):
+        m.addConstr(before + made == rng.randint(5, 50) + after)
+    m.Params.PoolSolutions = 100
+    m.update()
+    return m
+
+
+def assert_no_lot_is_small(m):
+    for number in range(m.SolCount):
+        m.Params.SolutionNumber = number
+        for v in m.getVars()[: m.NumVars // 2]:
+            assert v.Xn == 0.0 or v.Xn >= v.LB - TOLERANCE
+
+
+@pytest.mark.parametrize("kind", [ZVN.SEMICONT, ZVN.SEMIINT])
+def test_lots(env_silent, kind):
+    m, bounded = lots(env_silent, 15, kind), lots(env_silent, 15, kind)
+    for v in bounded.getVars()[:15]:
+        v.UB = 1000.0
+    for one in (m, bounded):
+        one.Params.MIPGap = 0
+        one.optimize()
+    assert m.Status == bounded.Status == ZVN.OPTIMAL and m.IsMIP == 1
+    assert m.ObjVal == m.ObjBound == pytest.approx(bounded.ObjVal)
+    assert 10 < m.NodeCount < 2000 and m.SolCount > 1
+    assert_no_lot_is_small(m)
+
+
+LIMITS = [
+    ("TimeLimit", 0, ZVN.TIME_LIMIT),
+    ("NodeLimit", 20, ZVN.NODE_LIMIT),
+    ("IterationLimit", 60, ZVN.ITERATION_LIMIT),
+    ("WorkLimit", 1e-4, ZVN.WORK_LIMIT),
+    ("SolutionLimit", 1, ZVN.SOLUTION_LIMIT),
+    ("BestObjStop", 6000, ZVN.USER_OBJ_LIMIT),
+    ("BestBdStop", 3300, ZVN.USER_OBJ_LIMIT),
+    ("Cutoff", 1000, ZVN.CUTOFF),
+    ("SoftMemLimit", 1e-3, ZVN.MEM_LIMIT),
+]
+
+
+@pytest.mark.parametrize("kind", [ZVN.SEMICONT, ZVN.SEMIINT])
+def test_limits_hold_for_the_whole(env_silent, kind):
+    m = lots(env_silent, 30, kind)
+    for name, value, status in LIMITS:
+        m.reset()
+        m.setParam(name, value)
+        m.optimize()
+        m.setParam(name, "default")
+        assert m.Status == status, name
+        assert m.NodeCount <= (20 if name == "NodeLimit" else 500), name
+        assert name != "SolutionLimit" or m.SolCount == 1
+        assert name != "BestObjStop" or m.ObjVal <= 6000
+        assert name != "IterationLimit" or m.IterCount <= 80
+        assert m.SolCount == 0 or m.ObjBound < m.ObjVal
+        assert_no_lot_is_small(m)
+
+
+def test_gap_ends_the_search(env_silent):
+    m = lots(env_silent, 25)
+    nodes = []
+    for m.Params.MIPGap in (0.3, 0.1, 0.0):
+        m.reset()
+        m.optimize()
+        assert m.Status == ZVN.OPTIMAL and m.MIPGap <= m.Params.MIPGap and m.ObjBound <= m.ObjVal
+        nodes.append(m.NodeCount)
+    assert nodes[0] < nodes[1] < nodes[2]
+
+
+def test_terminate_and_what_is_there_then(env_silent):
+    m = lots(env_silent, 150)
+    m.Params.TimeLimit = 60
+    timer = threading.Timer(0.7, m.terminate)
+    timer.start()
+    m.optimize()
+    timer.join()
+    assert m.Status == ZVN.INTERRUPTED and m.Runtime < 30
+    assert m.SolCount > 0 and m.ObjBound < m.ObjVal and m.NodeCount > 1
+    assert_no_lot_is_small(m)
+
+
+def test_a_start_is_the_first_solution(env_silent):
+    m = lots(env_silent, 25)
+    m.Params.MIPGap = 0
+    m.optimize()
+    best, nodes = m.ObjVal, m.NodeCount
+    point = m.X
+    fresh = lots(env_silent, 25)
+    for v, value in zip(fresh.getVars(), point):
+        v.Start = value
+    fresh.Params.SolutionLimit = 1
+    fresh.optimize()
+    assert fresh.Status == ZVN.SOLUTION_LIMIT and fresh.ObjVal == pytest.approx(best) and fresh.NodeCount <= 2
+    fresh.reset()
+    fresh.Params.SolutionLimit = "default"
+    for v, value in zip(fresh.getVars()[:12], point):
+        v.Start = value
+    fresh.Params.MIPGap = 0
+    fresh.optimize()
+    assert fresh.ObjVal == pytest.approx(best) and fresh.NodeCount <= nodes
+
+
+def test_several_objectives(env_silent):
+    m = zelvanpy.Model(env=env_silent)
+    x = [m.addVar(lb=lb, vtype=ZVN.SEMICONT) for lb in (3, 4, 5)]
+    m.addConstr(sum(x) >= 6.5)
+    m.setObjectiveN(sum(x), 0, priority=2)
+    m.setObjectiveN(x[0] - x[2], 1, priority=1)
+    m.setObjectiveN(x[1], 2, priority=1, weight=0.25)
+    m.optimize()
+    # The sum is 6.5 with x1 or x2 alone, or 7 with x0 and more: then the one with the least second objective.
+    assert m.Status == ZVN.OPTIMAL and m.X == pytest.approx([0.0, 0.0, 6.5], abs=1e-5)
+    assert [m.getObjective(i).getValue() for i in range(3)] == pytest.approx([6.5, -6.5, 0.0], abs=1e-5)
+
+
+def test_a_bound_from_the_relaxation_makes_it_a_plain_search(env_silent, tmp_path):
+    env_silent.setParam("LogToConsole", 0)
+    env_silent.setParam("OutputFlag", 1)
+    branched = []
+    for second in (2.0, -0.5):
+        m = zelvanpy.Model(env=env_silent)
+        x, y = m.addVar(lb=3, vtype=ZVN.SEMICONT), m.addVar(lb=-ZVN.INFINITY)
+        m.addConstr(x - y <= 1)
+        m.addConstr(x + second * y <= 7.9)  # with 2 they leave x at most 3.3
+        m.setObjective(x - y, ZVN.MAXIMIZE)
+        m.Params.LogFile = str(tmp_path / ("%g.log" % second))
+        m.optimize()
+        assert m.Status == ZVN.OPTIMAL and m.ObjVal == pytest.approx(1.0)
+        branched.append("Branching on 1 semi-continuous" in (tmp_path / ("%g.log" % second)).read_text())
+    assert branched == [False, True]
+
+
+@pytest.mark.parametrize("lb", [1e-30, 1.0, 1e8, 1e16, 1e19])
+@pytest.mark.parametrize("ub", [1e9, 1e16, 1e19, ZVN.INFINITY])
+def test_bounds_beyond_all_constants(env_silent, lb, ub):
+    if lb > ub:
+        return
+    m = zelvanpy.Model(env=env_silent)
+    x = [m.addVar(lb=lb, ub=ub, obj=cost, vtype=ZVN.SEMICONT) for cost in (1.1, 1.0, 1.2)]
+    y = m.addVar(obj=1000.0)
+    m.addConstr(sum(x) + y >= 1)
+    m.optimize()
+    assert m.Status == ZVN.OPTIMAL and m.ObjVal == pytest.approx(min(1000.0, max(1.0, lb)))
+    assert all(v.X == 0.0 or v.X >= lb for v in x)
+
+
+def test_edits_between_solves(env_silent):
+    m = lots(env_silent, 12)
+    cols = m.getVars()
+    m.Params.MIPGap = 0
+    for edit in (
+        lambda: setattr(cols[3], "UB", 70.0),
+        lambda: m.setAttr("UB", cols[:12], [90.0] * 12),
+        lambda: setattr(cols[5], "UB", ZVN.INFINITY),
+        lambda: setattr(cols[7], "VType", ZVN.CONTINUOUS),
+        lambda: m.addConstr(cols[0] + cols[5] >= 61.5),
+        lambda: m.remove(m.getConstrs()[-1]),
+        lambda: setattr(cols[5], "UB", 80.0),
+    ):
+        edit()
+        m.optimize()
+        fresh = m.copy()
+        fresh.optimize()
+        assert m.Status == fresh.Status == ZVN.OPTIMAL and m.ObjVal == pytest.approx(fresh.ObjVal)

@@ -15,6 +15,8 @@ double distance_to_interval(const Gap& gap, double value) {
     return std::max({gap.lower - value, value - gap.upper, 0.0});
 }
 
+bool is_near_zero(const Gap& gap, double value) { return std::fabs(value) < distance_to_interval(gap, value); }
+
 // In parts of the width of the gap, at most 1/2.
 double violation(const Gap& gap, double value) {
     const double off = std::min(std::fabs(value), distance_to_interval(gap, value));
@@ -61,10 +63,10 @@ public:
         return static_cast<int>(moment / sum(0, num()));
     }
     int num() const { return static_cast<int>(sizes_.size()); }
+    double sum(int begin, int end) const { return std::accumulate(sizes_.begin() + begin, sizes_.begin() + end, 0.0); }
 
 private:
     static bool is_other(double size) { return size > kZero; }
-    double sum(int begin, int end) const { return std::accumulate(sizes_.begin() + begin, sizes_.begin() + end, 0.0); }
 
     const int type_;
     std::vector<double> sizes_;
@@ -80,6 +82,7 @@ std::pair<Narrowings, Narrowings> parts_of(const OrderedSet& set, const Members&
     std::pair<Narrowings, Narrowings> parts;
     fix_at_zero(set, middle + 1, members.num(), parts.first);
     fix_at_zero(set, 0, middle + 2 - set.type, parts.second);
+    if (members.sum(0, middle) < members.sum(middle + 1, members.num())) std::swap(parts.first, parts.second);
     return parts;
 }
 
@@ -101,6 +104,7 @@ std::optional<std::pair<Narrowings, Narrowings>> parts_without(const Problem& pr
         if (off <= worst || !is_open(gap, problem)) continue;
         worst = off;
         parts = {{{gap.col, 0.0, 0.0}}, {{gap.col, gap.lower, gap.upper}}};
+        if (!is_near_zero(gap, x[gap.col])) std::swap(parts->first, parts->second);
     }
     for (const OrderedSet& set : disjunctions.sets) {
         const Members members(set, x.data());
@@ -117,7 +121,7 @@ Narrowings nearest_alternatives(const Disjunctions& disjunctions, const std::vec
     for (const Gap& gap : disjunctions.gaps) {
         const double value = x[gap.col];
         if (std::isnan(value)) continue;
-        if (std::fabs(value) < distance_to_interval(gap, value))
+        if (is_near_zero(gap, value))
             chosen.push_back({gap.col, 0.0, 0.0});
         else
             chosen.push_back({gap.col, gap.lower, gap.upper});

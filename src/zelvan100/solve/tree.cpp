@@ -22,6 +22,10 @@ constexpr double kInf = std::numeric_limits<double>::infinity();
 constexpr double kSameObjective = 1e-9;
 // How far out along a direction a point shows where that leads: no element of a direction is between 0 and 1e-9.
 constexpr double kFarOut = 1e10;
+// Nodes after which the search gives up a branch.
+constexpr int kLongestBranch = 200;
+// Once in so many times that the search takes the node with the best bound it goes on along its branch.
+constexpr int kPicksOfBranch = 100;
 // Up to here an incumbent may violate a node and still be its start.
 constexpr double kStartTolerance = 1e-6;
 
@@ -51,18 +55,22 @@ public:
     // The answer is whether the point was better and is taken.
     bool offer(const double* x) {
         const double value = sense_ * objective_of(x);
-        if (exists() && value >= value_ - kSameObjective * std::max(1.0, std::fabs(value_))) return false;
+        if (exists() && value >= least_improved()) return false;
         x_.assign(x, x + cost_.size());
         value_ = value;
         return true;
     }
-    // Whether nothing of that bound is better by more than the gap that the parameters allow.
-    bool rules_out(double bound) const { return exists() && is_within_gap(params_, 1, value_, bound); }
+    // Whether nothing of that bound is better.
+    bool rules_out(double bound) const { return exists() && bound >= least_improved(); }
+    // Whether it is better at most by the gap that the parameters allow.
+    bool is_enough(double bound) const { return exists() && is_within_gap(params_, 1, value_, bound); }
     bool exists() const { return !x_.empty(); }
     double value() const { return value_; }
     const std::vector<double>& x() const { return x_; }
 
 private:
+    double least_improved() const { return value_ - kSameObjective * std::max(1.0, std::fabs(value_)); }
+
     const int sense_;
     const double offset_;
     const std::vector<double> cost_;
@@ -114,7 +122,7 @@ public:
         if (!narrow(node.narrowings)) return {Visit::End::kEmpty};
         const double nodes = context_.nodes;
         Visit visit = understood(solve(start), node.narrowings.empty());
-        context_.nodes = std::max(context_.nodes, nodes + 1.0);
+        if (visit.end != End::kLimit) context_.nodes = std::max(context_.nodes, nodes + 1.0);
         visit.bound = std::max(visit.bound, node.bound);
         return visit;
     }
@@ -248,7 +256,47 @@ private:
     std::optional<double> ruled_out_;
 };
 
-// What is open, in which order it is visited, and when that ends.
+// The nodes to be visited. Now and then the search follows one branch down to a solution, the latest node first, and
+// else takes the node with the best bound.
+class OpenNodes {
+public:
+    bool empty() const { return queue_.empty() && branch_.empty(); }
+    std::size_t size() const { return queue_.size() + branch_.size(); }
+    double bound() const {
+        double least = queue_.empty() ? kInf : queue_.top().bound;
+        for (const Node& node : branch_) least = std::min(least, node.bound);
+        return least;
+    }
+    void push(Node node) {
+        if (follows_branch_)
+            branch_.push_back(std::move(node));
+        else
+            queue_.push(std::move(node));
+    }
+    Node pop() {
+        if (branch_.empty()) {
+            Node node = queue_.top();
+            queue_.pop();
+            return node;
+        }
+        Node node = std::move(branch_.back());
+        branch_.pop_back();
+        return node;
+    }
+    bool ends_branch() const { return branch_.empty(); }
+    void follow_branch(bool follows) {
+        follows_branch_ = follows;
+        for (Node& node : branch_) queue_.push(std::move(node));
+        branch_.clear();
+    }
+
+private:
+    std::priority_queue<Node> queue_;
+    std::vector<Node> branch_;
+    bool follows_branch_ = false;
+};
+
+// What is visited, and when that ends.
 class Tree {
 public:
     Tree(const Problem& problem, Context& context)
@@ -258,13 +306,12 @@ public:
         const Counts before = context_;
         log_begin();
         open_.push({-kInf, {}});
-        if (!start.x.empty()) dive({}, start.x, start);
-        for (int count = 1; !is_over(before); ++count) {
-            const Node node = open_.top();
-            open_.pop();
-            const std::vector<double> x = explore(node, count == 1 ? start : Start());
-            const bool is_power_of_two = (count & (count - 1)) == 0;
-            if (is_power_of_two && !x.empty()) dive(node.narrowings, x, {});
+        if (!start.x.empty()) try_near(start);
+        const Start none;
+        const Start* node_start = &start;
+        for (; !is_over(before); node_start = &none) {
+            choose_order();
+            explore(open_.pop(), *node_start);
             log_progress();
         }
         SolverResult result = ended();
@@ -277,11 +324,11 @@ private:
     using End = Visit::End;
 
     // Of all that could still be better than the incumbent, or isn't known to be worse.
-    double bound() const { return open_.empty() ? settled_ : std::min(settled_, open_.top().bound); }
+    double bound() const { return std::min(settled_, open_.bound()); }
     void settle(double bound) { settled_ = std::min(settled_, bound); }
 
     bool is_over(const Counts& before) {
-        if (outcome_ || open_.empty() || visitor_.incumbent.rules_out(open_.top().bound)) return true;
+        if (outcome_ || open_.empty() || visitor_.incumbent.is_enough(open_.bound())) return true;
         if (visitor_.report(bound()) == Answer::kStop)
             outcome_ = Outcome::kStopped;
         else if (context_.nodes > before.nodes && context_.nodes >= context_.params.get_dbl(Param::NodeLimit))
@@ -289,26 +336,34 @@ private:
         return outcome_.has_value();
     }
 
-    // The answer is the point of a node that was divided, empty for others.
-    std::vector<double> explore(const Node& node, const Start& start) {
+    void choose_order() {
+        if (!open_.ends_branch() && ++branch_length_ < kLongestBranch) return;
+        open_.follow_branch(!visitor_.incumbent.exists() || ++num_picks_ % kPicksOfBranch == 0);
+        branch_length_ = 0;
+    }
+
+    void explore(const Node& node, const Start& start) {
+        if (visitor_.incumbent.rules_out(node.bound)) {
+            settle(node.bound);
+            return;
+        }
         Visit visit = visitor_.visit(node, bound(), start);
-        if (visit.end == End::kEmpty) return {};
+        if (visit.end == End::kEmpty) return;
         if (visit.end == End::kLimit) {
             outcome_ = visit.limit;
             open_.push({visit.bound, node.narrowings});
-            return {};
+            return;
         }
         if (visit.end == End::kPoint || visit.end == End::kUnlimited) {
             if (const auto parts = parts_without(visitor_.node(), visitor_.disjunctions, visit.x)) {
-                for (const Narrowings& part : {parts->first, parts->second}) push(visit.bound, node.narrowings, part);
-                return visit.end == End::kPoint ? std::move(visit.x) : std::vector<double>();
+                for (const Narrowings& part : {parts->second, parts->first}) push(visit.bound, node.narrowings, part);
+                return;
             }
         }
         if (visit.end == End::kPoint) visitor_.offer(visit.x.data());
         if (visit.end == End::kUnlimited) outcome_ = Outcome::kUnbounded;
         if (visit.end == End::kLost) is_incomplete_ = true;
         settle(visit.bound);
-        return {};
     }
 
     void push(double bound, Narrowings narrowings, const Narrowings& further) {
@@ -316,11 +371,10 @@ private:
         open_.push({bound, std::move(narrowings)});
     }
 
-    // Looks for a solution with the alternatives nearest to a point. What is open stays as it is.
-    void dive(Narrowings narrowings, const std::vector<double>& x, const Start& start) {
-        const Narrowings nearest = nearest_alternatives(visitor_.disjunctions, x);
-        narrowings.insert(narrowings.end(), nearest.begin(), nearest.end());
-        const Visit visit = visitor_.visit({kInf, std::move(narrowings)}, bound(), start);
+    // Looks for a solution with the alternatives that suit a start. What is open stays as it is.
+    void try_near(const Start& start) {
+        const Node node{kInf, nearest_alternatives(visitor_.disjunctions, start.x)};
+        const Visit visit = visitor_.visit(node, bound(), start);
         if (visit.end == End::kPoint && holds(visitor_.disjunctions, visit.x.data())) visitor_.offer(visit.x.data());
     }
 
@@ -328,7 +382,7 @@ private:
         const Incumbent& incumbent = visitor_.incumbent;
         SolverResult result;
         const Outcome all_seen = incumbent.exists() ? Outcome::kOptimal : Outcome::kInfeasible;
-        const bool is_complete = !is_incomplete_ || incumbent.rules_out(bound());
+        const bool is_complete = !is_incomplete_ || incumbent.is_enough(bound());
         result.outcome = outcome_ ? *outcome_ : is_complete ? all_seen : Outcome::kUnknown;
         result.bound = sense_ * std::min(bound(), incumbent.value());
         result.objective = sense_ * incumbent.value();
@@ -358,7 +412,8 @@ private:
     const int sense_;
     Context& context_;
     Visitor visitor_;
-    std::priority_queue<Node> open_;
+    OpenNodes open_;
+    int branch_length_ = 0, num_picks_ = 0;
     double settled_ = kInf;       // bound of the nodes that were visited and not divided
     bool is_incomplete_ = false;  // nodes were lost
     std::optional<Outcome> outcome_;
