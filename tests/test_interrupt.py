@@ -1,5 +1,6 @@
 """Stopping a solve from outside: terminate, Ctrl-C, calls while it runs."""
 
+import gc
 import os
 import random
 import signal
@@ -7,6 +8,7 @@ import subprocess
 import sys
 import threading
 import time
+import weakref
 
 import pytest
 from solvable import assignment, knapsacks
@@ -155,16 +157,38 @@ def test_terminate_during_presolve(env_loud, monkeypatch):
     assert m.Status in (ZVN.OPTIMAL, ZVN.NODE_LIMIT)
 
 
-def test_models_freed_while_another_is_solved(env_silent, env_loud, monkeypatch):
+class Ring:
+    """Holds a model and itself, so that only a collection frees them."""
+
+    def __init__(self, model):
+        self.model, self.ring = model, self
+
+
+@pytest.mark.parametrize("collected", [False, True])
+def test_models_freed_while_another_is_solved(env_silent, env_loud, monkeypatch, collected):
     solved = [assignment(env_silent, 6) for _ in range(6)]
     for m in solved:
         m.optimize()
     m = knapsacks(env_loud, items=40)
     m.Params.NodeLimit = 200
-    log = Reader("BestSol", lambda: solved and solved.pop().dispose())
-    monkeypatch.setattr(sys, "stdout", log)
+    freed = []
+    if collected:
+        rings = [Ring(one) for one in solved]
+        for ring in rings:
+            weakref.finalize(ring, freed.append, None)
+        solved = ring = rings = one = None
+
+    def react():
+        if collected:
+            gc.collect()
+        elif solved:
+            freed.append(solved.pop().dispose())
+
+    monkeypatch.setattr(sys, "stdout", Reader("BestSol", react))
+    gc.disable()
     m.optimize()
-    assert not solved and m.Status in (ZVN.NODE_LIMIT, ZVN.OPTIMAL)
+    gc.enable()
+    assert len(freed) == 6 and m.Status in (ZVN.NODE_LIMIT, ZVN.OPTIMAL)
     again = knapsacks(env_silent, items=20)
     again.optimize()
     assert again.Status == ZVN.OPTIMAL

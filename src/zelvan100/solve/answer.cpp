@@ -51,7 +51,7 @@ public:
 
     SolverResult run() {
         const bool warm = !is_mip_ && (context_.session.has_basis() || !start_.basis.rows.empty());
-        SolverResult result = evaluated(search(problem_, start_, context_));
+        SolverResult result = search(problem_, start_, context_);
         if (result.x.empty() && is_trivial(problem_)) return result;
         if (warm && result.outcome == Outcome::kOptimal) result = with_proof(std::move(result));
         if (result.outcome == Outcome::kInfeasible) return is_mip_ ? doubted(result) : confirmed(std::move(result));
@@ -61,18 +61,17 @@ public:
 private:
     void log(const std::string& text) { context_.monitor.log(text); }
 
-    // What several checks look at.
-    SolverResult evaluated(SolverResult result) const {
-        if (!result.x.empty()) result.activity = row_activities(claim_.data.rows, result.x.data());
-        return result;
-    }
-
     // A basis of an earlier solve can lead the simplex method astray.
     SolverResult with_proof(SolverResult result) {
-        if (is_proven_optimal(problem_, result, context_.params.get_dbl(Param::OptimalityTol))) return result;
+        std::vector<double> activity;
+        if (is_proven_optimal(problem_, result, context_.params.get_dbl(Param::OptimalityTol), &activity)) {
+            activity.resize(problem_.model_rows());
+            if (!problem_.has_multiplied_rows()) result.activity = std::move(activity);
+            return result;
+        }
         log("The optimality conditions don't hold: solving anew from scratch\n");
         context_.session.forget_basis();
-        return evaluated(search(problem_, {}, context_));
+        return search(problem_, {}, context_);
     }
 
     // A point that holds, with its objective recomputed; without one the answer isn't optimal.
@@ -81,6 +80,7 @@ private:
             if (result.outcome == Outcome::kOptimal) result.outcome = Outcome::kUnknown;
             return result;
         }
+        if (result.activity.empty()) result.activity = row_activities(claim_.data.rows, result.x.data());
         if (const std::optional<Breach> breach =
                 find_breach(claim_.data, result.x, result.activity, claim_.tolerances)) {
             log("The point found violates " + text_of(claim_.data, *breach) + "\n");
@@ -147,7 +147,7 @@ private:
         care.presolve = false;
         care.simplex = true;
         SolverResult again = search_aside(problem_, start, care, context_);
-        if (again.outcome != Outcome::kInfeasible) return held(evaluated(std::move(again)));
+        if (again.outcome != Outcome::kInfeasible) return held(std::move(again));
         if (point.empty()) {
             if (!is_mip_) log("Infeasible by two methods, though without a proof that holds\n");
             return result;
@@ -156,7 +156,7 @@ private:
         result.x = point;
         result.objective = claim_.objective(point.data());
         result.bound = -problem_.sense * kInf;
-        return evaluated(std::move(result));
+        return result;
     }
 
     bool admissible(const std::vector<double>& x, const Tolerances& tolerances) const {

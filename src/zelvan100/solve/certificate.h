@@ -32,8 +32,9 @@ struct Elastic {
 Elastic solve_elastic(const Problem& problem, Context& context);
 
 // Whether the dual values prove the point of an LP optimal: their signs, and the products of dual values and
-// distances to the sides that they speak for, next to the objective.
-bool is_proven_optimal(const Problem& problem, const SolverResult& result, double tolerance);
+// distances to the sides that they speak for, next to the objective. `activity`, if given, gets those of the rows.
+bool is_proven_optimal(const Problem& problem, const SolverResult& result, double tolerance,
+                       std::vector<double>* activity = nullptr);
 
 // Fills ray (unbounded) or farkas and farkas_proof (infeasible) of the solution of an LP that was just solved, with
 // `farkas` as the multipliers of its rows. Left empty when there are none or they don't hold for the model.

@@ -249,7 +249,10 @@ int HighsSession::watched(Call call) {
         });
         status = call();
     }
-    if (stopped_) set_option(kTimeLimit, time_limit_);
+    if (stopped_) {
+        options_.erase(kTimeLimit);
+        set_option(kTimeLimit, time_limit_);
+    }
     if (thrown_) std::rethrow_exception(thrown_);
     return status;
 }
@@ -262,21 +265,22 @@ void HighsSession::check(int status, const char* what) {
     throw Error(ZVN_ERROR_INTERNAL, std::string("HiGHS failed to ") + what + (fault_.empty() ? "" : ": ") + fault_);
 }
 
-void HighsSession::set_option(const char* name, bool value) {
-    check(Highs_setBoolOptionValue(highs_, name, value), name);
+// HiGHS looks for an option by comparing names one after the other, so only what changes is handed on.
+template <class Value, class Call>
+void HighsSession::hand_on(const char* name, const Value& value, Call call) {
+    OptionValue& known = options_[name];
+    if (known == OptionValue(value)) return;
+    check(call(highs_, name, value), name);
+    known = value;
 }
 
-void HighsSession::set_option(const char* name, int value) {
-    check(Highs_setIntOptionValue(highs_, name, value), name);
-}
+void HighsSession::set_option(const char* name, bool value) { hand_on(name, value, Highs_setBoolOptionValue); }
 
-void HighsSession::set_option(const char* name, double value) {
-    check(Highs_setDoubleOptionValue(highs_, name, value), name);
-}
+void HighsSession::set_option(const char* name, int value) { hand_on(name, value, Highs_setIntOptionValue); }
 
-void HighsSession::set_option(const char* name, const char* value) {
-    check(Highs_setStringOptionValue(highs_, name, value), name);
-}
+void HighsSession::set_option(const char* name, double value) { hand_on(name, value, Highs_setDoubleOptionValue); }
+
+void HighsSession::set_option(const char* name, const char* value) { hand_on(name, value, Highs_setStringOptionValue); }
 
 void HighsSession::load(const Problem& problem) {
     const Ancestor held = std::exchange(held_, {});  // nothing, unless all below succeeds

@@ -9,6 +9,8 @@
 #include <mutex>
 #include <string>
 #include <string_view>
+#include <unordered_map>
+#include <variant>
 #include <vector>
 
 #include "solve/problem.h"
@@ -80,6 +82,7 @@ public:
     // Where the calls below report to, until the next call. nullptr silences them. The answer is where they did.
     SolveEvents* attach(SolveEvents* events);
 
+    // Names are literals.
     void set_option(const char* name, bool value);
     void set_option(const char* name, int value);
     void set_option(const char* name, double value);
@@ -116,11 +119,14 @@ public:
 
 private:
     struct Callback;  // what HiGHS calls
+    using OptionValue = std::variant<std::monostate, bool, int, double, std::string>;
 
     template <class Question>
     bool must_stop(Question question) noexcept;
     template <class Call>
     int watched(Call call);
+    template <class Value, class Call>
+    void hand_on(const char* name, const Value& value, Call call);
     void check(int status, const char* what);
     void pass(const Problem& problem);
     void edit(const Problem& problem, bool same_model);
@@ -141,6 +147,8 @@ private:
     std::mutex mutex_;                  // guards thrown_
     std::exception_ptr thrown_;         // by events_
     std::string fault_;                 // the latest error line of the log
+
+    std::unordered_map<std::string_view, OptionValue> options_;  // as handed on
 
     // What HiGHS holds, to find what differs in the next problem.
     Ancestor held_;

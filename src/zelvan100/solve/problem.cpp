@@ -6,6 +6,7 @@
 #include <cstdio>
 #include <cstring>
 #include <limits>
+#include <ranges>
 
 #include "core/error.h"
 
@@ -26,6 +27,11 @@ constexpr double kInf = std::numeric_limits<double>::infinity();
 double with_infinity(double value) {
     const double low = value <= -kInfinityThreshold ? -kInf : value;
     return value >= kInfinityThreshold ? kInf : low;
+}
+
+std::vector<double> with_infinities(const std::vector<double>& values) {
+    const auto changed = std::views::transform(values, with_infinity);
+    return {changed.begin(), changed.end()};
 }
 
 [[noreturn]] void refuse(const ModelData& data, int row, std::int64_t entry, const char* why) {
@@ -107,8 +113,8 @@ Problem::Problem(const ModelData& data, std::uint64_t stamp, const Changes& chan
     : sense(data.sense),
       offset(data.obj_constant),
       cost(data.cols.obj),
-      lb(data.cols.lb),
-      ub(data.cols.ub),
+      lb(with_infinities(data.cols.lb)),
+      ub(with_infinities(data.cols.ub)),
       integer(data.cols.size(), 0),
       row_lower(data.rows.size()),
       row_upper(data.rows.size()),
@@ -145,12 +151,12 @@ Problem::Problem(const ModelData& data, std::uint64_t stamp, const Changes& chan
 }
 
 void Problem::take_columns(const ModelData& data) {
-    for (auto* bounds : {&lb, &ub})
-        for (double& value : *bounds) value = with_infinity(value);
-    for (int j = 0; j < num_cols(); ++j)
-        if (std::abs(cost[j]) >= kLargestCost)
-            throw Error(ZVN_ERROR_NUMERIC, "The objective coefficient of variable '" + data.col_name(j) +
-                                               "' is too large to solve with: less than 1e20 is possible");
+    const auto too_large =
+        std::find_if(cost.begin(), cost.end(), [](double value) { return std::abs(value) >= kLargestCost; });
+    if (too_large != cost.end())
+        throw Error(ZVN_ERROR_NUMERIC, "The objective coefficient of variable '" +
+                                           data.col_name(static_cast<int>(too_large - cost.begin())) +
+                                           "' is too large to solve with: less than 1e20 is possible");
     if (const double weight = main_weight(data); weight != 1.0) {
         offset *= weight;
         for (double& value : cost) value *= weight;
