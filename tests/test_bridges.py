@@ -10,6 +10,7 @@ import threading
 
 import pytest
 from native import INFINITY, Double, Environment, lib
+from solvable import knapsacks
 
 import zelvanpy
 from zelvanpy import ZVN
@@ -130,10 +131,22 @@ def random_program(rng):
     return Program(columns, rows, sets, rng.choice([1, -1]))
 
 
+def covering_program(rng):
+    """Sets of large members of which several would be best together."""
+    size = rng.randint(4, 8)
+    columns = [("C", 0.0, INFINITY, float(rng.randint(2, 9))) for _ in range(size)]
+    rows = []
+    for _ in range(rng.randint(2, 4)):
+        entries = [(j, float(rng.choice([0, 1, 3, 9]))) for j in range(size)]
+        rows.append((entries, ">", float(rng.randint(5, 20))))
+    sets = [(kind, [(j, rng.random()) for j in rng.sample(range(size), size - 1)]) for kind in (rng.choice([1, 2]), 2)]
+    return Program(columns, rows, sets)
+
+
 def test_random_models_against_every_choice(env):
     seen = {}
     for seed in range(NUM_MODELS):
-        program = random_program(random.Random(seed))
+        program = (random_program, random_program, covering_program)[seed % 3](random.Random(seed))
         status, best = program.best(env)
         (found, objective), x = program.solve(env)
         assert found == status, seed
@@ -144,12 +157,13 @@ def test_random_models_against_every_choice(env):
     assert min(seen[status] for status in (ZVN.OPTIMAL, ZVN.INFEASIBLE, ZVN.UNBOUNDED)) > NUM_MODELS / 20
 
 
-def lots(env, num, kind=ZVN.SEMICONT):
+def lots(env, num, kind=ZVN.SEMICONT, sense=1):
     """Lots of at least some size, or none, and stock: dozens to thousands of nodes."""
     rng = random.Random(1)
     m = zelvanpy.Model("lots", env=env)
-    lot = [m.addVar(lb=rng.randint(20, 60), obj=rng.randint(1, 9), vtype=kind) for _ in range(num)]
-    stock = [m.addVar(obj=rng.randint(1, 5)) for _ in range(num)]
+    lot = [m.addVar(lb=rng.randint(20, 60), obj=sense * rng.randint(1, 9), vtype=kind) for _ in range(num)]
+    stock = [m.addVar(obj=sense * rng.randint(1, 5)) for _ in range(num)]
+    m.ModelSense = sense
     for before, made, after in zip([0.0, *stock], lot, stock):
         m.addConstr(before + made == rng.randint(5, 50) + after)
     m.Params.PoolSolutions = 100
@@ -184,27 +198,28 @@ LIMITS = [
     ("IterationLimit", 60, ZVN.ITERATION_LIMIT),
     ("WorkLimit", 1e-4, ZVN.WORK_LIMIT),
     ("SolutionLimit", 1, ZVN.SOLUTION_LIMIT),
-    ("BestObjStop", 6000, ZVN.USER_OBJ_LIMIT),
+    ("BestObjStop", 5000, ZVN.USER_OBJ_LIMIT),
     ("BestBdStop", 3300, ZVN.USER_OBJ_LIMIT),
     ("Cutoff", 1000, ZVN.CUTOFF),
     ("SoftMemLimit", 1e-3, ZVN.MEM_LIMIT),
 ]
 
 
-@pytest.mark.parametrize("kind", [ZVN.SEMICONT, ZVN.SEMIINT])
-def test_limits_hold_for_the_whole(env_silent, kind):
-    m = lots(env_silent, 30, kind)
+@pytest.mark.parametrize("kind, sense", [(ZVN.SEMICONT, 1), (ZVN.SEMICONT, -1), (ZVN.SEMIINT, 1)])
+def test_limits_hold_for_the_whole(env_silent, kind, sense):
+    m = lots(env_silent, 30, kind, sense)
     for name, value, status in LIMITS:
         m.reset()
-        m.setParam(name, value)
+        m.setParam(name, sense * value if value >= 1000 else value)
         m.optimize()
         m.setParam(name, "default")
         assert m.Status == status, name
-        assert m.NodeCount <= (20 if name == "NodeLimit" else 500), name
+        assert m.NodeCount <= (20 if name == "NodeLimit" else 1000), name
         assert name != "SolutionLimit" or m.SolCount == 1
-        assert name != "BestObjStop" or m.ObjVal <= 6000
+        assert name != "BestObjStop" or sense * m.ObjVal <= value
+        assert name != "BestBdStop" or value <= sense * m.ObjBound < 1.2 * value
         assert name != "IterationLimit" or m.IterCount <= 80
-        assert m.SolCount == 0 or m.ObjBound < m.ObjVal
+        assert m.SolCount == 0 or sense * m.ObjBound < sense * m.ObjVal
         assert_no_lot_is_small(m)
 
 
@@ -235,21 +250,35 @@ def test_a_start_is_the_first_solution(env_silent):
     m = lots(env_silent, 25)
     m.Params.MIPGap = 0
     m.optimize()
-    best, nodes = m.ObjVal, m.NodeCount
-    point = m.X
-    fresh = lots(env_silent, 25)
-    for v, value in zip(fresh.getVars(), point):
-        v.Start = value
-    fresh.Params.SolutionLimit = 1
-    fresh.optimize()
-    assert fresh.Status == ZVN.SOLUTION_LIMIT and fresh.ObjVal == pytest.approx(best) and fresh.NodeCount <= 2
-    fresh.reset()
-    fresh.Params.SolutionLimit = "default"
-    for v, value in zip(fresh.getVars()[:12], point):
-        v.Start = value
-    fresh.Params.MIPGap = 0
-    fresh.optimize()
-    assert fresh.ObjVal == pytest.approx(best) and fresh.NodeCount <= nodes
+    for known in (50, 12):  # columns: all, or some lots
+        started = lots(env_silent, 25)
+        for v, value in zip(started.getVars()[:known], m.X):
+            v.Start = value
+        started.Params.SolutionLimit = 1
+        started.optimize()
+        assert started.Status == ZVN.SOLUTION_LIMIT and started.SolCount == 1
+        if known == 50:
+            assert started.ObjVal == pytest.approx(m.ObjVal) and started.NodeCount <= 2
+        assert_no_lot_is_small(started)
+        started.reset()
+        started.Params.SolutionLimit = "default"
+        started.Params.MIPGap = 0
+        started.optimize()
+        assert started.ObjVal == pytest.approx(m.ObjVal) and started.NodeCount <= 1.2 * m.NodeCount
+
+
+def test_a_part_that_a_limit_cuts_short_keeps_its_bound(env_silent):
+    m = knapsacks(env_silent)
+    x = m.getVars()
+    y = m.addVar(lb=3, obj=1e-6, vtype=ZVN.SEMICONT)
+    m.addConstr(y <= 2e7 * (x[0] + x[1]))
+    m.setAttr("Start", x, [0.0] * len(x))
+    for name, value, status in (("NodeLimit", 5, ZVN.NODE_LIMIT), ("MIPGap", 0.5, ZVN.OPTIMAL)):
+        m.reset()
+        m.setParam(name, value)
+        m.optimize()
+        m.setParam(name, "default")
+        assert m.Status == status and m.ObjBound > m.ObjVal
 
 
 def test_several_objectives(env_silent):

@@ -305,6 +305,7 @@ public:
     SolverResult run(const Start& start) {
         const Counts before = context_;
         log_begin();
+        context_.monitor.begin_run(visitor_.node());
         open_.push({-kInf, {}});
         if (!start.x.empty()) try_near(start);
         const Start none;
