@@ -257,20 +257,36 @@ void check_state(ZVNmodel* model, const std::string& expected, const char* chang
            line(state).c_str());
 }
 
-// The state after the changes and their update.
-std::string state_after(ZVNenv* env, const std::vector<Change>& changes) {
+// What the solver, which follows the changes of the model that it holds, makes of it.
+std::string answer(ZVNmodel* model) {
+    OK(model, ZVNoptimize(model));
+    const int status = int_attr(model, "Status");
+    double objective = 0.0;
+    if (status == ZVN_OPTIMAL) OK(model, ZVNgetdblattr(model, "ObjVal", &objective));
+    char buffer[64];
+    snprintf(buffer, sizeof buffer, "status %d, objective %.9g", status, objective);
+    return buffer;
+}
+
+// The state after the changes and their update, and the answer from there.
+struct End {
+    std::string state, answer;
+};
+
+End end_of(ZVNenv* env, const std::vector<Change>& changes) {
     ZVNmodel* model = base_model(env);
     for (const Change& change : changes) OK(model, change.call(model));
     OK(model, ZVNupdatemodel(model));
-    std::string state = describe(model);
+    End end{describe(model), {}};
+    end.answer = answer(model);
     ZVNfreemodel(model);
-    return state;
+    return end;
 }
 
 // Each allocation of the call that queues a change. Half of the runs update before they call again: what a failed call
 // left behind would show there, and in the others as done twice.
 void fail_in_call(ZVNenv* env, const Change& change, bool lasting) {
-    const std::string before = state_after(env, {}), after = state_after(env, {change});
+    const std::string before = end_of(env, {}).state, after = end_of(env, {change}).state;
     for (long allocation = 0;; ++allocation) {
         ZVNmodel* model = base_model(env);
         const int code = without_memory(allocation, lasting, [&] { return change.call(model); });
@@ -293,7 +309,8 @@ void fail_in_call(ZVNenv* env, const Change& change, bool lasting) {
 
 // Each allocation of the update.
 void fail_in_update(ZVNenv* env, const char* name, const std::vector<Change>& changes, bool lasting) {
-    const std::string before = state_after(env, {}), after = state_after(env, changes);
+    const std::string before = end_of(env, {}).state;
+    const End after = end_of(env, changes);
     for (long allocation = 0;; ++allocation) {
         ZVNmodel* model = base_model(env);
         for (const Change& change : changes) OK(model, change.call(model));
@@ -304,7 +321,13 @@ void fail_in_update(ZVNenv* env, const char* name, const std::vector<Change>& ch
             check_state(model, before, name, "after the failed update", allocation);
             OK(model, ZVNupdatemodel(model));
         }
-        check_state(model, after, name, "after the update", allocation);
+        check_state(model, after.state, name, "after the update", allocation);
+        // Solving takes its time, so only after one kind of failure.
+        if (const std::string found = lasting ? after.answer : answer(model); found != after.answer) {
+            failures++;
+            printf("%s, allocation %ld:\n  expected %s\n  found    %s\n", name, allocation, after.answer.c_str(),
+                   found.c_str());
+        }
         ZVNfreemodel(model);
         if (done) return;
     }

@@ -53,6 +53,11 @@ void Env::log(std::string_view text) const {
     }
 }
 
+bool Env::is_silent() const {
+    const std::lock_guard lock(mutex);
+    return !params.get_int(Param::OutputFlag);
+}
+
 ParamValues Env::settings() const {
     const std::lock_guard lock(mutex);
     return params;

@@ -56,6 +56,7 @@ struct Env {
     // Writes text to the log: callback or standard output (OutputFlag, LogToConsole), and LogFile.
     // May be called on any thread.
     void log(std::string_view text) const;
+    bool is_silent() const;
     // A copy of the parameters that later changes from other threads leave alone.
     ParamValues settings() const;
     // The three setters behind ZVNset...param; they take care of LogFile and of fixed limits.

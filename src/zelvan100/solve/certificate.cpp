@@ -175,10 +175,10 @@ Elastic solve_elastic(const Problem& problem, Context& context) {
 bool is_proven_optimal(const Problem& problem, const SolverResult& result, double tolerance,
                        std::vector<double>* activity) {
     if (result.x.empty() || result.pi.empty()) return false;
-    // Infinite where there is no side that a dual value could speak for. Without branches, which follow no pattern
-    // here.
+    // Of both sides that which the sign speaks for has the larger product, infinite where there is no such side.
+    // Without branches, as the signs follow no pattern.
     const auto gap_of = [tolerance](double dual, double value, double lower, double upper) {
-        const double gap = std::fabs(dual * (value - (dual > 0.0 ? lower : upper)));
+        const double gap = std::fabs(std::max(dual * (value - lower), dual * (value - upper)));
         return std::fabs(dual) <= tolerance ? 0.0 : gap;
     };
     std::vector<double> rest = problem.cost;

@@ -55,6 +55,7 @@ std::string text(const char* format, Values... values) {
 }
 
 void log_begin(Model& model) {
+    if (model.env.is_silent()) return;
     const ModelData& data = model.data;
     const auto count = [&](char type, char other) {
         return static_cast<int>(std::count(data.cols.type.begin(), data.cols.type.end(), type) +
@@ -70,6 +71,7 @@ void log_begin(Model& model) {
 }
 
 void log_end(Model& model) {
+    if (model.env.is_silent()) return;
     constexpr const char* kNames[] = {
         "",        "LOADED",          "OPTIMAL",    "INFEASIBLE",     "INF_OR_UNBD",    "UNBOUNDED",
         "CUTOFF",  "ITERATION_LIMIT", "NODE_LIMIT", "TIME_LIMIT",     "SOLUTION_LIMIT", "INTERRUPTED",
