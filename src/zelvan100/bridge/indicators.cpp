@@ -9,6 +9,8 @@ namespace zelvan {
 namespace {
 
 constexpr double kInf = std::numeric_limits<double>::infinity();
+// Beyond this a binary within its tolerance of 0 leaves a column so free that HiGHS takes wrong points for optimal
+// ones: seen at 1e9.
 constexpr double kLargestConstant = 1e7;
 
 }  // namespace

@@ -1,6 +1,7 @@
 #include "core/model_data.h"
 
 #include <algorithm>
+#include <cmath>
 
 namespace zelvan {
 
@@ -48,6 +49,13 @@ int Families::size(Kind kind) const {
         default:
             return 0;
     }
+}
+
+const char* point_fault(const PwlPoints& points, std::size_t k) {
+    const auto [x, y] = points[k];
+    if (!(std::abs(x) < kInfinityThreshold && std::abs(y) < kInfinityThreshold)) return "is not finite";
+    if (k > 0 && x < points[k - 1].first) return "lies left of the point before it";
+    return k > 1 && x == points[k - 2].first ? "is the third with the same x" : nullptr;
 }
 
 bool ModelData::is_mip() const {

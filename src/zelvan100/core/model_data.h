@@ -2,6 +2,7 @@
 // What a model says, without environment, queue or solution: readers make it, writers and the solve
 // driver take it.
 
+#include <cstddef>
 #include <cstdint>
 #include <map>
 #include <string>
@@ -90,6 +91,9 @@ struct Objective {
 inline constexpr int kMaxObjectives = 1000000;
 
 using PwlPoints = std::vector<std::pair<double, double>>;  // (x, y), x not decreasing
+
+// What is wrong with point k of a piecewise-linear function, those before it being right; nullptr when nothing is.
+const char* point_fault(const PwlPoints& points, std::size_t k);
 
 // The objects of a model, or those that wait for its update.
 struct Families {

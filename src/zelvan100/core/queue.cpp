@@ -327,15 +327,11 @@ void Model::set_pwl_obj(int col, PwlPoints points) {
     const auto refuse = [&](std::size_t k, const char* fault) {
         throw Error(ZVN_ERROR_INVALID_PIECEWISE_OBJ, "Point " + std::to_string(k) +
                                                          " of the piecewise-linear objective of variable " +
-                                                         std::to_string(col) + fault);
+                                                         std::to_string(col) + " " + fault);
     };
-    if (points.size() == 1) refuse(0, " stands alone: at least two points are needed");
-    for (std::size_t k = 0; k < points.size(); ++k) {
-        if (!(std::abs(points[k].first) < kInfinityThreshold && std::abs(points[k].second) < kInfinityThreshold))
-            refuse(k, " is not finite");
-        if (k > 0 && points[k].first < points[k - 1].first) refuse(k, " lies left of the point before it");
-        if (k > 1 && points[k].first == points[k - 2].first) refuse(k, " is the third with the same x");
-    }
+    if (points.size() == 1) refuse(0, "stands alone: at least two points are needed");
+    for (std::size_t k = 0; k < points.size(); ++k)
+        if (const char* fault = point_fault(points, k)) refuse(k, fault);
     PwlWrite write{col, {}};
     if (!points.empty()) {
         std::map<int, PwlPoints> term;

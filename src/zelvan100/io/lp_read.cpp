@@ -225,8 +225,8 @@ PwlPoints LpReader::pwl_points() {
         expect(",");
         points.emplace_back(x, value("the y of a point"));
         expect(")");
-        if (const std::string fault = last_point_fault(points); !fault.empty())
-            source_.fail(line, "the point " + fault);
+        if (const char* fault = point_fault(points, points.size() - 1))
+            source_.fail(line, std::string("the point ") + fault);
     }
     return points;
 }

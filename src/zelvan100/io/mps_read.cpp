@@ -417,7 +417,7 @@ void MpsReader::pwl_line(const MpsLine& line) {
     if (line.count != 3) fail(line, "expected a column and the x and y of a point");
     PwlPoints& points = out_.pwl_obj[find_column(line, line.field[0])];
     points.emplace_back(finite_number(line, line.field[1]), finite_number(line, line.field[2]));
-    if (const std::string fault = last_point_fault(points); !fault.empty()) fail(line, "the point " + fault);
+    if (const char* fault = point_fault(points, points.size() - 1)) fail(line, std::string("the point ") + fault);
 }
 
 // " S1 set", perhaps with a word before or a priority behind the name, then members: "x 1" or "SOS x 1".

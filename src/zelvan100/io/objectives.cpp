@@ -15,15 +15,6 @@ bool set_tolerance(double& tolerance, double value) {
 
 }  // namespace
 
-std::string last_point_fault(const PwlPoints& points) {
-    const auto [x, y] = points.back();
-    const std::size_t n = points.size();
-    if (!(std::fabs(x) < kInfinityThreshold && std::fabs(y) < kInfinityThreshold)) return "is not finite";
-    if (n > 1 && x < points[n - 2].first) return "lies left of the point before it";
-    if (n > 2 && x == points[n - 3].first) return "is the third with the same x";
-    return "";
-}
-
 const ObjectiveField kObjectiveFields[kNumObjectiveFields] = {
     {"Priority", [](const Objective& o) { return static_cast<double>(o.priority); },
      [](Objective& o, double value) {

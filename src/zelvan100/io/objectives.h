@@ -1,15 +1,11 @@
 #pragma once
-// What both formats ask of piecewise-linear terms and of the fields of several objectives.
+// What both formats ask of the fields of several objectives.
 
-#include <string>
 #include <string_view>
 
 #include "core/model_data.h"
 
 namespace zelvan {
-
-// What is wrong with the latest point of a piecewise-linear term; "" when nothing is.
-std::string last_point_fault(const PwlPoints& points);
 
 // The fields of an objective by which it stands among several, in the order in which files show them.
 struct ObjectiveField {
