@@ -44,6 +44,10 @@ bool has_wide_spread(const Problem& problem) {
     return coefficients.is_wide() || bounds.is_wide();
 }
 
+bool is_without_limit(Outcome outcome) {
+    return outcome == Outcome::kUnbounded || outcome == Outcome::kInfeasibleOrUnbounded;
+}
+
 class Checker {
 public:
     Checker(const Problem& problem, const Start& start, const Claim& claim, Context& context)
@@ -54,24 +58,82 @@ public:
         SolverResult result = search(problem_, start_, context_);
         if (result.x.empty() && is_trivial(problem_)) return result;
         if (warm && result.outcome == Outcome::kOptimal) result = with_proof(std::move(result));
+        return judged(std::move(result));
+    }
+
+private:
+    SolverResult judged(SolverResult result) {
+        if (is_without_limit(result.outcome)) return unlimited(std::move(result));
         if (result.outcome == Outcome::kInfeasible) return is_mip_ ? doubted(result) : confirmed(std::move(result));
         return held(std::move(result));
     }
 
-private:
     void log(const std::string& text) { context_.monitor.log(text); }
+
+    bool is_proven(SolverResult& result) const {
+        std::vector<double> activity;
+        if (!is_proven_optimal(problem_, result, context_.params.get_dbl(Param::OptimalityTol), &activity))
+            return false;
+        activity.resize(problem_.model_rows());
+        if (!problem_.has_multiplied_rows()) result.activity = std::move(activity);
+        return true;
+    }
 
     // A basis of an earlier solve can lead the simplex method astray.
     SolverResult with_proof(SolverResult result) {
-        std::vector<double> activity;
-        if (is_proven_optimal(problem_, result, context_.params.get_dbl(Param::OptimalityTol), &activity)) {
-            activity.resize(problem_.model_rows());
-            if (!problem_.has_multiplied_rows()) result.activity = std::move(activity);
-            return result;
-        }
+        if (is_proven(result)) return result;
         log("The optimality conditions don't hold: solving anew from scratch\n");
         context_.session.forget_basis();
-        return search(problem_, {}, context_);
+        result = search(problem_, {}, context_);
+        if (result.outcome != Outcome::kOptimal || is_proven(result)) return result;
+        log("The optimality conditions don't hold again: solving anew with tighter tolerances, without presolve\n");
+        result = search_aside(problem_, {}, {.tight = true, .presolve = false, .simplex = true}, context_);
+        if (result.outcome != Outcome::kOptimal || is_proven(result)) return result;
+        log("The optimality of the point found isn't proven\n");
+        result.outcome = Outcome::kUnknown;
+        return result;
+    }
+
+    // Neither unbounded nor infeasible or unbounded is believed without a direction that improves the objective for
+    // ever. With a feasible point it means unbounded.
+    SolverResult unlimited(SolverResult result) {
+        if (!problem_.disjunctions.empty()) return result;
+        std::vector<double> direction = confirmed_direction(problem_, context_);
+        if (direction.empty()) return limited();
+        const bool has_point = admissible(result.x, claim_.tolerances) || !cheap_point().empty();
+        if (!has_point && result.outcome == Outcome::kUnbounded) {
+            SolverResult found = point_anywhere();
+            if (found.outcome == Outcome::kInfeasible) return judged(std::move(found));
+            result.outcome = found.outcome;
+            result.x.clear();
+        } else if (has_point) {
+            result.outcome = Outcome::kUnbounded;
+        }
+        if (result.outcome == Outcome::kUnbounded) result.ray = std::move(direction);
+        return result;
+    }
+
+    // The answer without the objective: unbounded when a feasible point is found.
+    SolverResult point_anywhere() {
+        Problem anywhere = problem_;
+        std::fill(anywhere.cost.begin(), anywhere.cost.end(), 0.0);
+        SolverResult found = search_aside(anywhere, {}, {}, context_);
+        if (found.outcome != Outcome::kOptimal) return found;
+        found.outcome = Outcome::kUnbounded;
+        if (admissible(found.x, claim_.tolerances)) return found;
+        log("No feasible point was found that holds: the model may be infeasible\n");
+        found.outcome = Outcome::kInfeasibleOrUnbounded;
+        return found;
+    }
+
+    // After an unboundedness that lacks a proof.
+    SolverResult limited() {
+        log("No direction improves the objective for ever: solving anew without presolve\n");
+        SolverResult result = search_aside(problem_, {}, {.presolve = false, .simplex = true}, context_);
+        if (!is_without_limit(result.outcome)) return judged(std::move(result));
+        log("Called unbounded again, though without a proof that holds\n");
+        result.outcome = Outcome::kUnknown;
+        return held(std::move(result));
     }
 
     // A point that holds, with its objective recomputed; without one the answer isn't optimal.
@@ -81,9 +143,8 @@ private:
             return result;
         }
         if (result.activity.empty()) result.activity = row_activities(claim_.data.rows, result.x.data());
-        if (const std::optional<Breach> breach =
-                find_breach(claim_.data, result.x, result.activity, claim_.tolerances)) {
-            log("The point found violates " + text_of(claim_.data, *breach) + "\n");
+        if (const std::optional<std::string> fault = claim_.fault(result.x, result.activity, claim_.tolerances)) {
+            log("The point found " + *fault + "\n");
             result = repair(problem_, claim_, std::move(result), context_);
         } else if (is_worse_than_claimed(result)) {
             log("The objective of the point found is worse than claimed\n");
@@ -147,7 +208,7 @@ private:
         care.presolve = false;
         care.simplex = true;
         SolverResult again = search_aside(problem_, start, care, context_);
-        if (again.outcome != Outcome::kInfeasible) return held(std::move(again));
+        if (again.outcome != Outcome::kInfeasible) return judged(std::move(again));
         if (point.empty()) {
             if (!is_mip_) log("Infeasible by two methods, though without a proof that holds\n");
             return result;
@@ -161,12 +222,11 @@ private:
 
     bool admissible(const std::vector<double>& x, const Tolerances& tolerances) const {
         return x.size() >= claim_.data.cols.lb.size() &&
-               !find_breach(claim_.data, x, row_activities(claim_.data.rows, x.data()), tolerances) &&
-               std::isfinite(claim_.objective(x.data())) && (!claim_.admits || claim_.admits(x.data()));
+               !claim_.fault(x, row_activities(claim_.data.rows, x.data()), tolerances);
     }
 
-    // In the columns of the model.
-    std::vector<double> refuting_point(const SolverResult& result) {
+    // In the columns of the model, as the next one. Empty without one.
+    std::vector<double> cheap_point() const {
         const Columns& cols = claim_.data.cols;
         const std::size_t size = cols.lb.size();
         const auto at_bounds = [&](const std::vector<double>& side, const std::vector<double>& other) {
@@ -178,7 +238,13 @@ private:
         for (std::vector<double> x :
              {std::vector<double>(size, 0.0), at_bounds(cols.lb, cols.ub), at_bounds(cols.ub, cols.lb), start_.x})
             if (admissible(x, kNearlyExact)) return x;
-        std::vector<double> x = rounded_relaxation(result);
+        return {};
+    }
+
+    std::vector<double> refuting_point(const SolverResult& result) {
+        std::vector<double> x = cheap_point();
+        if (!x.empty()) return x;
+        x = rounded_relaxation(result);
         return admissible(x, kNearlyExact) ? x : std::vector<double>();
     }
 

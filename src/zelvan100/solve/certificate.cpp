@@ -5,7 +5,6 @@
 #include <limits>
 
 #include "solve/check.h"
-#include "solve/recession.h"
 
 namespace zelvan {
 
@@ -89,18 +88,6 @@ ModelData elastic_model(const Problem& problem) {
         model.rows.push_back_range(problem.row_lower[i], problem.row_upper[i], {});
     }
     return model;
-}
-
-// HiGHS has no certificates for an LP without matrix: there a column goes to infinity by itself.
-std::vector<double> ray_without_matrix(const ModelData& data) {
-    for (int j = 0; j < data.cols.size(); ++j) {
-        const double downhill = -data.sense * data.cols.obj[j];
-        if (downhill == 0.0 || std::fabs(downhill > 0.0 ? data.cols.ub[j] : data.cols.lb[j]) < kInfinity) continue;
-        std::vector<double> ray(data.cols.size(), 0.0);
-        ray[j] = std::copysign(1.0, downhill);
-        return ray;
-    }
-    return {};
 }
 
 // Subtracts the row, times its dual value, from `rest`. The answer is its activity, in two sums, as each addition has
@@ -199,18 +186,12 @@ bool is_proven_optimal(const Problem& problem, const SolverResult& result, doubl
     return gap <= kLargestGap * scale;
 }
 
-void store_certificate(const ModelData& data, Context& context, std::vector<double> farkas, Solution& solution) {
-    const Problem problem(data);
+void store_certificate(const ModelData& data, std::vector<double> farkas, std::vector<double> ray, Solution& solution) {
     if (solution.status == ZVN_UNBOUNDED) {
-        if (data.rows.num_entries() == 0) {
-            solution.ray = ray_without_matrix(data);
-            return;
-        }
-        std::vector<double> ray = context.session.primal_ray();
-        if (ray.empty()) ray = improving_direction(problem, context);
         ray.resize(data.cols.size());
-        solution.ray = scaled(std::move(ray), 1.0);
+        solution.ray = std::move(ray);
     } else if (solution.status == ZVN_INFEASIBLE) {
+        const Problem problem(data);
         const auto smaller = [](double a, double b) { return std::fabs(a) < std::fabs(b); };
         farkas.resize(data.rows.size());
         std::optional<Farkas> found = farkas_from(problem, std::move(farkas));

@@ -36,8 +36,8 @@ Elastic solve_elastic(const Problem& problem, Context& context);
 bool is_proven_optimal(const Problem& problem, const SolverResult& result, double tolerance,
                        std::vector<double>* activity = nullptr);
 
-// Fills ray (unbounded) or farkas and farkas_proof (infeasible) of the solution of an LP that was just solved, with
-// `farkas` as the multipliers of its rows. Left empty when there are none or they don't hold for the model.
-void store_certificate(const ModelData& data, Context& context, std::vector<double> farkas, Solution& solution);
+// Fills ray (unbounded) or farkas and farkas_proof (infeasible) of the solution of an LP, from a direction of its
+// columns that holds, and from multipliers of its rows. Those are left empty when they don't hold for the model.
+void store_certificate(const ModelData& data, std::vector<double> farkas, std::vector<double> ray, Solution& solution);
 
 }  // namespace zelvan

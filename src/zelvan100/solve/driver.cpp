@@ -123,12 +123,13 @@ void store_counts(const Context& context, Solution& solution) {
     solution.concurrent_winner = context.concurrent_winner;
 }
 
-// What a solve tells goes to the model's log, pool and solution files.
+// What a solve tells goes to the model's log, and points that hold to its pool and solution files.
 class ModelListener : public Listener {
 public:
     ModelListener(const Model& model, const ParamValues& params)
         : model_(model),
           prefix_(params.get_str(Param::SolFiles)),
+          tolerances_(tolerances_of(params)),
           pool_(params.get_int(Param::PoolSolutions), model.data.sense) {}
 
     Pool& pool() { return pool_; }
@@ -136,6 +137,9 @@ public:
     void solution(double objective, const double* x, bool improves) override {
         if (!improves && !pool_.wants(objective)) return;
         std::vector<double> point(x, x + model_.num_cols());  // without what bridges added
+        const ModelData& data = model_.data;
+        if (find_breach(data, point, row_activities(data.rows, x), tolerances_)) return;
+        objective = main_objective(data, x);
         if (improves && !prefix_.empty()) write_file(point, objective);
         pool_.add(objective, std::move(point));
     }
@@ -152,6 +156,7 @@ private:
 
     const Model& model_;
     const std::string prefix_;
+    const Tolerances tolerances_;
     int num_files_ = 0;
     Pool pool_;
 };
@@ -165,19 +170,19 @@ Solution solve_single(const ModelData& data, Problem problem, Context& context, 
     if (has_cutoff && solution.is_mip) problem.limit_objective(cutoff - problem.offset);
 
     Claim claim{data, [&](const double* x) { return main_objective(data, x); }, {}, tolerances_of(params)};
-    if (has_cutoff)
-        claim.admits = [&](const double* x) { return data.sense * main_objective(data, x) <= data.sense * cutoff; };
+    if (has_cutoff && solution.is_mip)
+        claim.excess = [&](const double* x) { return relative_excess(data.sense, main_objective(data, x), cutoff); };
     const Start start{user_start(data), user_basis(data, context.monitor)};
     SolverResult result = checked_search(problem, start, claim, context);
     solution.status = status_of(result, context);
     if (has_cutoff)
         solution.status =
             status_with_cutoff(solution.status, solution.is_mip, data.sense * (result.objective - cutoff));
-    std::vector<double> farkas = std::move(result.farkas);
+    std::vector<double> farkas = std::move(result.farkas), ray = std::move(result.ray);
     store_result(data, std::move(result), solution);
     pool.store(params, solution);
     if (params.get_int(Param::InfUnbdInfo) && !solution.is_mip && !problem.has_empty_range())
-        store_certificate(data, context, std::move(farkas), solution);
+        store_certificate(data, std::move(farkas), std::move(ray), solution);
     if (!data.objectives.empty() && solution.obj_val != kUndefined) solution.multi_obj = {solution.obj_val};
     return solution;
 }

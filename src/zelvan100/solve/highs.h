@@ -70,6 +70,7 @@ struct SolverResult {
     std::vector<double> rc, pi;    // empty unless dual feasible
     Basis basis;                   // empty when there is none
     std::vector<double> farkas;    // of the rows, once an infeasibility is proven
+    std::vector<double> ray;       // of the columns, once an unboundedness is proven
 };
 
 class HighsSession {

@@ -77,12 +77,13 @@ private:
         problem_.offset = blend.offset;
         context_.monitor.log("\nSolving for the objectives of priority " + std::to_string(priority) + "\n");
         const auto blended = [this, priority](const double* x) { return value_of(priority, x); };
-        const auto admits = [this](const double* x) {
-            return std::all_of(limits_.begin(), limits_.end(), [&](const Limit& limit) {
-                return problem_.sense * (value_of(limit.priority, x) - limit.value) <= 0.0;
-            });
+        const auto excess = [this](const double* x) {
+            double most = 0.0;
+            for (const Limit& limit : limits_)
+                most = std::max(most, relative_excess(problem_.sense, value_of(limit.priority, x), limit.value));
+            return most;
         };
-        return checked_search(problem_, start_, {data_, blended, admits, tolerances_of(context_.params)}, context_);
+        return checked_search(problem_, start_, {data_, blended, excess, tolerances_of(context_.params)}, context_);
     }
 
     void check_costs(const std::vector<double>& cost, int priority) const {

@@ -10,6 +10,7 @@ namespace {
 // Elements and sums of products below this, in terms of the largest one, are taken for rounding errors of the LP.
 constexpr double kRelativeZero = 1e-9;
 constexpr double kRounding = 1e-13;
+constexpr double kRoundingOfLarge = 1e-9;
 
 // No direction improves the objective unless some column by itself does so on an infinite side.
 bool has_improving_side(const Problem& problem) {
@@ -35,18 +36,13 @@ Problem cone_of(Problem problem) {
     return problem;
 }
 
-void clean(const Problem& cone, std::vector<double>& direction) {
-    double largest = 0.0;
-    for (double value : direction) largest = std::max(largest, std::fabs(value));
-    if (largest == 0.0) return;
-    for (int j = 0; j < cone.num_cols(); ++j) {
-        double& value = direction[j];
-        value = std::clamp(value / largest, cone.lb[j], cone.ub[j]);
-        if (std::fabs(value) < kRelativeZero) value = 0.0;
-    }
+std::vector<double> best_direction(const Problem& cone, Context& context) {
+    Care care;
+    care.simplex = true;  // a vertex: most of its elements are exactly 0, 1 or -1
+    return search_aside(cone, {}, care, context).x;
 }
 
-bool holds(const Problem& cone, const std::vector<double>& direction) {
+bool holds(const Problem& cone, const std::vector<double>& direction, double rounding) {
     for (int i = 0; i < cone.num_rows(); ++i) {
         double sum = 0.0, magnitude = 0.0;
         for (int k = cone.start[i]; k < cone.start[i + 1]; ++k) {
@@ -54,7 +50,7 @@ bool holds(const Problem& cone, const std::vector<double>& direction) {
             sum += term;
             magnitude += std::fabs(term);
         }
-        const double allowed = kRounding * magnitude;
+        const double allowed = rounding * magnitude;
         if (sum < cone.row_lower[i] - allowed || sum > cone.row_upper[i] + allowed) return false;
     }
     double rate = 0.0, magnitude = 0.0;
@@ -65,17 +61,33 @@ bool holds(const Problem& cone, const std::vector<double>& direction) {
     return rate < -kRelativeZero * magnitude;
 }
 
+// Scaled to largest element 1, and without small elements unless it needs them; empty when it doesn't hold.
+std::vector<double> cleaned(const Problem& cone, std::vector<double> direction, double rounding) {
+    double largest = 0.0;
+    for (double value : direction) largest = std::max(largest, std::fabs(value));
+    if (largest == 0.0) return {};
+    for (int j = 0; j < cone.num_cols(); ++j) direction[j] = std::clamp(direction[j] / largest, cone.lb[j], cone.ub[j]);
+    std::vector<double> without = direction;
+    for (double& value : without)
+        if (std::fabs(value) < kRelativeZero) value = 0.0;
+    if (holds(cone, without, rounding)) return without;
+    return holds(cone, direction, rounding) ? direction : std::vector<double>();
+}
+
 }  // namespace
 
 std::vector<double> improving_direction(const Problem& problem, Context& context) {
     if (!has_improving_side(problem)) return {};
     const Problem cone = cone_of(problem);
-    Care care;
-    care.simplex = true;  // a vertex: most of its elements are exactly 0, 1 or -1
-    std::vector<double> direction = search_aside(cone, {}, care, context).x;
-    if (direction.empty()) return {};
-    clean(cone, direction);
-    if (!holds(cone, direction)) return {};
+    return cleaned(cone, best_direction(cone, context), kRounding);
+}
+
+std::vector<double> confirmed_direction(const Problem& problem, Context& context) {
+    if (!has_improving_side(problem)) return {};
+    const Problem cone = cone_of(problem);
+    std::vector<double> direction = cleaned(cone, best_direction(cone, context), kRoundingOfLarge);
+    if (direction.empty() && !problem.is_mip())
+        direction = cleaned(cone, context.session.primal_ray(), kRoundingOfLarge);
     return direction;
 }
 

@@ -2,6 +2,7 @@
 
 #include <algorithm>
 #include <cmath>
+#include <cstdio>
 #include <limits>
 #include <queue>
 #include <utility>
@@ -60,6 +61,7 @@ public:
         result_.activity.clear();
         const bool ended = result_.outcome == Outcome::kOptimal;
         if (is_mip_ && fix(problem_, x) && ended && is_proven()) return proven();
+        // A limit or an interrupt leaves no time for further solves.
         if (!ended) return unproven(result_.outcome);
         return is_mip_ ? run_mip() : run_lp();
     }
@@ -100,7 +102,11 @@ private:
     }
 
     bool take(const std::vector<double>& x) {
-        if (x.empty() || claim_.breach(x)) return false;
+        if (x.empty()) return false;
+        if (std::optional<std::string> fault = claim_.fault(x)) {
+            fault_ = std::move(*fault);
+            return false;
+        }
         const double objective = claim_.objective(x.data());
         if (best_.empty() || problem_.sense * objective < problem_.sense * best_objective_) {
             best_ = x;
@@ -135,6 +141,8 @@ private:
         std::priority_queue<Node> open;
         open.push({problem_.sense * bound_, problem_.lb, problem_.ub, std::move(failing)});
         double lost = kInf;  // bound of nodes that can't be branched on
+        // Special ordered sets lie in rows with binaries too.
+        const double tolerance = std::min(claim_.tolerances.feasibility, claim_.tolerances.integrality);
         Problem child = problem_;
         for (int count = 0; !open.empty() && count < kMostNodes;) {
             const Node node = open.top();
@@ -143,7 +151,7 @@ private:
             child.lb = node.lb;
             child.ub = node.ub;
             const std::vector<double> at = rounded(child, node.failing);
-            const int column = branching_column(child, at, claim_.tolerances.feasibility);
+            const int column = branching_column(child, at, tolerance);
             if (column < 0) {
                 lost = std::min(lost, node.bound);
                 continue;
@@ -188,8 +196,12 @@ private:
     }
 
     SolverResult unproven(Outcome outcome) {
-        context_.monitor.log(best_.empty() ? "Not repaired: no point was found that holds\n"
-                                           : "A point was found that holds, but it isn't proven optimal\n");
+        if (!best_.empty())
+            context_.monitor.log("A point was found that holds, but it isn't proven optimal\n");
+        else if (fault_.empty())
+            context_.monitor.log("Not repaired: no other point was found\n");
+        else
+            context_.monitor.log("Not repaired: the latest point found " + fault_ + "\n");
         return with_best(outcome);
     }
 
@@ -210,11 +222,29 @@ private:
     const bool is_mip_;
     SolverResult result_;
     double bound_ = 0.0;  // proven for the whole problem
+    std::string fault_;   // of the latest point that fails
     std::vector<double> best_;
     double best_objective_ = 0.0;
 };
 
 }  // namespace
+
+std::optional<std::string> Claim::fault(const std::vector<double>& x, std::span<const double> activity,
+                                        const Tolerances& allowed) const {
+    if (const std::optional<Breach> breach = find_breach(data, x, activity, allowed))
+        return "violates " + text_of(data, *breach);
+    if (!std::isfinite(objective(x.data()))) return "has no finite objective";
+    const double worse = excess ? excess(x.data()) : 0.0;
+    if (worse <= allowed.feasibility) return std::nullopt;
+    char text[96];
+    std::snprintf(text, sizeof text, "is beyond the limit of an objective by %.3g, where %.3g is allowed", worse,
+                  allowed.feasibility);
+    return text;
+}
+
+double relative_excess(int sense, double value, double limit) {
+    return std::max(0.0, sense * (value - limit)) / std::max(1.0, std::fabs(limit));
+}
 
 Tolerances tolerances_of(const ParamValues& params) {
     return {params.get_dbl(Param::FeasibilityTol), params.get_dbl(Param::IntFeasTol)};

@@ -3,6 +3,9 @@
 // reformulated problem are not those of the model.
 
 #include <functional>
+#include <optional>
+#include <span>
+#include <string>
 #include <vector>
 
 #include "solve/check.h"
@@ -15,14 +18,20 @@ struct Claim {
     const ModelData& data;
     // Of the columns of the model, in its own sense.
     std::function<double(const double* x)> objective;
-    // Conditions on a point that are none of the model: a cutoff, what earlier objectives reached.
-    std::function<bool(const double* x)> admits;
+    // By how much a point is worse than a cutoff or what earlier objectives reached, relatively; none without them.
+    std::function<double(const double* x)> excess;
     Tolerances tolerances;
 
-    std::optional<Breach> breach(const std::vector<double>& x) const {
-        return find_breach(data, x, row_activities(data.rows, x.data()), tolerances);
+    // What is wrong with a point, as a part of a sentence; `activity` has the activities of the rows there.
+    std::optional<std::string> fault(const std::vector<double>& x, std::span<const double> activity,
+                                     const Tolerances& allowed) const;
+    std::optional<std::string> fault(const std::vector<double>& x) const {
+        return fault(x, row_activities(data.rows, x.data()), tolerances);
     }
 };
+
+// By how much a value is worse than a limit, in terms of the limit where that is larger than 1.
+double relative_excess(int sense, double value, double limit);
 
 Tolerances tolerances_of(const ParamValues& params);
 // Whether an objective is as good as the bound within MIPGap or MIPGapAbs.

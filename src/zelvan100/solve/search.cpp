@@ -68,12 +68,15 @@ SolverResult run_method(const Problem& problem, Context& context) {
 SolverResult run_loaded(const Problem& problem, Context& context) {
     HighsSession& session = context.session;
     SolverResult result = run_method(problem, context);
-    if (result.outcome == Outcome::kUnknown && !problem.is_mip() && !context.monitor.stop_status()) {
-        context.monitor.log("The result is uncertain: solving anew by primal simplex without presolve\n");
+    const bool is_uncertain = result.outcome == Outcome::kUnknown && (result.x.empty() || !problem.is_mip());
+    if (is_uncertain && !context.monitor.stop_status()) {
+        context.monitor.log("The result is uncertain: solving anew without presolve\n");
         session.forget_basis();
         session.set_option("presolve", "off");
-        session.set_option("solver", "simplex");
-        session.set_option("simplex_strategy", kPrimalSimplex);
+        if (!problem.is_mip()) {
+            session.set_option("solver", "simplex");
+            session.set_option("simplex_strategy", kPrimalSimplex);
+        }
         result = run_session(context);
         set_options(session, context.params, problem, context.care);
     }
