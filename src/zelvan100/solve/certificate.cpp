@@ -161,7 +161,7 @@ Elastic solve_elastic(const Problem& problem, Context& context) {
 
 bool is_proven_optimal(const Problem& problem, const SolverResult& result, double tolerance,
                        std::vector<double>* activity) {
-    if (result.x.empty() || result.pi.empty()) return false;
+    if (result.x.empty() || result.rc.empty()) return false;
     // Of both sides that which the sign speaks for has the larger product, infinite where there is no such side.
     // Without branches, as the signs follow no pattern.
     const auto gap_of = [tolerance](double dual, double value, double lower, double upper) {
