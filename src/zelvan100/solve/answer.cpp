@@ -65,6 +65,7 @@ private:
     SolverResult judged(SolverResult result) {
         if (is_without_limit(result.outcome)) return unlimited(std::move(result));
         if (result.outcome == Outcome::kInfeasible) return is_mip_ ? doubted(result) : confirmed(std::move(result));
+        if (result.outcome == Outcome::kUnknown && !is_mip_) return settled(std::move(result));
         return held(std::move(result));
     }
 
@@ -133,7 +134,30 @@ private:
         if (!is_without_limit(result.outcome)) return judged(std::move(result));
         log("Called unbounded again, though without a proof that holds\n");
         result.outcome = Outcome::kUnknown;
-        return held(std::move(result));
+        return is_mip_ ? held(std::move(result)) : settled(std::move(result));
+    }
+
+    // An LP of which HiGHS can't tell anything: infeasible with a proof, unbounded with a point and a direction.
+    SolverResult settled(SolverResult result) {
+        std::optional<Farkas> farkas = farkas_of_one_row(problem_);
+        Elastic elastic;
+        if (!farkas) {
+            elastic = solve_elastic(problem_, context_);
+            farkas = std::move(elastic.farkas);
+        }
+        if (farkas) {
+            result.outcome = Outcome::kInfeasible;
+            result.farkas = std::move(farkas->y);
+            result.x.clear();
+            return result;
+        }
+        if (!admissible(elastic.x, claim_.tolerances)) return held(std::move(result));
+        std::vector<double> direction = confirmed_direction(problem_, context_);
+        if (direction.empty()) return held(std::move(result));
+        result.outcome = Outcome::kUnbounded;
+        result.ray = std::move(direction);
+        result.x.clear();
+        return result;
     }
 
     // A point that holds, with its objective recomputed; without one the answer isn't optimal.

@@ -475,7 +475,8 @@ SolverResult HighsSession::run(int threads) {
     const int status = watched([this] { return Highs_run(highs_); });
     const int model_status = Highs_getModelStatus(highs_);
     // An error of the simplex method, which another way of solving may avoid, is an outcome.
-    if (model_status != kModelStatusMemoryLimit && model_status != kHighsModelStatusSolveError)
+    if (model_status != kModelStatusMemoryLimit && model_status != kHighsModelStatusSolveError &&
+        model_status != kHighsModelStatusNotset)
         check(status, "solve the model");
     SolverResult result = fetch();
     if (stopped_ && result.outcome == Outcome::kTimeLimit) result.outcome = Outcome::kStopped;
