@@ -272,13 +272,21 @@ def test_a_part_that_a_limit_cuts_short_keeps_its_bound(env_silent):
     x = m.getVars()
     y = m.addVar(lb=3, obj=1e-6, vtype=ZVN.SEMICONT)
     m.addConstr(y <= 2e7 * (x[0] + x[1]))
-    m.setAttr("Start", x, [0.0] * len(x))
     for name, value, status in (("NodeLimit", 5, ZVN.NODE_LIMIT), ("MIPGap", 0.5, ZVN.OPTIMAL)):
         m.reset()
         m.setParam(name, value)
         m.optimize()
         m.setParam(name, "default")
         assert m.Status == status and m.ObjBound > m.ObjVal
+
+
+def test_solutions_of_a_part_alone_are_none(env_silent):
+    m = knapsacks(env_silent, items=20)
+    y = m.addVar(lb=3, obj=-1.0, vtype=ZVN.SEMICONT)
+    m.addConstr(y >= 1)  # as y is in every solution that leaves its gap out of account
+    m.Params.SolutionLimit = 1
+    m.optimize()
+    assert m.Status == ZVN.SOLUTION_LIMIT and y.X == pytest.approx(3.0)
 
 
 def test_several_objectives(env_silent):
@@ -298,15 +306,15 @@ def test_a_bound_from_the_relaxation_makes_it_a_plain_search(env_silent, tmp_pat
     env_silent.setParam("LogToConsole", 0)
     env_silent.setParam("OutputFlag", 1)
     branched = []
-    for second in (2.0, -0.5):
+    for second, best in ((1.0, 2.2), (-0.5, 5.8)):
         m = zelvanpy.Model(env=env_silent)
-        x, y = m.addVar(lb=3, vtype=ZVN.SEMICONT), m.addVar(lb=-ZVN.INFINITY)
+        x, y, z = m.addVar(lb=3, vtype=ZVN.SEMICONT), m.addVar(lb=-ZVN.INFINITY), m.addVar(ub=5)
         m.addConstr(x - y <= 1)
-        m.addConstr(x + second * y <= 7.9)  # with 2 they leave x at most 3.3
-        m.setObjective(x - y, ZVN.MAXIMIZE)
+        m.addConstr(x + second * y - z <= 2)  # with 1 they leave x at most 4
+        m.setObjective(x - 0.6 * y, ZVN.MAXIMIZE)
         m.Params.LogFile = str(tmp_path / ("%g.log" % second))
         m.optimize()
-        assert m.Status == ZVN.OPTIMAL and m.ObjVal == pytest.approx(1.0)
+        assert m.Status == ZVN.OPTIMAL and m.ObjVal == pytest.approx(best)
         branched.append("Branching on 1 semi-continuous" in (tmp_path / ("%g.log" % second)).read_text())
     assert branched == [False, True]
 
