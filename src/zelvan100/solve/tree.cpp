@@ -206,7 +206,8 @@ private:
             case Outcome::kUnknown:
                 return {End::kLost};
             default:
-                return ruled_out_ ? Visit{End::kRuledOut, *ruled_out_} : Visit{End::kLimit, -kInf, {}, result.outcome};
+                if (ruled_out_) return {End::kRuledOut, *ruled_out_};
+                return {End::kLimit, problem_.is_mip() ? problem_.sense * result.bound : -kInf, {}, result.outcome};
         }
     }
 
