@@ -176,7 +176,7 @@ def test_models_freed_while_another_is_solved(env_silent, env_loud, monkeypatch,
         rings = [Ring(one) for one in solved]
         for ring in rings:
             weakref.finalize(ring, freed.append, None)
-        solved = ring = rings = one = None
+        solved = ring = rings = None
 
     def react():
         if collected:

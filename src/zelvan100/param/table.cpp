@@ -54,7 +54,8 @@ constexpr ParamSpec kParams[] = {
          "HiGHS option time_limit; the solve ends with status TIME_LIMIT."),
     real("WorkLimit", 0, kInf, kInf, "Most work of a solve, in units that don't depend on the machine's speed.",
          "Work is 4e-9 * (rows + columns + nonzeros) * (simplex iterations + 100 * barrier iterations + 100 * nodes), "
-         "polled; the solve ends with status WORK_LIMIT. HiGHS tells the iterations of a MIP between its steps only (the "
+         "polled; the solve ends with status WORK_LIMIT. HiGHS tells the iterations of a MIP between its steps only "
+         "(the "
          "relaxation, a round of cuts, a heuristic), and the last step counts in full."),
     real("BestObjStop", -kInf, kInf, -kInf, "Objective value of a MIP solution that is good enough to end the search.",
          "The search is stopped when a solution reaches the value, with status USER_OBJ_LIMIT."),
