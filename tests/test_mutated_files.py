@@ -12,8 +12,88 @@ from test_model_files import FIXED, LP_TEXT, MPS, MPS_TEXT, SEVERAL_LP, SEVERAL_
 COUNT = 10000 if "ZELVAN_SANITIZED" in os.environ else 2000
 RANGES = "RANGES\n    RNG       c1        2.5          c3        -1\n"
 BOUNDS = " UP BND       x         4\n FR BND       u\n SC BND       z         9\n LI BND       y         -3\n"
+ALL_MPS = """NAME all of it
+OBJSENSE
+    MAX
+OBJECTIVES
+    o 2 1 0 0.1
+    g -1 -0.5 1e-6 0
+ROWS
+ N o
+ N g
+ L a
+ G b
+ E c
+COLUMNS
+    x o 1 a 2
+    x g -1
+    M1 'MARKER' 'INTORG'
+    y a 1 b 2
+    M2 'MARKER' 'INTEND'
+    s c 1
+    n c 2
+    w o 0
+RHS
+    RHS o -3 g 4
+    RHS a 4 c -1
+RANGES
+    RNG a 2 b 3
+    RNG c -1
+BOUNDS
+ UP BND x -1
+ SC BND s 9
+ SI BND n 4
+ LO BND n 1
+ FR BND w
+ LI BND y -3
+PWLOBJ
+    w -1 0
+    w 0 2
+    w 0 3
+    w 4 5
+SOS
+ S1 s1
+    x 1
+    y 2
+ S2 s2
+    s 1
+    SOS w 3
+ENDATA
+"""
+ALL_LP = """\
+\\ Model name: all of it
+Maximize
+ o: 2 x + 3 y - z + 4
+Subject To
+ a: x + y + s + q >= 1
+ b: -1 <= x + 2 z <= 8
+ empty: = +0
+ e2: +0 x <= 3
+Objective 0 Priority 2 Weight 1 AbsTol 0 RelTol 0.1
+Objective 1 Priority -1 Weight -0.5 AbsTol 1e-6 RelTol 0
+ g: x - w + 1
+PWLObj
+ w: (-1, 0) (0, 0) (0, 2) (2.5, 4)
+Bounds
+ x <= -1
+ -inf <= y <= 4
+ z = 3
+ s <= 10
+ w free
+Generals
+ y
+Binaries
+ q
+Semi-Continuous
+ s
+SOS
+ s1: S1 :: x:1 y:2
+ s2: S2 :: s:1 w:2 q:3.5
+End
+"""
 SOURCES = {
     ".mps": [
+        ALL_MPS,
         MPS.format("OBJSENSE\n    MAX\n", RANGES, BOUNDS),
         FIXED,
         MPS_TEXT,
@@ -21,6 +101,7 @@ SOURCES = {
         MPS_TEXT.replace("    x 1\n    s", "    SOS x 1\n    SOS s"),
     ],
     ".lp": [
+        ALL_LP,
         LP_TEXT,
         SEVERAL_LP,
         LP_TEXT.replace("r2: -1 <=", "r2:").replace("  0 x", " obj: 1.5e-3 x\n\n +"),
@@ -32,7 +113,7 @@ WORDS = re.findall(
     """0 1 -1 nan inf -infinity 1e400 1e-400 .5. 1e+ 0x1F +-3 -- : <= >= = < > + - * / ^ [ ] ( ) \\ -> $ ; "
     x r1 c1 c2 OBJ RHS BOUNDS ROWS COLUMNS RANGES ENDATA NAME OBJSENSE MAX QUADOBJ N L G E UP LO FX MI BV SI
     'MARKER' 'INTORG' Minimize Subject To st Bounds Generals Binaries Semi-Continuous End free
-    SOS S1 S2 SOS1 s2:: S1: x:1""",
+    SOS S1 S2 SOS1 s2:: S1: x:1 SI LI PWLOBJ OBJECTIVES Objective Priority Weight XU UL TimeLimit Threads""",
 ) + ["\t", "\r", "\0", "\x1a", "\x7f", "\xe9", "\ufeff", ""]
 
 
@@ -92,6 +173,41 @@ def test_mutated_files(ending, tmp_path):
                     assert [c[1:] for c in copy.content().columns] == [c[1:] for c in content.columns]
                     assert len(copy.content().rows) == len(content.rows)
                     assert copy.content().sets == content.sets
+                    assert copy.number("Fingerprint") == model.number("Fingerprint")
     env.close()
     # Enough of both outcomes, or the test shows nothing.
     assert COUNT // 20 < accepted < COUNT * 19 // 20
+
+
+DATA = {
+    ".mst": "# MIP start\nx 1\ny y 2.5\nz 1e-3\n",
+    ".sol": "# Objective value = 3\nx 1\ny y 2\nz 0\n",
+    ".ord": "# Branching priorities\nx 1\nz -2\n",
+    ".bas": "NAME\n XU x r\n UL z\nENDATA\n",
+    ".prm": '# set\nTimeLimit 30\nResultFile "a b"\nThreads 1\nMIPGap 1e-3\n',
+}
+
+
+@pytest.mark.parametrize("ending", DATA)
+def test_mutated_data_files(ending, tmp_path):
+    env = Environment(UpdateMode=0, LogToConsole=0)
+    rng = random.Random(30)
+    path = tmp_path / ("mutated" + ending)
+    accepted = 0
+    with env.new() as model:
+        model.add_columns([("x", "I", 0, 5, 1), ("y y", "C", 0, 9, -1), ("z", "C", 0, 4, 2)])
+        model.update()
+        for name, sense in (("r", "<"), ("q", ">")):
+            model.add_row(name, sense, 2, [(0, 1), (2, 1)])
+        for _ in range(COUNT // 2):
+            encoding = rng.choice(["utf-8", "utf-8", "latin-1"])
+            path.write_bytes(mutate(rng, DATA[ending]).encode(encoding, "replace"))
+            try:
+                model.call("ZVNread", str(path).encode())
+            except LibraryError as error:
+                assert error.text.startswith("File '%s'" % path)
+                continue
+            accepted += 1
+            model.update()
+    env.close()
+    assert COUNT // 40 < accepted < COUNT // 2 * 19 // 20

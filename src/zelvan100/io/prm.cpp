@@ -7,6 +7,7 @@
 #include "io/io.h"
 #include "io/lines.h"
 #include "io/number.h"
+#include "io/source.h"
 
 namespace zelvan {
 
@@ -63,7 +64,7 @@ Number parse(std::string_view text, const char* what) {
     if (digits.size() > 1 && digits[0] == '+' && digits[1] != '-') digits.remove_prefix(1);
     const auto [end, fault] = std::from_chars(digits.data(), digits.data() + digits.size(), number);
     if (fault != std::errc() || end != digits.data() + digits.size())
-        throw syntax(std::string(what) + " expected, found '" + std::string(text) + "'");
+        throw syntax(std::string(what) + " expected, found " + quoted(text));
     return number;
 }
 
@@ -74,7 +75,7 @@ void read_line(ParamValues& values, std::string_view line) {
     const std::string name(line.substr(0, blank));
     const std::string_view value = trim(line.substr(blank));
     const int param = find_param(name);
-    if (param < 0) throw Error(ZVN_ERROR_UNKNOWN_PARAMETER, "unknown parameter '" + name + "'");
+    if (param < 0) throw Error(ZVN_ERROR_UNKNOWN_PARAMETER, "unknown parameter " + quoted(name));
     const std::string_view bare = without_comment(value);
     if (bare.empty()) throw syntax("value of parameter '" + name + "' expected");
     switch (param_spec(param).type) {
@@ -100,9 +101,9 @@ std::string value_text(const ParamValues& values, int i) {
 }  // namespace
 
 void read_params(Env& env, const std::string& path) {
-    const std::string text = read_file(path);
+    const Source file = Source::read(path);
     ParamValues values = env.params;
-    Lines lines(text);
+    Lines lines(file.text);
     for (std::string_view line; lines.next(line);) {
         try {
             read_line(values, line);

@@ -5,17 +5,16 @@
 #include <iterator>
 #include <utility>
 
+#include "core/infinity.h"
 #include "solve/check.h"
 
 namespace zelvan {
 
 namespace {
 
-double stored(double value) { return std::abs(value) >= kInfinityThreshold ? std::copysign(kInfinity, value) : value; }
-
 double gap(double objective, double bound) {
     if (bound == objective) return 0.0;
-    return objective == 0.0 ? kInfinity : stored(std::abs((objective - bound) / objective));
+    return objective == 0.0 ? kInfinity : clipped(std::abs((objective - bound) / objective));
 }
 
 void store_basis(const ModelData& data, Basis basis, Solution& solution) {
@@ -48,7 +47,7 @@ void store_result(const ModelData& data, SolverResult result, Solution& solution
     if (status == ZVN_INFEASIBLE || status == ZVN_INF_OR_UNBD || status == ZVN_UNBOUNDED || status == ZVN_CUTOFF)
         return;
     if (solution.is_mip) {
-        solution.obj_bound = stored(result.bound);
+        solution.obj_bound = clipped(result.bound);
         solution.mip_gap = kInfinity;
     }
     if (result.x.size() < data.cols.lb.size() || (result.x.empty() && status != ZVN_OPTIMAL)) return;
