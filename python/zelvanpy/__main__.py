@@ -10,6 +10,7 @@ parameter or a file is at fault.
 """
 
 import argparse
+import signal
 import sys
 
 import zelvanpy
@@ -94,4 +95,6 @@ def main(arguments=None):
 
 
 if __name__ == "__main__":
+    if hasattr(signal, "SIGPIPE"):
+        signal.signal(signal.SIGPIPE, signal.SIG_DFL)  # `| head` ends it like any other command
     sys.exit(main())

@@ -161,8 +161,7 @@ py::object Column_constrs(Column& self) {
 }
 
 py::object Column_reduce(Column& self) {
-    const py::handle type = reinterpret_cast<PyObject*>(Py_TYPE(object_of(self).ptr()));
-    return py::make_tuple(type, py::make_tuple(Column_coeffs(self), Column_constrs(self)));
+    return reduced(object_of(self), py::make_tuple(Column_coeffs(self), Column_constrs(self)));
 }
 
 void Column_dealloc(PyObject* object) {

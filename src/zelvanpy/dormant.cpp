@@ -51,32 +51,7 @@ void register_callback() {
     checked(PyList_Append(callbacks.ptr(), callback.ptr()));
 }
 
-}  // namespace
-
-void add_dormant_class(DormantClass& listed) {
-    listed.ring.previous = listed.ring.next = &listed.ring;
-    DormantClass** end = &first_class;
-    while (*end) end = &(*end)->next_class;
-    *end = &listed;
-}
-
-void wake(PyObject* object, DormantLink& link) {
-    leave_ring(link);
-    PyObject_GC_Track(object);
-    stale = true;  // a dormant object may hold this one
-}
-
-bool is_inert(PyObject* object) {
-    PyTypeObject* type = Py_TYPE(object);
-    if (type == Var_Type) return is_inert(reinterpret_cast<Handle*>(object));
-    for (DormantClass* of = first_class; of; of = of->next_class)
-        if (type == of->type)
-            return reinterpret_cast<DormantLink*>(reinterpret_cast<char*>(object) + of->link_offset)->next != nullptr;
-    return type == &PyFloat_Type || type == &PyLong_Type || type == &PyBool_Type || type == &PyUnicode_Type ||
-           object == Py_None;
-}
-
-void handle_gained_dict() noexcept {
+void mark_stale() noexcept {
     stale = true;
     if (registered) return;
     registered = true;
@@ -90,5 +65,32 @@ void handle_gained_dict() noexcept {
     }
     PyErr_Restore(type, value, traceback);
 }
+
+}  // namespace
+
+void add_dormant_class(DormantClass& listed) {
+    listed.ring.previous = listed.ring.next = &listed.ring;
+    DormantClass** end = &first_class;
+    while (*end) end = &(*end)->next_class;
+    *end = &listed;
+}
+
+void wake(PyObject* object, DormantLink& link) {
+    leave_ring(link);
+    PyObject_GC_Track(object);
+    mark_stale();  // a dormant object may hold this one
+}
+
+bool is_inert(PyObject* object) {
+    PyTypeObject* type = Py_TYPE(object);
+    if (type == Var_Type) return is_inert(reinterpret_cast<Handle*>(object));
+    for (DormantClass* of = first_class; of; of = of->next_class)
+        if (type == of->type)
+            return reinterpret_cast<DormantLink*>(reinterpret_cast<char*>(object) + of->link_offset)->next != nullptr;
+    return type == &PyFloat_Type || type == &PyLong_Type || type == &PyBool_Type || type == &PyUnicode_Type ||
+           object == Py_None;
+}
+
+void handle_gained_dict() noexcept { mark_stale(); }
 
 }  // namespace zelvanpy

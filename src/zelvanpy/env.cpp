@@ -142,6 +142,7 @@ void Env_dealloc(PyObject* self) {
     auto& env = *reinterpret_cast<Env*>(self);
     if (env.weakrefs) PyObject_ClearWeakRefs(self);
     Py_CLEAR(env.dict);
+    if (env.owner && env.cenv != Py_None) free_handle(env);  // a subclass may have a close() of its own
     Py_CLEAR(env.cenv);
     PyTypeObject* type = Py_TYPE(self);
     type->tp_free(self);
@@ -279,16 +280,33 @@ bool write_to_logger(PyObject* line) {
     return logged != nullptr;
 }
 
+void report_failure() {
+    PyObject* context = PyUnicode_FromString("zelvanpy.logcallbackstub");
+    PyErr_WriteUnraisable(context);
+    Py_XDECREF(context);
+}
+
+// Tells of the first failure in a row of one receiver, of which the address is enough. The answer is `works`.
+bool reported(bool works, const void* receiver, const void*& failing) {
+    if (!works && failing == receiver)
+        PyErr_Clear();
+    else if (!works)
+        report_failure();
+    failing = works ? nullptr : receiver;
+    return works;
+}
+
 void log_with_lock(const char* message) {
     PyObject *type, *value, *traceback;
     PyErr_Fetch(&type, &value, &traceback);
     PyObject* text = PyUnicode_DecodeUTF8(message, static_cast<Py_ssize_t>(std::strlen(message)), "replace");
-    PyObject* line = text && write_to_stdout(text) ? without_newline(text) : nullptr;
-    if (!line || !write_to_logger(line)) {
-        PyObject* context = PyUnicode_FromString("zelvanpy.logcallbackstub");
-        PyErr_WriteUnraisable(context);
-        Py_XDECREF(context);
-    }
+    static const void *failing_stream = nullptr, *failing_logger = nullptr;
+    const void* stream = PySys_GetObject("stdout");
+    if (!stream) stream = &failing_stream;
+    const bool written = text && reported(write_to_stdout(text), stream, failing_stream);
+    PyObject* line = written ? without_newline(text) : nullptr;
+    if (line) reported(write_to_logger(line), &failing_logger, failing_logger);
+    if (PyErr_Occurred()) report_failure();
     Py_XDECREF(text);
     Py_XDECREF(line);
     PyErr_Restore(type, value, traceback);

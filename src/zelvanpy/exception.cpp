@@ -109,8 +109,23 @@ PyType_Spec spec = {"zelvanpy.ZelvanError", 0, 0, Py_TPFLAGS_DEFAULT | Py_TPFLAG
 
 }  // namespace
 
+namespace {
+
+py::object new_error(int code, py::handle text_or_object) {
+    return steal(PyObject_CallFunction(ZelvanError, "iO", code, text_or_object.ptr()));
+}
+
+}  // namespace
+
+void raise_zelvan(int code, const char* text, int cause_code, py::handle cause) {
+    const py::object error = new_error(code, to_str(text));
+    PyException_SetCause(error.ptr(), new_error(cause_code, cause).release().ptr());
+    PyErr_SetObject(reinterpret_cast<PyObject*>(Py_TYPE(error.ptr())), error.ptr());
+    throw PythonError{};
+}
+
 void raise_zelvan(int code, py::handle text_or_object) {
-    const py::object error = steal(PyObject_CallFunction(ZelvanError, "iO", code, text_or_object.ptr()));
+    const py::object error = new_error(code, text_or_object);
     PyErr_SetObject(reinterpret_cast<PyObject*>(Py_TYPE(error.ptr())), error.ptr());
     throw PythonError{};
 }

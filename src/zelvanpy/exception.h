@@ -8,6 +8,8 @@ extern PyObject* ZelvanError;  // the exception class
 
 // Raises ZelvanError(code, text), or ZelvanError(code, object) whose text comes from the library.
 [[noreturn]] void raise_zelvan(int code, const char* text);
+// The same with another ZelvanError as __cause__.
+[[noreturn]] void raise_zelvan(int code, const char* text, int cause_code, py::handle cause);
 [[noreturn]] void raise_zelvan(int code, py::handle text_or_object);
 // Raises ZelvanError(code, object) unless code is 0.
 inline void check(int code, py::handle object) {

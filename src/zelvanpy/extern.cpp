@@ -3,6 +3,8 @@
 #include <climits>
 #include <cstring>
 
+#include "exception.h"
+
 namespace zelvanpy {
 
 namespace {
@@ -56,6 +58,22 @@ py::object to_str(const char* text) { return steal(PyUnicode_FromString(text ? t
 
 py::object message_to_str(const char* text) {
     return steal(PyUnicode_DecodeUTF8(text, static_cast<Py_ssize_t>(std::strlen(text)), "replace"));
+}
+
+char first_char(py::handle text) {
+    py::object first;
+    if (PyUnicode_Check(text.ptr()) && PyUnicode_READY(text.ptr()) == 0 && PyUnicode_GET_LENGTH(text.ptr()) > 0) {
+        const Py_UCS4 code = PyUnicode_READ_CHAR(text.ptr(), 0);
+        if (code > 127) raise(PyExc_OverflowError, "value too large to convert to char");
+        return static_cast<char>(code);
+    }
+    first = steal(PySequence_GetItem(text.ptr(), 0));
+    if (!PyUnicode_Check(first.ptr())) {
+        PyErr_Format(PyExc_TypeError, "ord() expected string of length 1, but %.200s found",
+                     Py_TYPE(first.ptr())->tp_name);
+        throw PythonError{};
+    }
+    return first_char(first);
 }
 
 CString::CString(py::handle text) {

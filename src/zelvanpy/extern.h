@@ -29,6 +29,9 @@ private:
     const char* text_;
 };
 
+// ord(text[0]) as one byte.
+char first_char(py::handle text);
+
 // A capsule without name and destructor, None for null.
 py::object wrap_pointer(void* pointer);
 // The pointer in a capsule; null for None, for the capsule of a disposed model, and for anything that is no

@@ -2,6 +2,7 @@
 
 #include <algorithm>
 #include <cstddef>
+#include <vector>
 
 #include "attrutil.h"
 #include "dormant.h"
@@ -92,9 +93,14 @@ PyObject* handle_new(PyTypeObject* type, py::handle, py::handle) {
 }
 
 void handle_init(Handle& self, PyObject* args, PyObject* kwargs) {
+    static const std::vector<Signature<2>> signatures = [] {
+        std::vector<Signature<2>> made;
+        for (const HandleKind& kind : handle_kinds)
+            made.push_back({"__init__", 2, {Name("cmodel"), Name(kind.index_field + 1)}});
+        return made;
+    }();
     const char* index_keyword = kind_of(self).index_field + 1;
-    const Signature<2> signature{"__init__", 2, {Name("cmodel"), Name(index_keyword)}};
-    const auto [cmodel, index] = signature.parse(args, kwargs);
+    const auto [cmodel, index] = signatures[&kind_of(self) - handle_kinds].parse(args, kwargs);
     if (cmodel != Py_None && !PyCapsule_CheckExact(cmodel)) {
         PyErr_Format(PyExc_TypeError, "cmodel must be the capsule of a model or None, not %.200s",
                      Py_TYPE(cmodel)->tp_name);
@@ -220,7 +226,8 @@ void handle_prefetchAttr(Handle& self, Args args) {
 }
 
 py::object handle_getattr_method(Handle& self, py::handle name) {
-    return steal(PyObject_CallMethod(object_of(self).ptr(), "getAttr", "O", name.ptr()));
+    static const Name kGetAttr("getAttr");
+    return steal(PyObject_CallMethodObjArgs(object_of(self).ptr(), kGetAttr.get(), name.ptr(), nullptr));
 }
 
 py::object handle_dir(Handle& self) {

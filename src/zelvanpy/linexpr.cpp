@@ -190,10 +190,11 @@ int LinExpr_traverse(PyObject* self, visitproc visit, void* arg) {
     return visit_type(self, visit, arg);
 }
 
-int LinExpr_tp_clear(PyObject* self) {
-    linexpr_clear(reinterpret_cast<LinExpr*>(self));
-    return 0;
-}
+namespace {
+void clear_all(LinExpr& e) { linexpr_clear(&e); }
+}  // namespace
+
+int LinExpr_tp_clear(PyObject* self) { return slot_function<clear_all>(self); }
 
 std::vector<LinExpr*> blocks_of(LinExpr* e) {
     std::vector<LinExpr*> blocks;

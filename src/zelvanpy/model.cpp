@@ -22,8 +22,8 @@ void require_open(const Model& model) {
 }
 
 py::object call_own(Model& model, const char* name, py::handle argument) {
-    return steal(argument ? PyObject_CallMethod(as_object(model), name, "O", argument.ptr())
-                          : PyObject_CallMethod(as_object(model), name, nullptr));
+    const py::object text = to_str(name);
+    return steal(PyObject_CallMethodObjArgs(as_object(model), text.ptr(), argument.ptr(), nullptr));
 }
 
 namespace {
@@ -128,12 +128,21 @@ void Model_finalize(PyObject* object) {
     PyErr_Restore(type, value, traceback);
 }
 
+// For a subclass whose close() or __del__() doesn't come down to dispose().
+void free_library_model(Model& self) {
+    if (self.cmodel == Py_None) return;
+    ZVNfreemodel(model_pointer(self));
+    invalidate_capsule(self.cmodel);
+    if (is_env(self.env)) invalidate_capsule(reinterpret_cast<Env*>(self.env)->cenv);
+}
+
 void Model_dealloc(PyObject* object) {
     if (PyObject_CallFinalizerFromDealloc(object)) return;
     Model& self = *reinterpret_cast<Model*>(object);
     PyTypeObject* type = Py_TYPE(object);
     PyObject_GC_UnTrack(object);
     if (self.weakrefs) PyObject_ClearWeakRefs(object);
+    free_library_model(self);
     Model_clear(object);
     for (PyObject* field : {self.cmodel, self.callback, self.uenv, self.env}) Py_XDECREF(field);
     type->tp_free(object);

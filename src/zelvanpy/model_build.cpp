@@ -58,22 +58,6 @@ py::object flat_copy(py::handle expr) {
     return copy;
 }
 
-char first_char(py::handle text) {
-    py::object first;
-    if (PyUnicode_Check(text.ptr()) && PyUnicode_READY(text.ptr()) == 0 && PyUnicode_GET_LENGTH(text.ptr()) > 0) {
-        const Py_UCS4 code = PyUnicode_READ_CHAR(text.ptr(), 0);
-        if (code > 127) raise(PyExc_OverflowError, "value too large to convert to char");
-        return static_cast<char>(code);
-    }
-    first = steal(PySequence_GetItem(text.ptr(), 0));
-    if (!PyUnicode_Check(first.ptr())) {
-        PyErr_Format(PyExc_TypeError, "ord() expected string of length 1, but %.200s found",
-                     Py_TYPE(first.ptr())->tp_name);
-        throw PythonError{};
-    }
-    return first_char(first);
-}
-
 PyMethodDef model_build_methods[] = {
     {"addVar", method<Model_addVar>, kKeywords,
      "addVar($self, lb=0.0, ub=1e100, obj=0.0, vtype='C', name='', column=None)\n--\n\n"

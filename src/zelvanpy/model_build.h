@@ -55,8 +55,6 @@ void append_terms(const Model& model, const LinExpr* expr, double mult, LibraryT
 void append_var(const Model& model, const Handle* var, double mult, LibraryTerms& buffer);
 // The expression itself when it is flat, otherwise a flattened copy.
 py::object flat_copy(py::handle expr);
-// ord(text[0]) as one byte.
-char first_char(py::handle text);
 // The keys of a generator expression, from its loop variables.
 class GeneratorKey {
 public:

@@ -107,12 +107,13 @@ struct RightSide {
 // lhs - rhs as a row without the difference as an object, where both sides are of the module's own types.
 bool add_difference(Model& self, TempConstr* constr, PyObject* name, py::object& result) {
     if (Py_TYPE(constr->lhs) != LinExpr_Type) return false;
-    RightSide right;
-    if (!right.read(constr->rhs)) return false;
+    const py::object lhs = borrow(constr->lhs), rhs = borrow(constr->rhs);  // the next line runs code of subclasses
     model_setup(self);
-    const py::object left = flat_copy(constr->lhs);
+    RightSide right;
+    if (!right.read(rhs)) return false;
+    const py::object left = flat_copy(lhs);
     const LinExpr* terms = as_linexpr(left);
-    const Row row{constr->sense, -ZVN_INFINITY, right.constant - terms->constant};
+    const Row row{sense_letter(*constr), -ZVN_INFINITY, right.constant - terms->constant};
     CallBuffer buffer;
     append_terms(self, terms, 1.0, *buffer);
     if (right.var) append_var(self, right.var, -1.0, *buffer);
@@ -239,7 +240,7 @@ py::object add_linear_comparison(Model& self, TempConstr* constr, PyObject* sens
         if (!is_empty(name)) raise_zelvan(0, "Invalid sense or name to Model.addLConstr");
         name = sense;
     }
-    return add_linear(self, left, right, constr->sense, name);
+    return add_linear(self, left, right, sense_letter(*constr), name);
 }
 
 py::object add_linear_explicit(Model& self, PyObject* lhs, PyObject* sense, PyObject* rhs, PyObject* name) {
@@ -266,7 +267,7 @@ py::object add_comparison(Model& self, TempConstr* constr, PyObject* sense, PyOb
     if (given(sense)) name = sense;
     py::object result;
     if (add_difference(self, constr, name, result)) return result;
-    return add_row(self, difference(constr->lhs, constr->rhs), {constr->sense}, name);
+    return add_row(self, difference(constr->lhs, constr->rhs), {sense_letter(*constr)}, name);
 }
 
 py::object add_constr(Model& self, PyObject* lhs, PyObject* sense, PyObject* rhs, PyObject* name) {
@@ -314,7 +315,7 @@ py::object Model_addQConstr(Model& self, Args args) {
     if (is_tempconstr(lhs)) {
         const TempConstr* constr = reinterpret_cast<TempConstr*>(lhs);
         const py::object expr = difference(constr->lhs, constr->rhs);
-        return add_row(self, expr, {constr->sense}, given(sense) ? sense : name);
+        return add_row(self, expr, {sense_letter(*constr)}, given(sense) ? sense : name);
     }
     if (PyBool_Check(lhs)) return add_row(self, constant_row(lhs == Py_True), {ZVN_LESS_EQUAL}, name);
     if (lhs == Py_None)

@@ -92,8 +92,9 @@ void delete_in_library(Model& model, const ListRow& row, Handle* handle) {
 // A list without the handles that are marked or gone, the others numbered anew. The deletions are queued
 // by the numbers of the last update, which hold until the library's own update.
 void rebuild_list(Model& model, const ListRow& row) {
-    py::object kept = steal(PyList_New(0));  // first: the collector may run code that replaces the list
+    py::object kept = steal(PyList_New(0));  // first: the collector may run code that replaces or drops the list
     PyObject* old = model.*row.list;
+    if (!old) return require_open(model);
     for (Py_ssize_t i = 0; i < PyList_GET_SIZE(old); ++i) {
         Handle* handle = handle_at(old, i);
         if (handle->index < -2) {
@@ -248,10 +249,10 @@ py::object live_handles(Model& self) {
 template <Kind K>
 py::object numbered_handles(Model& self) {
     model_setup(self);
+    const py::object list = borrow(self.*list_row(K).list);  // as in rebuild_list
     py::list handles;
-    PyObject* list = self.*list_row(K).list;
-    for (Py_ssize_t i = 0; i < PyList_GET_SIZE(list); ++i)
-        if (handle_at(list, i)->cindex() >= 0) handles.append(py::handle(PyList_GET_ITEM(list, i)));
+    for (Py_ssize_t i = 0; i < PyList_GET_SIZE(list.ptr()); ++i)
+        if (handle_at(list.ptr(), i)->cindex() >= 0) handles.append(py::handle(PyList_GET_ITEM(list.ptr(), i)));
     return handles;
 }
 

@@ -9,36 +9,44 @@ namespace zelvanpy {
 
 namespace {
 
-Env& env_of(Model& model) {
-    if (!is_env(model.env)) raise_zelvan(-1, "Invalid Environment");  // __init__ didn't come that far
-    return *reinterpret_cast<Env*>(model.env);
-}
+// The model's environment, held while names and values run code that may give the model another one.
+class OwnEnv {
+public:
+    explicit OwnEnv(Model& model) : env_(borrow(model.env)) {
+        if (!is_env(env_)) raise_zelvan(-1, "Invalid Environment");  // __init__ didn't come that far
+    }
+    operator Env&() const { return *reinterpret_cast<Env*>(env_.ptr()); }
+
+private:
+    const py::object env_;
+};
 
 void Model_setParam(Model& self, Args args) {
     static const Signature<2> kSignature{"setParam", 2, {Name("paramname"), Name("newval")}};
     const auto [name, value] = kSignature.parse(args);
-    env_set_param(env_of(self), name, value);
+    env_set_param(OwnEnv(self), name, value);
 }
 
 void Model_fixTuneParam(Model& self, Args args) {
     static const Signature<1> kSignature{"fixTuneParam", 1, {Name("paramname")}};
     const auto [name] = kSignature.parse(args);
-    env_fix_tune_param(env_of(self), name);
+    env_fix_tune_param(OwnEnv(self), name);
 }
 
 void Model_resetParams(Model& self) {
-    env_reset_params(env_of(self));
+    env_reset_params(OwnEnv(self));
     const py::object main_env = default_env(false);
     if (is_interactive() && self.uenv == main_env.ptr())
-        env_set_param(env_of(self), to_str("LogFile"), to_str("zelvan.log"));
+        env_set_param(OwnEnv(self), to_str("LogFile"), to_str("zelvan.log"));
 }
 
 py::object Model_getParamInfo(Model& self, Args args) {
     static const Signature<1> kSignature{"getParamInfo", 1, {Name("paramname")}};
     const auto [name] = kSignature.parse(args);
-    const py::object names = param_list(env_of(self), name);
+    const OwnEnv env(self);
+    const py::object names = param_list(env, name);
     const Py_ssize_t num = PyList_GET_SIZE(names.ptr());
-    if (num == 1) return public_param_info(env_of(self), PyList_GET_ITEM(names.ptr(), 0));
+    if (num == 1) return public_param_info(env, PyList_GET_ITEM(names.ptr(), 0));
     if (num > 1)
         call_own(self, "_splitlongmessage", steal(PyUnicode_FromFormat("Matching parameters:%S", names.ptr())));
     else

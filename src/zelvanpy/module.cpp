@@ -8,6 +8,18 @@ namespace zelvanpy {
 #undef ZELVAN_UNIT
 }  // namespace zelvanpy
 
+// The interpreter's own entry, which leads to that of pybind11, below.
+extern "C" PYBIND11_EXPORT PyObject* init_with_pybind11();
+extern "C" PYBIND11_EXPORT PyObject* PyInit__zelvanpy() {
+    // Types, interned names and the library's callbacks belong to one interpreter.
+    if (!zelvanpy::is_main_interpreter()) {
+        PyErr_SetString(PyExc_ImportError, "zelvanpy can't be imported in a sub-interpreter");
+        return nullptr;
+    }
+    return init_with_pybind11();
+}
+#define PyInit__zelvanpy init_with_pybind11
+
 // The extension is _zelvanpy inside the package; to users, pickles and the logger everything is `zelvanpy`.
 PYBIND11_MODULE(_zelvanpy, module) {
     module.attr("__name__") = "zelvanpy";

@@ -69,16 +69,17 @@ py::object param_value(ZVNenv* env, const char* name) {
 void set_one(Env& env, py::handle info, py::handle value) {
     const CString name(PyTuple_GET_ITEM(info.ptr(), 0));
     PyObject* type = PyTuple_GET_ITEM(info.ptr(), 1);
-    ZVNenv* const handle = env_pointer(env);
     const std::string what = std::string("Value of parameter '") + name.get() + "'";
-    int error;
+    // The handle is read behind the conversion, which may run code that closes the environment.
+    const auto set = [&](auto call, const auto& converted) {
+        check(call(env_pointer(env), name.get(), converted), as_object(env));
+    };
     if (type == reinterpret_cast<PyObject*>(&PyLong_Type))
-        error = ZVNsetintparam(handle, name, to_int(value, what.c_str()));
+        set(ZVNsetintparam, to_int(value, what.c_str()));
     else if (type == reinterpret_cast<PyObject*>(&PyFloat_Type))
-        error = ZVNsetdblparam(handle, name, to_double(value, what.c_str()));
+        set(ZVNsetdblparam, to_double(value, what.c_str()));
     else
-        error = ZVNsetstrparam(handle, name, CString(value));
-    check(error, as_object(env));
+        set(ZVNsetstrparam, CString(value));
 }
 
 void require_open(Env& env) {

@@ -51,6 +51,14 @@ inline bool python_alive() {
 #endif
 }
 
+inline bool is_main_interpreter() {
+#if PY_VERSION_HEX >= 0x03090000
+    return PyInterpreterState_Get() == PyInterpreterState_Main();
+#else
+    return PyThreadState_Get()->interp == PyInterpreterState_Main();
+#endif
+}
+
 // Arguments of a METH_FASTCALL | METH_KEYWORDS call.
 struct Args {
     PyObject* const* values;  // positional ones, then those of the keywords

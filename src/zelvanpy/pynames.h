@@ -39,4 +39,15 @@ inline py::object frame_locals(py::handle frame) {
     return steal(PyObject_GetAttr(frame.ptr(), kLocals.get()));
 }
 
+// What __reduce__ gives for an instance that its class makes of `arguments`, with the attributes that a subclass has.
+inline py::object reduced(py::handle self, const py::object& arguments) {
+    static const Name kDict("__dict__");
+    const py::handle type = reinterpret_cast<PyObject*>(Py_TYPE(self.ptr()));
+    py::object attributes = py::reinterpret_steal<py::object>(PyObject_GetAttr(self.ptr(), kDict.get()));
+    if (!attributes && !PyErr_ExceptionMatches(PyExc_AttributeError)) throw PythonError{};
+    PyErr_Clear();
+    if (!attributes) return py::make_tuple(type, arguments);
+    return py::make_tuple(type, arguments, attributes);
+}
+
 }  // namespace zelvanpy

@@ -3,6 +3,7 @@
 #include <cstddef>
 
 #include "exception.h"
+#include "extern.h"
 #include "pyargs.h"
 #include "pytype.h"
 
@@ -22,7 +23,8 @@ PyObject* as_object(TempConstr& self) { return reinterpret_cast<PyObject*>(&self
 bool must_wake(PyObject* object) {
     const TempConstr* self = as_tempconstr(object);
     // A side that is a TempConstr may come later in the same pass.
-    return !is_inert(self->lhs) || !is_inert(self->rhs) || is_tempconstr(self->lhs) || is_tempconstr(self->rhs);
+    return !is_inert(self->lhs) || !is_inert(self->rhs) || is_tempconstr(self->lhs) || is_tempconstr(self->rhs) ||
+           (self->other_sense && !is_inert(self->other_sense));
 }
 
 DormantClass dormant_class{nullptr, offsetof(TempConstr, link), must_wake};
@@ -42,7 +44,8 @@ TempConstr* allocate(PyTypeObject* type) {
         if (!self) throw PythonError{};
         own_type(TempConstr_Type);
     }
-    self->lhs = self->rhs = nullptr;
+    self->lhs = self->rhs = self->other_sense = nullptr;
+    self->is_set = false;
     fall_asleep(dormant_class, self->link);
     return self;
 }
@@ -53,6 +56,7 @@ void set_sides(TempConstr& self, py::object lhs, char sense, py::object rhs) {
     self.lhs = lhs.release().ptr();
     self.sense = sense;
     self.rhs = rhs.release().ptr();
+    self.is_set = true;
     if (self.link.next && !(is_inert(self.lhs) && is_inert(self.rhs))) wake(as_object(self), self.link);
 }
 
@@ -64,23 +68,31 @@ PyObject* TempConstr_new(PyTypeObject* type, py::handle, py::handle) {
     return as_object(*self);
 }
 
-char sense_of(PyObject* text) {
-    if (PyUnicode_Check(text) && PyUnicode_GetLength(text) == 1 && PyUnicode_ReadChar(text, 0) < 128)
-        return static_cast<char>(PyUnicode_ReadChar(text, 0));
-    PyErr_Format(PyExc_TypeError, "sense must be a string of one character, not %R", text);
-    throw PythonError{};
+// One of the letters; 0 for any other object.
+char letter_of(PyObject* sense) {
+    if (!PyUnicode_CheckExact(sense) || PyUnicode_GetLength(sense) != 1) return 0;
+    const Py_UCS4 letter = PyUnicode_ReadChar(sense, 0);
+    return letter == '<' || letter == '>' || letter == '=' || letter == 'I' ? static_cast<char>(letter) : '\0';
 }
 
+// A record is set once: who works on one needn't fear that its sides go.
 void TempConstr_init(TempConstr& self, PyObject* args, PyObject* kwargs) {
     static const Signature<3> kInit{"TempConstr", 3, {Name("lhs"), Name("sense"), Name("rhs")}};
     const auto [lhs, sense, rhs] = kInit.parse(args, kwargs);
-    set_sides(self, borrow(lhs), sense_of(sense), borrow(rhs));
+    if (self.is_set) return;
+    const char letter = letter_of(sense);
+    if (!letter) {
+        self.other_sense = borrow(sense).release().ptr();
+        if (self.link.next && !is_inert(sense)) wake(as_object(self), self.link);
+    }
+    set_sides(self, borrow(lhs), letter, borrow(rhs));
 }
 
 void give_back(TempConstr* self) {
     PyTypeObject* type = Py_TYPE(as_object(*self));
     Py_XDECREF(self->lhs);
     Py_XDECREF(self->rhs);
+    Py_XDECREF(self->other_sense);
     if (type == TempConstr_Type && num_free < kMaxFree) {
         free_list[num_free++] = self;
         return;
@@ -115,6 +127,7 @@ void TempConstr_dealloc(PyObject* object) {
 int TempConstr_traverse(PyObject* object, visitproc visit, void* arg) {
     Py_VISIT(as_tempconstr(object)->lhs);
     Py_VISIT(as_tempconstr(object)->rhs);
+    Py_VISIT(as_tempconstr(object)->other_sense);
     return visit_type(object, visit, arg);
 }
 
@@ -122,12 +135,14 @@ int TempConstr_traverse(PyObject* object, visitproc visit, void* arg) {
 int TempConstr_clear(PyObject* object) {
     TempConstr& self = *as_tempconstr(object);
     set_sides(self, none(), self.sense, none());
+    if (self.other_sense) Py_SETREF(self.other_sense, none().release().ptr());
     return 0;
 }
 
 py::object TempConstr_repr(TempConstr& self) {
     const char* sign = self.sense == '<' ? "<=" : self.sense == '>' ? ">=" : "==";
-    return steal(PyUnicode_FromFormat("<zelvan.TempConstr: %S %s %S>", self.lhs, sign, self.rhs));
+    const py::object lhs = borrow(self.lhs), rhs = borrow(self.rhs);  // the collector may clear the record
+    return steal(PyUnicode_FromFormat("<zelvan.TempConstr: %S %s %S>", lhs.ptr(), sign, rhs.ptr()));
 }
 
 PyObject* TempConstr_shift(py::handle left, py::handle right) {
@@ -150,14 +165,14 @@ PyObject* TempConstr_compare(py::handle, py::handle, int op) {
     return Py_NotImplemented;
 }
 
-PyObject* TempConstr_sense(TempConstr& self) { return PyUnicode_FromFormat("%c", self.sense); }
+py::object TempConstr_sense(TempConstr& self) {
+    return self.other_sense ? borrow(self.other_sense) : steal(PyUnicode_FromFormat("%c", self.sense));
+}
 py::object TempConstr_lhs(TempConstr& self) { return borrow(self.lhs); }
 py::object TempConstr_rhs(TempConstr& self) { return borrow(self.rhs); }
 
 py::object TempConstr_reduce(TempConstr& self) {
-    const py::handle type = reinterpret_cast<PyObject*>(Py_TYPE(as_object(self)));
-    return py::make_tuple(type,
-                          py::make_tuple(py::handle(self.lhs), steal(TempConstr_sense(self)), py::handle(self.rhs)));
+    return reduced(as_object(self), py::make_tuple(py::handle(self.lhs), TempConstr_sense(self), py::handle(self.rhs)));
 }
 
 PyGetSetDef properties[] = {
@@ -181,6 +196,10 @@ const char kDoc[] =
     "raises ZelvanError; a range is written `e == [lb, ub]`.";
 
 }  // namespace
+
+char sense_letter(const TempConstr& constr) {
+    return constr.other_sense ? first_char(constr.other_sense) : constr.sense;
+}
 
 PyObject* new_tempconstr(py::object lhs, char sense, py::object rhs) {
     TempConstr* self = allocate(TempConstr_Type);

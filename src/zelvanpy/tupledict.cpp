@@ -49,6 +49,7 @@ void set_position(TupleDict& t, py::handle key, Py_ssize_t size_before) {
 // Whether `ord` is the start of the dict's own order, its very keys.
 bool is_rank_order(TupleDict& t, py::handle ord, Py_ssize_t num) {
     if (!PyList_Check(ord.ptr()) && !PyTuple_Check(ord.ptr())) return false;
+    if (num > PySequence_Fast_GET_SIZE(ord.ptr())) return false;  // a subclass may give another length
     PyObject *key, *value;
     Py_ssize_t position = 0;
     for (Py_ssize_t i = 0; i < num; ++i)

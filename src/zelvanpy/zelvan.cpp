@@ -87,18 +87,23 @@ py::object zelvan_platform(py::handle) { return to_str(ZVNplatform()); }
 
 py::object zelvan_iscontainer(py::handle) { return steal(PyLong_FromLong(ZVNisContainer())); }
 
+const char* const kUnreadable = "Unable to read model";
+
 py::object read_model(py::handle modelname, py::handle env) {
     const py::object file = matching_file(modelname);
     if (!file) {
-        print_line(steal(PyUnicode_FromFormat("No file matching '%S' found", modelname.ptr())));
-        raise_zelvan(0, "Unable to read model");
+        const py::object reason = steal(PyUnicode_FromFormat("No file matching '%S' found", modelname.ptr()));
+        print_line(reason);
+        raise_zelvan(0, kUnreadable, ZVN_ERROR_FILE_READ, reason);
     }
     const py::object uenv = env && !env.is_none() ? borrow(env) : default_env();
     if (!is_env(uenv)) raise(PyExc_TypeError, "read() argument 'env' must be an Env or None");
     ZVNmodel* model = nullptr;
-    if (ZVNreadmodel(env_pointer(*reinterpret_cast<Env*>(uenv.ptr())), CString(file), &model)) {
-        print_line(error_message(uenv));
-        raise_zelvan(0, "Unable to read model");
+    const CString path(file);  // may run code that closes the environment, so its handle is read behind it
+    if (const int code = ZVNreadmodel(env_pointer(*reinterpret_cast<Env*>(uenv.ptr())), path, &model)) {
+        const py::object reason = error_message(uenv);
+        print_line(reason);
+        raise_zelvan(0, kUnreadable, code, reason);
     }
     return steal(PyObject_CallFunction(reinterpret_cast<PyObject*>(Model_Type), "sON", "", uenv.ptr(),
                                        wrap_pointer(model).release().ptr()));
@@ -171,7 +176,8 @@ PyMethodDef functions[] = {
      "Read a model from a file (.mps, .lp, each also with .gz behind) and return it.\n\n"
      "filename: name, or a pattern with * and ? of which the first match is taken.\n"
      "env: environment for the model, None for the default one.\n\n"
-     "Raises ZelvanError when no file matches or the file can't be read; the reason is printed.\n\n"
+     "Raises ZelvanError when no file matches or the file can't be read; the reason is printed and is its "
+     "`__cause__`.\n\n"
      "    model = zelvanpy.read(\"diet.lp\")\n"
      "    model.optimize()"},
     {"models", method<zelvan_models>, METH_NOARGS, "models()\n--\n\nPrint the models found in __main__."},

@@ -304,7 +304,7 @@ public:
         : sense_(problem.sense), context_(context), visitor_(problem, context) {}
 
     SolverResult run(const Start& start) {
-        const Counts before = context_;
+        const Counts before{static_cast<const Counts&>(context_)};
         log_begin();
         context_.monitor.begin_run(visitor_.node());
         open_.push({-kInf, {}});

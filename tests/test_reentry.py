@@ -1,0 +1,196 @@
+"""Python code that runs in the middle of a call, and changes what the call works on; subclasses with methods of their
+own."""
+
+import copy
+import gc
+import subprocess
+import sys
+
+import pytest
+
+import zelvanpy
+from zelvanpy import ZVN, Column, Env, Model, TempConstr, ZelvanError, tupledict
+
+
+def run(program):
+    return subprocess.run([sys.executable, "-c", program], stdout=subprocess.PIPE, stderr=subprocess.PIPE, text=True)
+
+
+def test_parameters_while_their_owner_goes(env_silent):
+    class Upper(str):
+        def upper(self):
+            m.__init__("other", env_silent)
+            gc.collect()
+            return str.upper(self)
+
+    class Closing:
+        def __int__(self):
+            env.close()
+            return 1
+
+        __index__ = __int__
+
+        def __float__(self):
+            return float(self.__int__())
+
+    m = Model(env=env_silent)
+    for use in (m.setParam, lambda name, _: m.getParamInfo(name), lambda name, _: m.fixTuneParam(name)):
+        use(Upper("MIPGap"), 0.5)
+    for name in ("Threads", "MIPGap"):
+        env = Env(params={"OutputFlag": 0})
+        with pytest.raises(ZelvanError):
+            env.setParam(name, Closing())
+
+
+def test_a_comparison_is_set_once(env_silent):
+    class Side:
+        def __str__(self):
+            record.__init__(1, "<", 2)
+            gc.collect()
+            return "side"
+
+    sides = [Side(), "any", Side()]
+    record = TempConstr(*sides)
+    assert repr(record) == "<zelvan.TempConstr: side == side>"
+    assert [record._lhs, record._sense, record._rhs] == sides
+    assert copy.copy(record)._sense == "any" and type(TempConstr.__new__(TempConstr)._sense) is str
+    m = Model(env=env_silent)
+    x = m.addVar(name="x")
+    m.update()
+    m.addConstr(TempConstr(x + 0, "<=", 3), name="c")
+    m.update()
+    assert (m.getConstrByName("c").Sense, m.getConstrByName("c").RHS) == ("<", 3.0)
+    with pytest.raises(TypeError):
+        m.addConstr(TempConstr(x + 0, 5, 3))
+
+
+def test_a_row_whose_model_updates_itself_first(env_silent):
+    class Updating(Model):
+        def update(self):
+            super().update()
+            if comparisons:
+                comparisons[0].__init__(None, "<", None)
+                comparisons.pop()
+                gc.collect()
+
+    comparisons = []
+    m = Updating(env=env_silent)
+    y = m.addVar()
+    m.update()
+    comparisons.append(y + 1 <= 3)
+    m.addConstr(comparisons[0])
+    m.update()
+    assert m.NumConstrs == 1 and m.getConstrs()[0].RHS == 2.0
+
+
+def test_an_order_that_lies_about_its_length():
+    class Long(list):
+        def __len__(self):
+            return 10
+
+    keys = tupledict({1: "a", 2: "b"})
+    with pytest.raises(IndexError):
+        keys.setord(Long([1, 2]))
+    assert sorted(keys.keys()) == [1, 2]
+
+
+def test_methods_of_subclasses_get_their_argument(env_silent):
+    class Noting(Model):
+        def remove(self, items):
+            noted.append(items)
+            super().remove(items)
+
+    noted = []
+    m = Noting(env=env_silent)
+    x, y = m.addVar(), m.addVar()
+    m.update()
+    m.remove([(x, y)])
+    assert noted[:2] == [[(x, y)], (x, y)]
+    m.update()
+    assert m.NumVars == 0
+
+
+def test_subclasses_with_an_end_of_their_own_free_the_library_model(env_silent):
+    class Closing(Model):
+        def close(self):
+            pass
+
+    class Ending(Model):
+        def __del__(self):
+            pass
+
+    for kind in (Closing, Ending):
+        m = kind(env=env_silent)
+        x = m.addVar()
+        m.update()
+        assert x.LB == 0.0
+        del m
+        gc.collect()
+        with pytest.raises((ZelvanError, AttributeError)):
+            x.LB
+
+
+def test_copies_keep_the_attributes_of_subclasses(env_silent):
+    class Noted(Column):
+        pass
+
+    class Told(TempConstr):
+        pass
+
+    m = Model(env=env_silent)
+    x = m.addVar()
+    m.update()
+    for original in (Noted(2.0, m.addConstr(x <= 1)), Told(x + 0, "<", 1)):
+        original.note = "kept"
+        assert copy.copy(original).note == "kept" and type(copy.copy(original)) is type(original)
+
+
+def test_a_cycle_over_a_comparison_that_was_set_late_is_found():
+    program = (
+        "import gc, weakref, zelvanpy\n"
+        "class Node: pass\n"
+        "node, inner = Node(), zelvanpy.TempConstr.__new__(zelvanpy.TempConstr)\n"
+        "node.outer = zelvanpy.TempConstr(inner, '<', 1)\n"
+        "inner.__init__(node, '<', 1)\n"
+        "gone = weakref.ref(node)\n"
+        "del node, inner\n"
+        "gc.collect(); gc.collect()\n"
+        "assert gone() is None\n"
+    )
+    assert run(program).stderr == ""
+
+
+def test_not_for_sub_interpreters():
+    program = (
+        "import sys\n"
+        "try:\n    import _xxsubinterpreters as interpreters\n"
+        "except ImportError:\n    import _interpreters as interpreters\n"
+        "code = 'try:\\n    import zelvanpy\\nexcept ImportError as error:\\n    print(\"refused\", error)'\n"
+        "interpreters.run_string(interpreters.create(), 'import sys; sys.path[:] = %r\\n' % sys.path + code)\n"
+    )
+    ended = run(program)
+    if "No module named" in ended.stderr:
+        pytest.skip("this Python has no module for sub-interpreters")
+    assert "refused" in ended.stdout, ended.stderr
+
+
+def test_the_reason_of_an_unreadable_file(env_silent, tmp_path):
+    path = tmp_path / "bad.lp"
+    path.write_text("Minimize\n x +\nSubject To\n c: x >= >= 1\nEnd\n")
+    with pytest.raises(ZelvanError, match="^Unable to read model$") as raised:
+        zelvanpy.read(str(path), env_silent)
+    assert "bad.lp', line 3" in str(raised.value.__cause__) or "bad.lp', line 4" in str(raised.value.__cause__)
+    with pytest.raises(ZelvanError) as raised:
+        zelvanpy.read(str(tmp_path / "none*.lp"), env_silent)
+    assert "none*.lp" in str(raised.value.__cause__) and raised.value.errno == 0
+
+
+def test_a_stream_that_fails_is_told_once():
+    for broken in ("None", "object()", "closed"):
+        ended = run(
+            "import io, sys, zelvanpy\n"
+            "closed = io.StringIO(); closed.close()\n"
+            "m = zelvanpy.Model()\nm.addVar(ub=1.0, obj=-1.0)\n"
+            "sys.stdout = %s\nm.optimize()\nsys.stdout = sys.__stdout__\nprint(m.Status)\n" % broken
+        )
+        assert ended.stdout.split()[-1:] == [str(ZVN.OPTIMAL)] and ended.stderr.count("Error:") == 1, ended.stderr
