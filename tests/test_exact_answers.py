@@ -128,3 +128,20 @@ def test_random_models_against_exact_arithmetic(env_silent):
             unsure += 1
         m.dispose()
     assert unsure <= NUM_MODELS / 50
+
+
+def test_an_lp_that_the_simplex_method_gives_up(env_silent):
+    m = zelvanpy.Model(env=env_silent)
+    m.Params.Presolve, m.Params.Method = 0, 1
+    m.Params.InfUnbdInfo = 1
+    x = m.addVars(4, lb=[0, -INFINITE, -INFINITE, -INFINITE], ub=[INFINITE, 5, INFINITE, INFINITE], obj=[3, -1, 1, -2])
+    m.update()
+    m.addConstr(x[0] + x[1] + x[2] + 2 * x[3] >= 2)
+    short = m.addConstr(0.1 * x[1] >= 3)
+    m.optimize()
+    assert m.Status == ZVN.INFEASIBLE and short.FarkasDual != 0.0
+    short.RHS = -3
+    m.optimize()
+    assert m.Status == ZVN.UNBOUNDED
+    ray = m.UnbdRay
+    assert 3 * ray[0] - ray[1] + ray[2] - 2 * ray[3] < 0 and ray[0] + ray[1] + ray[2] + 2 * ray[3] >= -1e-9
