@@ -10,6 +10,7 @@ namespace zelvanpy {
 
 // The interpreter's own entry, which leads to that of pybind11, below.
 extern "C" PYBIND11_EXPORT PyObject* init_with_pybind11();
+// NOLINTNEXTLINE(bugprone-reserved-identifier): the name that the interpreter looks for
 extern "C" PYBIND11_EXPORT PyObject* PyInit__zelvanpy() {
     // Types, interned names and the library's callbacks belong to one interpreter.
     if (!zelvanpy::is_main_interpreter()) {
