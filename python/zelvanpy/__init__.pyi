@@ -871,13 +871,13 @@ class Var:
     Xn: float
     BarX: float
     Start: float
-    VarHintVal: float
-    VarHintPri: int
-    BranchPriority: int
-    Partition: int
+    VarHintVal: float  # kept, doesn't act on a solve yet
+    VarHintPri: int  # kept, doesn't act on a solve yet
+    BranchPriority: int  # kept, doesn't act on a solve yet
+    Partition: int  # kept, doesn't act on a solve yet
     VBasis: int
     PWLObjCvx: int
-    PoolIgnore: int
+    PoolIgnore: int  # kept, doesn't act on a solve yet
     IISLB: int
     IISUB: int
     IISLBForce: int
@@ -889,7 +889,7 @@ class Var:
     SAUBLow: float
     SAUBUp: float
     UnbdRay: float
-    PStart: float
+    PStart: float  # kept, doesn't act on a solve yet
     PreFixVal: float
     VarPreStat: int
     VTag: str
@@ -950,8 +950,8 @@ class Constr:
     SARHSLow: float
     SARHSUp: float
     FarkasDual: float
-    DStart: float
-    Lazy: int
+    DStart: float  # kept, doesn't act on a solve yet
+    Lazy: int  # kept, doesn't act on a solve yet
     CTag: str
     ScenNRHS: float
     @property

@@ -37,7 +37,9 @@ constexpr char kIntro[] =
     "    x.setAttr(ZVN.Attr.UB, 5)           the same as x.UB = 5\n"
     "    model.getAttr(ZVN.Attr.X, list)     values for a list of variables\n\n"
     "Names are taken in any letter case. A value that can't be read now, such as a solution value before\n"
-    "the solve, raises AttributeError. A value that was set shows after the next update.\n";
+    "the solve, raises AttributeError. A value that was set shows after the next update.\n\n"
+    "VarHintVal, VarHintPri, BranchPriority, Partition, PoolIgnore, PStart, DStart and Lazy are kept with the\n"
+    "model but don't act on a solve yet.\n";
 
 }  // namespace
 
