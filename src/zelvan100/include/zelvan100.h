@@ -288,7 +288,10 @@ ZVN_API int ZVNgetpwlobj(ZVNmodel* model, int var, int* npoints, double* x, doub
  * dual ones mean constraint i, or variable i - NumConstrs from NumConstrs on; ComplVioIndex means variable
  * i, or constraint i - NumVars from NumVars on. Scaled measures belong to the model whose constraints are
  * divided by their largest coefficient, and whose variables then take units that make theirs 1.
- * Ranges such as MinCoeff leave out zeros and infinities, and are 0 where nothing is left. */
+ * Ranges such as MinCoeff leave out zeros and infinities, and are 0 where nothing is left.
+ *
+ * VarHintVal, VarHintPri, BranchPriority, Partition, PoolIgnore, PStart, DStart and Lazy are kept with the
+ * model but don't act on a solve yet. */
 ZVN_API int ZVNgetnumattributes(ZVNmodel* model);
 ZVN_API int ZVNgetattrname(ZVNmodel* model, int i, char** name);
 ZVN_API int ZVNgetattrinfo(ZVNmodel* model, const char* name, int* type, int* kind, int* settable);
