@@ -27,9 +27,9 @@ private:
 };
 
 template <class Make>
-py::object make_list(std::size_t num, Make make) {
-    py::object list = steal(PyList_New(static_cast<Py_ssize_t>(num)));
-    for (std::size_t i = 0; i < num; ++i) PyList_SET_ITEM(list.ptr(), i, steal(make(i)).release().ptr());
+py::object fill(py::object list, Make make) {
+    const Py_ssize_t num = PyList_GET_SIZE(list.ptr());
+    for (Py_ssize_t i = 0; i < num; ++i) PyList_SET_ITEM(list.ptr(), i, steal(make(i)).release().ptr());
     return list;
 }
 
@@ -70,7 +70,7 @@ double library_double(py::handle value, const char* name) {
     return number;
 }
 
-int write_strings(ZVNmodel* model, const AttrInfo& attribute, const std::vector<int>& indices, py::handle values,
+int write_strings(py::handle object, const AttrInfo& attribute, const std::vector<int>& indices, py::handle values,
                   bool broadcast) {
     // An encoded text each, or one for all, kept alive for the call.
     std::vector<CString> texts;
@@ -80,7 +80,8 @@ int write_strings(ZVNmodel* model, const AttrInfo& attribute, const std::vector<
     for (std::size_t i = 0; i < distinct; ++i) texts.emplace_back(broadcast ? borrow(values) : items[i]);
     std::vector<char*> pointers(indices.size());
     for (std::size_t i = 0; i < pointers.size(); ++i) pointers[i] = const_cast<char*>(texts[broadcast ? 0 : i].get());
-    return ZVNsetstrattrlist(model, attribute.name, static_cast<int>(indices.size()), indices.data(), pointers.data());
+    return ZVNsetstrattrlist(model_of(object), attribute.name, static_cast<int>(indices.size()), indices.data(),
+                             pointers.data());
 }
 
 [[noreturn]] void raise_unknown_type(const AttrInfo& attribute) {
@@ -99,30 +100,32 @@ std::vector<int> index_vector(py::handle sequence) {
 }
 
 py::object get_attribute_list(py::handle object, const AttrInfo& attribute, const std::vector<int>& indices) {
-    ZVNmodel* model = model_of(object);
     const std::size_t num = indices.size();
     const int count = static_cast<int>(num);
+    // First: making a list may run code that changes the model, and with it the texts that the library points to.
+    py::object list = steal(PyList_New(static_cast<Py_ssize_t>(num)));
+    ZVNmodel* model = model_of(object);
     switch (attribute.type) {
         case kCharAttr: {
             const std::unique_ptr<char[]> values(new char[num]);
             check(ZVNgetcharattrlist(model, attribute.name, count, indices.data(), values.get()), object);
-            return make_list(
-                num, [&](std::size_t i) { return PyUnicode_FromOrdinal(static_cast<unsigned char>(values[i])); });
+            return fill(std::move(list),
+                        [&](Py_ssize_t i) { return PyUnicode_FromOrdinal(static_cast<unsigned char>(values[i])); });
         }
         case kIntAttr: {
             const std::unique_ptr<int[]> values(new int[num]);
             check(ZVNgetintattrlist(model, attribute.name, count, indices.data(), values.get()), object);
-            return make_list(num, [&](std::size_t i) { return PyLong_FromLong(values[i]); });
+            return fill(std::move(list), [&](Py_ssize_t i) { return PyLong_FromLong(values[i]); });
         }
         case kDoubleAttr: {
             const std::unique_ptr<double[]> values(new double[num]);
             check(ZVNgetdblattrlist(model, attribute.name, count, indices.data(), values.get()), object);
-            return make_list(num, [&](std::size_t i) { return PyFloat_FromDouble(python_double(values[i])); });
+            return fill(std::move(list), [&](Py_ssize_t i) { return PyFloat_FromDouble(python_double(values[i])); });
         }
         case kStringAttr: {
             std::vector<char*> values(num);
             check(ZVNgetstrattrlist(model, attribute.name, count, indices.data(), values.data()), object);
-            return make_list(num, [&](std::size_t i) { return to_str(values[i]).release().ptr(); });
+            return fill(std::move(list), [&](Py_ssize_t i) { return to_str(values[i]).release().ptr(); });
         }
         default:
             raise_unknown_type(attribute);
@@ -151,7 +154,7 @@ void set_attribute_list(py::handle object, const AttrInfo& attribute, const std:
             break;
         }
         case kStringAttr:
-            error = write_strings(model_of(object), attribute, indices, values, broadcast);
+            error = write_strings(object, attribute, indices, values, broadcast);
             break;
         default:
             raise_unknown_type(attribute);

@@ -196,30 +196,34 @@ void require_str(py::handle value, py::handle name) {
     if (!PyUnicode_Check(value.ptr())) raise_attribute("Attribute '%U' takes string value", name);
 }
 
-int write_element(ZVNmodel* model, const Attribute& attribute, int index, py::handle value) {
-    const char* name = attribute->name;
+// Converts before it looks at model and index: a conversion may run code that changes them.
+int write_element(const Handle& handle, const Attribute& attribute, py::handle value) {
+    const auto write = [&](auto call, auto converted) {
+        return call(model_pointer(handle.cmodel), attribute->name, handle.cindex(), converted);
+    };
     switch (attribute->type) {
         case kCharAttr:
-            return ZVNsetcharattrelement(model, name, index, char_value(value, attribute.text()));
+            return write(ZVNsetcharattrelement, char_value(value, attribute.text()));
         case kIntAttr:
-            return ZVNsetintattrelement(model, name, index, exact_int_value(value, attribute));
+            return write(ZVNsetintattrelement, exact_int_value(value, attribute));
         case kDoubleAttr:
-            return ZVNsetdblattrelement(model, name, index, double_value(value, attribute.text()));
+            return write(ZVNsetdblattrelement, double_value(value, attribute.text()));
         default:
             require_str(value, attribute.text());
-            return ZVNsetstrattrelement(model, name, index, CString(value));
+            return write(ZVNsetstrattrelement, CString(value).get());
     }
 }
 
-int write_model_value(py::handle object, ZVNmodel* model, const Attribute& attribute, py::handle value) {
+int write_model_value(py::handle object, const Attribute& attribute, py::handle value) {
+    const auto write = [&](auto call, auto converted) { return call(model_of(object), attribute->name, converted); };
     switch (attribute->type) {
         case kIntAttr:
-            return ZVNsetintattr(model, attribute->name, exact_int_value(value, attribute));
+            return write(ZVNsetintattr, exact_int_value(value, attribute));
         case kDoubleAttr:
-            return ZVNsetdblattr(model, attribute->name, double_value(value, attribute.text()));
+            return write(ZVNsetdblattr, double_value(value, attribute.text()));
         case kStringAttr:
             require_str(value, attribute.text());
-            return ZVNsetstrattr(model, attribute->name, CString(value));
+            return write(ZVNsetstrattr, CString(value).get());
         default:
             raise_no_attribute(object, attribute.text());
     }
@@ -259,14 +263,14 @@ void set_attribute(py::handle object, py::handle name, py::handle value) {
     int error;
     if (is_model(object)) {
         const Attribute attribute(object, name);
-        error = write_model_value(object, model_of(object), attribute, value);
+        error = write_model_value(object, attribute, value);
     } else {
         const HandleKind* kind = find_handle_kind(object.ptr());
         const Handle& handle = require_handle(object, kind);
         const Attribute attribute(object, name);
-        const int index = accessible_index(object, handle, *kind, *attribute.operator->(), attribute.text());
+        accessible_index(object, handle, *kind, *attribute.operator->(), attribute.text());
         if (!attribute->settable) raise_attribute("Attribute '%U' cannot be set", attribute.text());
-        error = write_element(model_of(object), attribute, index, value);
+        error = write_element(handle, attribute, value);
     }
     if (error) raise_library_message(object);
 }
@@ -293,7 +297,7 @@ py::object attribute_names(py::handle cmodel, int kind) {
     return names;
 }
 
-py::object directory(py::handle object, py::handle fields, py::handle attributes) {
+py::object directory(py::handle object, const py::object& fields, py::handle attributes) {
     py::set names(steal(PyObject_Dir(reinterpret_cast<PyObject*>(Py_TYPE(object.ptr())))));
     if (fields) names.attr("update")(fields);
     names.attr("update")(attributes);
@@ -307,7 +311,9 @@ bool is_underscored(PyObject* name) { return PyUnicode_GET_LENGTH(name) > 0 && P
 PyObject* stored_attribute(PyObject* object, PyObject* dict, PyObject* name) {
     if (!PyUnicode_Check(name) || _PyType_Lookup(Py_TYPE(object), name))
         return steal(PyObject_GenericGetAttr(object, name)).release().ptr();
-    PyObject* value = dict ? PyDict_GetItemWithError(dict, name) : nullptr;
+    if (!dict) return nullptr;
+    const py::object kept = borrow(dict);  // a comparison of keys may run code that replaces the dict
+    PyObject* value = PyDict_GetItemWithError(dict, name);
     if (!value && PyErr_Occurred()) throw PythonError{};
     Py_XINCREF(value);
     return value;

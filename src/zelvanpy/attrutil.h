@@ -49,7 +49,7 @@ bool is_underscored(PyObject* name);
 // exception, when the library is to be asked.
 PyObject* stored_attribute(PyObject* object, PyObject* dict, PyObject* name);
 // What __dir__ gives: the sorted distinct names of the class, the stored fields and the attributes.
-py::object directory(py::handle object, py::handle fields, py::handle attributes);
+py::object directory(py::handle object, const py::object& fields, py::handle attributes);
 // A double of the library with infinities as Python has them.
 double python_double(double value);
 

@@ -8,7 +8,7 @@ namespace {
 
 DormantClass* first_class = nullptr;
 bool stale = false;       // something woke or a handle got a dict since the rings were gone through
-bool registered = false;  // the collector calls before_collection
+bool registered = false;  // the collector calls before_collection, or will soon
 
 void wake_ring(DormantClass& of) {
     for (DormantLink* link = of.ring.next; link != &of.ring;) {
@@ -44,26 +44,22 @@ PyMethodDef callback_definition = {
     "_before_collection", before_collection, METH_VARARGS,
     "_before_collection(phase, info)\n--\n\nShow the collector the expressions that may be part of a cycle."};
 
-void register_callback() {
+void append_callback() {
     py::object gc = steal(PyImport_ImportModule("gc"));
     py::object callbacks = steal(PyObject_GetAttrString(gc.ptr(), "callbacks"));
     py::object callback = steal(PyCFunction_New(&callback_definition, nullptr));
     checked(PyList_Append(callbacks.ptr(), callback.ptr()));
 }
 
+int register_callback(void*) {
+    run_unraisable(nullptr, append_callback);  // without it such cycles are not found; nothing else depends on it
+    return 0;
+}
+
+// To register runs Python code, which must wait until nobody is in the middle of an expression.
 void mark_stale() noexcept {
     stale = true;
-    if (registered) return;
-    registered = true;
-    // Without the callback such cycles are not found; nothing else depends on it.
-    PyObject *type, *value, *traceback;
-    PyErr_Fetch(&type, &value, &traceback);
-    try {
-        register_callback();
-    } catch (const PythonError&) {
-        PyErr_Clear();
-    }
-    PyErr_Restore(type, value, traceback);
+    if (!registered) registered = Py_AddPendingCall(register_callback, nullptr) == 0;
 }
 
 }  // namespace

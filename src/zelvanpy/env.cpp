@@ -128,12 +128,7 @@ int Env_clear(PyObject* self) {
 }
 
 void Env_finalize(PyObject* self) {
-    PyObject *type, *value, *traceback;
-    PyErr_Fetch(&type, &value, &traceback);
-    PyObject* result = PyObject_CallMethodObjArgs(self, kClose.get(), nullptr);
-    if (!result) PyErr_WriteUnraisable(self);
-    Py_XDECREF(result);
-    PyErr_Restore(type, value, traceback);
+    run_unraisable(self, [=] { steal(PyObject_CallMethodObjArgs(self, kClose.get(), nullptr)); });
 }
 
 void Env_dealloc(PyObject* self) {
@@ -142,7 +137,8 @@ void Env_dealloc(PyObject* self) {
     auto& env = *reinterpret_cast<Env*>(self);
     if (env.weakrefs) PyObject_ClearWeakRefs(self);
     Py_CLEAR(env.dict);
-    if (env.owner && env.cenv != Py_None) free_handle(env);  // a subclass may have a close() of its own
+    // A subclass may have a close() of its own.
+    if (env.owner && env.cenv != Py_None) run_unraisable(nullptr, [&] { free_handle(env); });
     Py_CLEAR(env.cenv);
     PyTypeObject* type = Py_TYPE(self);
     type->tp_free(self);
@@ -326,11 +322,15 @@ int log_callback_stub(const char* message, void*) {
     return 0;
 }
 
+bool shows_output(const Env& env) {
+    int output = 0;
+    ZVNgetintparaminfo(env_pointer(env), "OutputFlag", &output, nullptr, nullptr, nullptr);
+    return output != 0;
+}
+
 void env_message(Env& env, py::handle line) {
     if (env.empty) {
-        int output = 0;
-        ZVNgetintparaminfo(env_pointer(env), "OutputFlag", &output, nullptr, nullptr, nullptr);
-        if (output) print_line(line);
+        if (shows_output(env)) print_line(line);
         return;
     }
     const py::object text = steal(PyUnicode_Concat(line.ptr(), to_str("\n").ptr()));

@@ -10,7 +10,7 @@ PyObject* ZelvanError;
 
 namespace {
 
-PyObject* module_dict;
+PyObject* module_dict;  // owned: the module may be deleted and imported again
 
 const Name kErrno("errno"), kMessage("message"), kPrivateMessage("_message"), kDict("__dict__");
 const Name kCenv("_cenv"), kCmodel("_cmodel");
@@ -46,8 +46,8 @@ py::object text_from(const Source& source, py::handle object) {
 py::object text_for(py::handle argument) {
     if (PyUnicode_Check(argument.ptr())) return borrow(argument);
     for (const Source& source : kSources) {
-        PyObject* type = PyDict_GetItemString(module_dict, source.type);
-        if (type && checked(PyObject_IsInstance(argument.ptr(), type))) return text_from(source, argument);
+        const py::object type = borrow(PyDict_GetItemString(module_dict, source.type));
+        if (type && checked(PyObject_IsInstance(argument.ptr(), type.ptr()))) return text_from(source, argument);
     }
     return {};
 }
@@ -143,7 +143,7 @@ void raise(PyObject* type, py::handle text) {
 }
 
 void init_exception(py::module_& module) {
-    module_dict = PyModule_GetDict(module.ptr());
+    module_dict = borrow(PyModule_GetDict(module.ptr())).release().ptr();
     ZelvanError = reinterpret_cast<PyObject*>(make_type(module, spec, PyExc_Exception));
 }
 

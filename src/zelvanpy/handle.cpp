@@ -46,11 +46,11 @@ const HandleKind* find_handle_kind(PyObject* object) {
 }
 
 PyObject* new_handle(PyTypeObject* type, PyObject* cmodel, int index) {
+    py::object kept = borrow(cmodel);  // making an object may run code that disposes of the model
     Handle* handle = PyObject_GC_New(Handle, type);
     if (!handle) throw PythonError{};
     own_type(type);
-    Py_INCREF(cmodel);
-    handle->cmodel = cmodel;
+    handle->cmodel = kept.release().ptr();
     handle->dict = nullptr;
     handle->weakrefs = nullptr;
     handle->index = index;
@@ -158,8 +158,9 @@ void store_field(Handle& self, PyObject* name, PyObject* value) {
     static const Name cmodel("_cmodel");
     if (cmodel.is(name) || PyUnicode_CompareWithASCIIString(name, kind_of(self).index_field) == 0)
         raise_read_only(self, name);
-    if (!self.dict) {
-        self.dict = steal(PyDict_New()).release().ptr();
+    py::object fields = self.dict ? py::object() : steal(PyDict_New());
+    if (!self.dict) {  // asked again: making the dict may have run code that stored a field
+        self.dict = fields.release().ptr();
         // Only now can the handle be part of a cycle. Instances of subclasses are tracked from the start.
         if (Py_TYPE(object_of(self).ptr()) == *kind_of(self).type) PyObject_GC_Track(object_of(self).ptr());
         handle_gained_dict();
@@ -231,7 +232,8 @@ py::object handle_getattr_method(Handle& self, py::handle name) {
 }
 
 py::object handle_dir(Handle& self) {
-    return directory(object_of(self), self.dict, attribute_names(self.cmodel, static_cast<int>(kind_of(self).kind)));
+    return directory(object_of(self), borrow(self.dict),
+                     attribute_names(self.cmodel, static_cast<int>(kind_of(self).kind)));
 }
 
 PyMethodDef shared_methods[] = {

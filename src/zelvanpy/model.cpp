@@ -17,8 +17,24 @@ namespace zelvanpy {
 
 PyTypeObject* Model_Type;
 
+void raise_freed() { raise_zelvan(0, "Model has already been freed"); }
+
 void require_open(const Model& model) {
-    if (model.cmodel == Py_None) raise_zelvan(0, "Model has already been freed");
+    if (model.cmodel == Py_None) raise_freed();
+}
+
+void require_lists(const Model& model) {
+    if (model.cmodel == Py_None || !model.vars) raise_freed();
+}
+
+py::object new_member(const Model& model, PyTypeObject* type) {
+    py::object handle = steal(new_handle(type, model.cmodel, -1));
+    require_member(model, handle);
+    return handle;
+}
+
+void require_member(const Model& model, py::handle member) {
+    if (!model.vars || !model_owns(model, as_handle(member))) raise_freed();
 }
 
 py::object call_own(Model& model, const char* name, py::handle argument) {
@@ -60,7 +76,8 @@ void require_argument(py::handle value, bool right, const char* argument, const 
 }
 
 void store_parameters(Model& self) {
-    const py::object params = new_params(self.env);
+    const py::object env = borrow(self.env);  // a second __init__ amid the first would replace it
+    const py::object params = new_params(env);
     const py::object fields = steal(PyObject_GenericGetDict(as_object(self), nullptr));
     checked(PyDict_SetItemString(fields.ptr(), "Params", params.ptr()));
     checked(PyDict_SetItemString(fields.ptr(), "params", params.ptr()));
@@ -73,18 +90,16 @@ void Model_init(Model& self, PyObject* args, PyObject* kwargs) {
     py::object uenv = env ? borrow(env) : none();
     require_argument(uenv, PyObject_TypeCheck(uenv.ptr(), Env_Type), "env", "an Env");
     if (given) require_argument(cmodel, PyCapsule_CheckExact(cmodel), "cmodel", "the capsule of a model");
+    if (!given && uenv.is_none()) uenv = default_env();
+    const py::object capsule = given ? borrow(cmodel) : new_library_model(name ? borrow(name) : py::str(""), uenv);
+    const py::object own_env = wrap_env(ZVNgetenv(model_pointer(capsule)));
     model_dispose(self);
-    set_field(self.callback, none());
     self.update_mode = -1;
     self.new_ranges = 0;
-    if (given) {
-        set_field(self.cmodel, borrow(cmodel));
-    } else {
-        if (uenv.is_none()) uenv = default_env();
-        set_field(self.cmodel, new_library_model(name ? borrow(name) : py::str(""), uenv));
-    }
+    set_field(self.cmodel, capsule);
     set_field(self.uenv, uenv);
-    set_field(self.env, wrap_env(ZVNgetenv(model_pointer(self))));
+    set_field(self.callback, none());
+    set_field(self.env, own_env);  // last: giving up the old one may run code
     if (!given) model_setup(self, true);
     store_parameters(self);
     check(ZVNsetlogcallbackfunc(model_pointer(self), log_callback_stub, nullptr), as_object(self));
@@ -105,8 +120,10 @@ int Model_traverse(PyObject* object, visitproc visit, void* arg) {
     return visit_type(object, visit, arg);
 }
 
+// The library's model goes even where a subclass has replaced what would have disposed of it.
 int Model_clear(PyObject* object) {
     Model& self = *reinterpret_cast<Model*>(object);
+    run_unraisable(nullptr, [&] { model_dispose(self); });
     Py_CLEAR(self.dict);
     Py_CLEAR(self.vars);
     Py_CLEAR(self.constrs);
@@ -117,23 +134,8 @@ int Model_clear(PyObject* object) {
     return 0;
 }
 
-// Runs where nobody can receive an exception, with one possibly in flight.
 void Model_finalize(PyObject* object) {
-    PyObject *type, *value, *traceback;
-    PyErr_Fetch(&type, &value, &traceback);
-    if (PyObject* result = PyObject_CallMethod(object, "close", nullptr))
-        Py_DECREF(result);
-    else
-        PyErr_WriteUnraisable(object);
-    PyErr_Restore(type, value, traceback);
-}
-
-// For a subclass whose close() or __del__() doesn't come down to dispose().
-void free_library_model(Model& self) {
-    if (self.cmodel == Py_None) return;
-    ZVNfreemodel(model_pointer(self));
-    invalidate_capsule(self.cmodel);
-    if (is_env(self.env)) invalidate_capsule(reinterpret_cast<Env*>(self.env)->cenv);
+    run_unraisable(object, [=] { call_own(*reinterpret_cast<Model*>(object), "close", {}); });
 }
 
 void Model_dealloc(PyObject* object) {
@@ -142,7 +144,6 @@ void Model_dealloc(PyObject* object) {
     PyTypeObject* type = Py_TYPE(object);
     PyObject_GC_UnTrack(object);
     if (self.weakrefs) PyObject_ClearWeakRefs(object);
-    free_library_model(self);
     Model_clear(object);
     for (PyObject* field : {self.cmodel, self.callback, self.uenv, self.env}) Py_XDECREF(field);
     type->tp_free(object);
@@ -179,7 +180,9 @@ int Model_setattro(PyObject* object, PyObject* name, PyObject* value) {
 
 py::object Model_getattr_method(Model& self, py::handle name) { return call_own(self, "getAttr", name); }
 
-py::object Model_dir(Model& self) { return directory(as_object(self), self.dict, attribute_names(self.cmodel, 0)); }
+py::object Model_dir(Model& self) {
+    return directory(as_object(self), borrow(self.dict), attribute_names(self.cmodel, 0));
+}
 
 py::object model_value(Model& self, const char* attribute) { return model_get_attr(self, py::str(attribute), {}); }
 

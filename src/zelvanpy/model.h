@@ -34,12 +34,20 @@ inline bool is_model(py::handle h) { return PyObject_TypeCheck(h.ptr(), Model_Ty
 inline ZVNmodel* model_pointer(const Model& model) { return model_pointer(py::handle(model.cmodel)); }
 inline PyObject* as_object(Model& model) { return reinterpret_cast<PyObject*>(&model); }
 
-// Raises ZelvanError(0, "Model has already been freed") for a disposed model.
+[[noreturn]] void raise_freed();  // ZelvanError(0, "Model has already been freed")
+// Raises that for a disposed model.
 void require_open(const Model& model);
 // getAttr; objs may be null.
 py::object model_get_attr(Model& model, py::handle name, py::handle objs);
 // setAttr; arg2 may be null.
 void model_set_attr(Model& model, py::handle name, py::handle arg1, py::handle arg2);
+// The same where the lists of handles are missing, too, as after a second __init__.
+void require_lists(const Model& model);
+// A handle for an object that is about to be added. To be made before the model is looked at: making an object may
+// run finalizers, which must neither find the object without its handle nor move what was found.
+py::object new_member(const Model& model, PyTypeObject* type);
+// Refuses the handle of a new_member() when the model has become another one since.
+void require_member(const Model& model, py::handle member);
 // Calls an own method by name, so that one of a subclass counts.
 py::object call_own(Model& model, const char* name, py::handle argument);
 // The first file that a pattern with * or ? matches, a name without them as it is; empty when no file matches.

@@ -75,6 +75,13 @@ struct Pairs {
     py::object keys, values;
 
     explicit Pairs(PyObject* dict) {
+        read(dict);
+        if (PyList_GET_SIZE(keys.ptr()) != PyList_GET_SIZE(values.ptr()))
+            raise(PyExc_RuntimeError, "dictionary changed size during iteration");
+    }
+
+private:
+    void read(PyObject* dict) {
         if (PyDict_CheckExact(dict)) {
             keys = steal(PyDict_Keys(dict));
             values = steal(PyDict_Values(dict));

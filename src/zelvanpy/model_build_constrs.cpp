@@ -44,10 +44,10 @@ struct Row {
     double upper = 0.0;
 };
 
-py::object add_buffered_row(Model& self, LibraryTerms& terms, const Row& row, const char* name) {
+// `constr` comes from new_member().
+py::object add_buffered_row(Model& self, py::object constr, LibraryTerms& terms, const Row& row, const char* name) {
     terms.clean();
-    // First: making an object may run finalizers, which must not find the row without its handle.
-    py::object constr = steal(new_handle(Constr_Type, self.cmodel, -1));
+    require_member(self, constr);
     const bool indexed = model_update_mode(self) == 1;
     ZVNmodel* model = model_pointer(self);
     const int code = row.lower == -ZVN_INFINITY
@@ -67,14 +67,15 @@ py::object add_row(Model& self, py::handle expr, Row row, PyObject* name, PyObje
         linear = steal(PyObject_CallFunctionObjArgs(reinterpret_cast<PyObject*>(LinExpr_Type), expr.ptr(), nullptr));
     if (!is_linexpr(linear)) raise_zelvan(0, kInvalid);
     if (sense) row.sense = first_char(sense);
+    const RowName text(name);
+    py::object constr = new_member(self, Constr_Type);
     const py::object flat = flat_copy(linear);
     const LinExpr* terms = as_linexpr(flat);
     row.upper -= terms->constant;
     if (row.lower != -ZVN_INFINITY) row.lower -= terms->constant;
     CallBuffer buffer;
     append_terms(self, terms, 1.0, *buffer);
-    const RowName text(name);
-    return add_buffered_row(self, *buffer, row, text);
+    return add_buffered_row(self, std::move(constr), *buffer, row, text);
 }
 
 // The right side of a comparison where it needs no difference of expressions: terms to subtract, or none.
@@ -83,24 +84,21 @@ struct RightSide {
     Handle* var = nullptr;
     py::object expr;  // flat LinExpr
 
-    // False for an operand that is left to the operators.
-    bool read(py::handle operand) {
-        if (PyFloat_CheckExact(operand.ptr())) {
-            constant = PyFloat_AS_DOUBLE(operand.ptr());
-            return !std::isnan(constant);
-        }
-        if (PyLong_CheckExact(operand.ptr())) {
-            constant = checked_double(PyLong_AsDouble(operand.ptr()));
-            return true;
-        }
+    // Whether the operand is one of those that aren't left to the operators.
+    static bool takes(py::handle operand) {
+        PyTypeObject* const type = Py_TYPE(operand.ptr());
+        if (type == &PyFloat_Type) return !std::isnan(PyFloat_AS_DOUBLE(operand.ptr()));
+        return type == &PyLong_Type || type == Var_Type || type == LinExpr_Type;
+    }
+    explicit RightSide(py::handle operand) {
         if (Py_TYPE(operand.ptr()) == Var_Type) {
             var = as_handle(operand);
-            return true;
+        } else if (Py_TYPE(operand.ptr()) == LinExpr_Type) {
+            expr = flat_copy(operand);
+            constant = as_linexpr(expr)->constant;
+        } else {
+            constant = checked_double(PyFloat_AsDouble(operand.ptr()));
         }
-        if (Py_TYPE(operand.ptr()) != LinExpr_Type) return false;
-        expr = flat_copy(operand);
-        constant = as_linexpr(expr)->constant;
-        return true;
     }
 };
 
@@ -109,17 +107,19 @@ bool add_difference(Model& self, TempConstr* constr, PyObject* name, py::object&
     if (Py_TYPE(constr->lhs) != LinExpr_Type) return false;
     const py::object lhs = borrow(constr->lhs), rhs = borrow(constr->rhs);  // the next line runs code of subclasses
     model_setup(self);
-    RightSide right;
-    if (!right.read(rhs)) return false;
+    if (!RightSide::takes(rhs)) return false;
+    const char sense = sense_letter(*constr);
+    const RowName text(name);
+    py::object handle = new_member(self, Constr_Type);
+    const RightSide right(rhs);
     const py::object left = flat_copy(lhs);
     const LinExpr* terms = as_linexpr(left);
-    const Row row{sense_letter(*constr), -ZVN_INFINITY, right.constant - terms->constant};
+    const Row row{sense, -ZVN_INFINITY, right.constant - terms->constant};
     CallBuffer buffer;
     append_terms(self, terms, 1.0, *buffer);
     if (right.var) append_var(self, right.var, -1.0, *buffer);
     if (right.expr) append_terms(self, as_linexpr(right.expr), -1.0, *buffer);
-    const RowName text(name);
-    result = add_buffered_row(self, *buffer, row, text);
+    result = add_buffered_row(self, std::move(handle), *buffer, row, text);
     return true;
 }
 
@@ -145,7 +145,8 @@ py::object add_range(Model& self, py::handle expr, py::handle lower, py::handle 
 
 bool is_real(PyObject* value) {
     if (PyFloat_Check(value) || PyLong_Check(value)) return true;
-    static PyObject* real = py::object(py::module_::import("numbers").attr("Real")).release().ptr();
+    static PyObject* real = nullptr;  // not made by its initializer: another thread would wait for that with the lock
+    if (!real) real = py::object(py::module_::import("numbers").attr("Real")).release().ptr();
     return checked(PyObject_IsInstance(value, real)) != 0;
 }
 
@@ -185,8 +186,9 @@ struct LinearSide {
     py::object keep;
     const LinExpr* expr = nullptr;
     const Handle* var = nullptr;
-    double constant = 0.0;
+    double number = 0.0;
 
+    double constant() const { return expr ? expr->constant : number; }
     int terms() const { return var ? 1 : expr ? static_cast<int>(expr->size) : 0; }
 };
 
@@ -199,7 +201,6 @@ LinearSide linear_side(py::handle side) {
     if (Py_TYPE(side.ptr()) == LinExpr_Type) {
         result.keep = flat_copy(side);
         result.expr = as_linexpr(result.keep);
-        result.constant = result.expr->constant;
     } else if (is_var(side)) {
         result.var = as_handle(side);
     } else {
@@ -210,7 +211,7 @@ LinearSide linear_side(py::handle side) {
             PyErr_Clear();
             refuse_linear();
         }
-        result.constant = PyFloat_AS_DOUBLE(number.ptr());
+        result.number = PyFloat_AS_DOUBLE(number.ptr());
     }
     return result;
 }
@@ -226,10 +227,12 @@ void append_side(const LinearSide& side, double mult, LibraryTerms& buffer) {
 
 py::object add_linear(Model& self, const LinearSide& lhs, const LinearSide& rhs, char sense, PyObject* name) {
     const RowName text(name);
+    py::object constr = new_member(self, Constr_Type);
     CallBuffer buffer;
     append_side(lhs, 1.0, *buffer);
     append_side(rhs, -1.0, *buffer);
-    return add_buffered_row(self, *buffer, {sense, -ZVN_INFINITY, rhs.constant - lhs.constant}, text);
+    return add_buffered_row(self, std::move(constr), *buffer, {sense, -ZVN_INFINITY, rhs.constant() - lhs.constant()},
+                            text);
 }
 
 py::object add_linear_comparison(Model& self, TempConstr* constr, PyObject* sense, PyObject* rhs, PyObject* name) {
@@ -250,7 +253,7 @@ py::object add_linear_explicit(Model& self, PyObject* lhs, PyObject* sense, PyOb
     if (given(sense)) return add_linear(self, left, right, first_char(sense), name);
     if (left.terms() + right.terms() > 0 || given(rhs) || !PyBool_Check(lhs)) refuse_linear();
     LinearSide empty;
-    empty.constant = lhs == Py_True ? 0.0 : -1.0;
+    empty.number = lhs == Py_True ? 0.0 : -1.0;
     return add_linear(self, LinearSide(), empty, ZVN_LESS_EQUAL, name);
 }
 

@@ -319,9 +319,9 @@ py::object Model_addVar(Model& self, Args args) {
     const double lower = lb ? to_double(lb) : 0.0;
     const double upper = ub ? to_double(ub) : ZVN_INFINITY;
     const double cost = obj ? to_double(obj) : 0.0;
-    // First: making an object may run finalizers, which must not find the column without its handle.
-    py::object var = steal(new_handle(Var_Type, self.cmodel, -1));
+    py::object var = new_member(self, Var_Type);
     const auto add = [&](const char* text) {
+        require_member(self, var);  // making the text may have run code
         const bool indexed = model_update_mode(self) == 1;
         check(ZVNaddvar(model_pointer(self), entries.size(), entries.ind(), entries.val(), cost, lower, upper, type,
                         text),
@@ -337,7 +337,7 @@ py::object Model_addVar(Model& self, Args args) {
 }
 
 py::object Model_addVars(Model& self, Args args) {
-    if (self.cmodel == Py_None) raise_zelvan(0, "Model has already been freed");
+    require_open(self);
     const Keywords keywords = read_keywords(args);
     const py::object keys = index_set(args);
     const Py_ssize_t count = PyList_GET_SIZE(keys.ptr());
@@ -352,11 +352,11 @@ py::object Model_addVars(Model& self, Args args) {
     const std::vector<char> vtype = types(keywords.vtype(), keys.ptr());
 
     // The handles and their dict come first: an unhashable key must not leave variables without handles.
-    require_open(self);  // reading values and keys runs code of the caller
+    require_lists(self);  // reading values and keys runs code of the caller
     const Py_ssize_t first = PyList_GET_SIZE(self.vars);
     const py::object vars = new_vars(self, count);
     py::object result = new_tupledict(keys, vars);
-    require_open(self);
+    require_member(self, PyList_GET_ITEM(vars.ptr(), 0));
     if (PyList_GET_SIZE(self.vars) != first)
         raise(PyExc_RuntimeError, "Model.addVars(): the model got variables while keys were hashed");
 

@@ -3,6 +3,8 @@
 #include <algorithm>
 #include <climits>
 #include <iterator>
+#include <utility>
+#include <vector>
 
 #include "attrutil.h"
 #include "env.h"
@@ -55,11 +57,7 @@ public:
         collector_.attr("set_threshold")(old_);
     }
     ~RaisedThreshold() {
-        if (restored_) return;
-        PyObject *type, *value, *traceback;
-        PyErr_Fetch(&type, &value, &traceback);
-        Py_XDECREF(PyObject_CallMethod(collector_.ptr(), "set_threshold", "i", old_));
-        PyErr_Restore(type, value, traceback);
+        if (!restored_) run_unraisable(nullptr, [&] { restore(); });
     }
 
 private:
@@ -74,10 +72,10 @@ int count_of(Model& model, const char* attribute) {
     return count;
 }
 
-py::object handle_list(Model& model, const ListRow& row, int count) {
+py::object handle_list(py::handle cmodel, const ListRow& row, int count) {
     py::object list = steal(PyList_New(count));
     for (int i = 0; i < count; ++i)
-        PyList_SET_ITEM(list.ptr(), i, new_handle(*handle_kind(row.kind).type, model.cmodel, row.live ? i : -1));
+        PyList_SET_ITEM(list.ptr(), i, new_handle(*handle_kind(row.kind).type, cmodel.ptr(), row.live ? i : -1));
     return list;
 }
 
@@ -89,56 +87,53 @@ void delete_in_library(Model& model, const ListRow& row, Handle* handle) {
     handle->index = -2;
 }
 
-// A list without the handles that are marked or gone, the others numbered anew. The deletions are queued
+// Exchanges a list for one without the handles that are marked or gone, the others numbered anew, and leaves the old
+// one in `spare`, which comes empty. The deletions are queued
 // by the numbers of the last update, which hold until the library's own update.
-void rebuild_list(Model& model, const ListRow& row) {
-    py::object kept = steal(PyList_New(0));  // first: the collector may run code that replaces or drops the list
-    PyObject* old = model.*row.list;
-    if (!old) return require_open(model);
+void rebuild_list(Model& model, const ListRow& row, py::object& spare) {
+    PyObject* const old = model.*row.list;
     for (Py_ssize_t i = 0; i < PyList_GET_SIZE(old); ++i) {
         Handle* handle = handle_at(old, i);
         if (handle->index < -2) {
             delete_in_library(model, row, handle);
         } else if (handle->index >= -1) {
-            handle->index = static_cast<int>(PyList_GET_SIZE(kept.ptr()));
-            checked(PyList_Append(kept.ptr(), PyList_GET_ITEM(old, i)));
+            handle->index = static_cast<int>(PyList_GET_SIZE(spare.ptr()));
+            checked(PyList_Append(spare.ptr(), PyList_GET_ITEM(old, i)));
         }
     }
-    model.*row.list = kept.release().ptr();
-    Py_DECREF(old);
+    model.*row.list = spare.release().ptr();
+    spare = py::reinterpret_steal<py::object>(old);
 }
 
-void update_counted_list(Model& model, const ListRow& row) {
+void update_counted_list(Model& model, const ListRow& row, py::object& spare) {
     PyObject* list = model.*row.list;
     for (Py_ssize_t i = model.*row.live; i < PyList_GET_SIZE(list); ++i) {
         Handle* handle = handle_at(list, i);
         if (handle->index >= -2) handle->index = static_cast<int>(i);
     }
     if (model.*row.deleted) {
-        rebuild_list(model, row);
+        rebuild_list(model, row, spare);
         model.*row.deleted = false;
     }
     model.*row.live = PyList_GET_SIZE(model.*row.list);
 }
 
-void update_plain_list(Model& model, const ListRow& row) {
+void update_plain_list(Model& model, const ListRow& row, py::object& spare) {
     PyObject* list = model.*row.list;
     const Py_ssize_t size = PyList_GET_SIZE(list);
     bool deleted = false;
     for (Py_ssize_t i = 0; i < size && !deleted; ++i) deleted = handle_at(list, i)->index <= -2;
-    if (deleted) rebuild_list(model, row);
+    if (deleted) rebuild_list(model, row, spare);
     list = model.*row.list;
     for (Py_ssize_t i = 0; i < PyList_GET_SIZE(list); ++i) handle_at(list, i)->index = static_cast<int>(i);
 }
 
 // Handles for the helper columns that the library made of range rows, which follow all other columns.
-void append_range_helpers(Model& model) {
+void append_range_helpers(Model& model, const std::vector<py::object>& helpers) {
     const Py_ssize_t made = count_of(model, "NumVars") - PyList_GET_SIZE(model.vars);
     for (Py_ssize_t i = 0; i < made; ++i) {
-        const int index = static_cast<int>(PyList_GET_SIZE(model.vars));
-        const py::object helper = steal(new_handle(Var_Type, model.cmodel, index));
-        require_open(model);
-        checked(PyList_Append(model.vars, helper.ptr()));
+        as_handle(helpers.at(i))->index = static_cast<int>(PyList_GET_SIZE(model.vars));
+        checked(PyList_Append(model.vars, helpers[i].ptr()));
     }
     model.live_vars = PyList_GET_SIZE(model.vars);
     model.new_ranges = 0;
@@ -148,16 +143,23 @@ void append_range_helpers(Model& model) {
 
 void model_update(Model& model) {
     require_open(model);
-    for (const ListRow& row : list_rows) {
+    // What is made comes first and what is given up goes last: both may run code that looks at the model.
+    py::object lists[std::size(list_rows)];
+    for (py::object& list : lists) list = steal(PyList_New(0));
+    std::vector<py::object> helpers(model.vars ? model.new_ranges : 0);
+    for (py::object& helper : helpers) helper = new_member(model, Var_Type);
+    require_open(model);
+    for (std::size_t i = 0; i < std::size(list_rows); ++i) {
+        const ListRow& row = list_rows[i];
         if (!(model.*row.list)) continue;
         if (row.live)
-            update_counted_list(model, row);
+            update_counted_list(model, row, lists[i]);
         else
-            update_plain_list(model, row);
+            update_plain_list(model, row, lists[i]);
     }
     model.update_mode = -1;
     check(ZVNupdatemodel(model_pointer(model)), as_object(model));
-    if (model.new_ranges && model.vars) append_range_helpers(model);
+    if (!helpers.empty() && model.vars) append_range_helpers(model, helpers);
 }
 
 void model_setup(Model& model, bool empty) {
@@ -170,10 +172,11 @@ void model_setup(Model& model, bool empty) {
         total += counts[i];
     }
     RaisedThreshold threshold(total);
+    const py::object cmodel = borrow(model.cmodel);
     py::object lists[std::size(list_rows)];
-    for (std::size_t i = 0; i < std::size(list_rows); ++i) lists[i] = handle_list(model, list_rows[i], counts[i]);
-    if (!empty) require_open(model);  // the collector may have run code that disposed of the model
-    if (model.vars) return;           // or that built the lists
+    for (std::size_t i = 0; i < std::size(list_rows); ++i) lists[i] = handle_list(cmodel, list_rows[i], counts[i]);
+    if (model.vars) return;                       // the collector may have run code that built the lists
+    if (!cmodel.is(model.cmodel)) raise_freed();  // or that disposed of the model
     for (std::size_t i = 0; i < std::size(list_rows); ++i) {
         const ListRow& row = list_rows[i];
         model.*row.list = lists[i].release().ptr();
@@ -182,7 +185,7 @@ void model_setup(Model& model, bool empty) {
     }
     call_own(model, "update", {});
     threshold.restore();
-    require_open(model);  // an update of a subclass may have disposed of it
+    require_lists(model);  // an update of a subclass may have disposed of it
 }
 
 int model_update_mode(Model& model) {
@@ -193,28 +196,34 @@ int model_update_mode(Model& model) {
     return model.update_mode;
 }
 
+namespace {
+
+// What a field held, which holds `now` from here on.
+py::object taken(PyObject*& field, PyObject* now) {
+    return py::reinterpret_steal<py::object>(std::exchange(field, now));
+}
+
+}  // namespace
+
 void model_dispose(Model& model) {
     if (model.cmodel == Py_None) return;
     if (model.solving)
         raise_zelvan(ZVN_ERROR_OPTIMIZATION_IN_PROGRESS, "The model can't be disposed of while it is being solved");
-    const py::object capsule = py::reinterpret_steal<py::object>(model.cmodel);
-    model.cmodel = none().release().ptr();
+    // All is taken out of the model before anything is given up, which may run code that looks at the model.
+    const py::object capsule = taken(model.cmodel, none().release().ptr());
+    const py::object uenv = taken(model.uenv, none().release().ptr());
+    py::object lists[std::size(list_rows)];
+    for (std::size_t i = 0; i < std::size(list_rows); ++i) lists[i] = taken(model.*list_rows[i].list, nullptr);
     ZVNfreemodel(model_pointer(capsule));
     // Handles that are in no list any more share the capsule, which tells them from now on, and so does `_env`.
     invalidate_capsule(capsule);
     if (is_env(model.env)) invalidate_capsule(reinterpret_cast<Env*>(model.env)->cenv);
-    for (const ListRow& row : list_rows) {
-        const py::object list = py::reinterpret_steal<py::object>(model.*row.list);
-        model.*row.list = nullptr;
+    for (const py::object& list : lists)
         for (Py_ssize_t i = 0; list && i < PyList_GET_SIZE(list.ptr()); ++i) {
             Handle* handle = handle_at(list.ptr(), i);
             handle->index = -1;
-            Py_INCREF(Py_None);
-            Py_XSETREF(handle->cmodel, Py_None);
+            taken(handle->cmodel, none().release().ptr());
         }
-    }
-    const py::object uenv = py::reinterpret_steal<py::object>(model.uenv);
-    model.uenv = none().release().ptr();
 }
 
 namespace {
@@ -260,9 +269,10 @@ template <Kind K, int (*Find)(ZVNmodel*, const char*, int*)>
 py::object handle_by_name(Model& self, const char* function, const Args& args) {
     static const Signature<1> signature{function, 1, {Name("name")}};
     const auto [name] = signature.parse(args);
+    const CString text(name);
     model_setup(self);
     int index = -1;
-    check(Find(model_pointer(self), CString(name), &index), as_object(self));
+    check(Find(model_pointer(self), text, &index), as_object(self));
     return index < 0 ? none() : steal(PySequence_GetItem(self.*list_row(K).list, index));
 }
 
@@ -275,8 +285,8 @@ py::object Model_getConstrByName(Model& self, Args args) {
 }
 
 py::object Model_owns(Model& self, py::handle object) {
-    const py::object cmodel = object.attr("_cmodel");
-    return boolean(checked(PyObject_RichCompareBool(cmodel.ptr(), self.cmodel, Py_EQ)));
+    const py::object cmodel = object.attr("_cmodel"), own = borrow(self.cmodel);
+    return boolean(checked(PyObject_RichCompareBool(cmodel.ptr(), own.ptr(), Py_EQ)));
 }
 
 // --- removal

@@ -44,8 +44,8 @@ void Model_reset(Model& self, Args args) {
 py::object Model_copy(Model& self) {
     ZVNmodel* copy = ZVNcopymodel(model_pointer(self));
     if (!copy) raise_zelvan(-1, "Failed to create copy");
-    const py::object capsule = wrap_pointer(copy);
-    return steal(PyObject_CallFunctionObjArgs(reinterpret_cast<PyObject*>(Model_Type), py::str("").ptr(), self.uenv,
+    const py::object capsule = wrap_pointer(copy), uenv = borrow(self.uenv);
+    return steal(PyObject_CallFunctionObjArgs(reinterpret_cast<PyObject*>(Model_Type), py::str("").ptr(), uenv.ptr(),
                                               capsule.ptr(), nullptr));
 }
 

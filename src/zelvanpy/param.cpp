@@ -327,10 +327,17 @@ struct Params {
 PyTypeObject* ParamClass_Type;
 const Name kDir("__dir__");
 
-Env& env_of(Params& params) {
-    if (!params.env) raise_zelvan(-1, "Invalid Environment");
-    return *reinterpret_cast<Env*>(params.env);
-}
+// The environment, held: a second __init__ may replace it while code runs.
+class ParamsEnv {
+public:
+    explicit ParamsEnv(const Params& params) : env_(borrow(params.env)) {
+        if (!env_) raise_zelvan(-1, "Invalid Environment");
+    }
+    operator Env&() const { return *reinterpret_cast<Env*>(env_.ptr()); }
+
+private:
+    py::object env_;
+};
 
 void ParamClass_init(Params& self, PyObject* args, PyObject* kwargs) {
     static const Signature<1> kSignature{"ParamClass", 1, {Name("env")}};
@@ -348,8 +355,8 @@ bool holds_nul(PyObject* text) {
 }
 
 PyObject* value_of(Params& self, PyObject* name) {
-    ZVNenv* const env = env_pointer(env_of(self));
-    py::object value = holds_nul(name) ? py::object() : param_value(env, CString(name));
+    const ParamsEnv env(self);
+    py::object value = holds_nul(name) ? py::object() : param_value(env_pointer(env), CString(name));
     if (!value) {
         PyErr_Format(PyExc_AttributeError, "No parameter named '%S'", name);
         throw PythonError{};
@@ -364,7 +371,8 @@ PyObject* ParamClass_getattro(Params& self, PyObject* name) {
     if (!PyUnicode_Check(name)) return PyObject_GenericGetAttr(object, name);  // which refuses it
     if (Py_TYPE(object) == ParamClass_Type && !is_private(name)) {
         if (!self.dict) return value_of(self, name);
-        if (PyObject* found = PyDict_GetItemWithError(self.dict, name)) return borrow(found).release().ptr();
+        const py::object fields = borrow(self.dict);  // a comparison of keys may run code that replaces it
+        if (PyObject* found = PyDict_GetItemWithError(fields.ptr(), name)) return borrow(found).release().ptr();
         if (PyErr_Occurred()) throw PythonError{};
         return value_of(self, name);
     }
@@ -378,11 +386,11 @@ int ParamClass_setattro(Params& self, PyObject* name, PyObject* value) {
     if (!value || !PyUnicode_Check(name))
         return PyObject_GenericSetAttr(reinterpret_cast<PyObject*>(&self), name, value);
     if (!is_private(name)) {
-        env_set_param(env_of(self), name, value);
+        env_set_param(ParamsEnv(self), name, value);
         return 0;
     }
-    if (!self.dict) self.dict = steal(PyDict_New()).release().ptr();
-    return PyDict_SetItem(self.dict, name, value);
+    const py::object fields = steal(PyObject_GenericGetDict(reinterpret_cast<PyObject*>(&self), nullptr));
+    return PyDict_SetItem(fields.ptr(), name, value);
 }
 
 PyObject* ParamClass_getattr(Params& self, py::handle name) { return value_of(self, name.ptr()); }
@@ -390,8 +398,9 @@ PyObject* ParamClass_getattr(Params& self, py::handle name) { return value_of(se
 py::object ParamClass_dir(Params& self) {
     auto* object = reinterpret_cast<PyObject*>(&self);
     const py::object names = steal(PySet_New(steal(PyObject_Dir(reinterpret_cast<PyObject*>(Py_TYPE(object)))).ptr()));
-    const py::object keys = self.dict ? steal(PyDict_Keys(self.dict)) : steal(PyList_New(0));
-    const py::object params = param_list(env_of(self), to_str("*"));
+    const py::object fields = borrow(self.dict);
+    const py::object keys = fields ? steal(PyDict_Keys(fields.ptr())) : steal(PyList_New(0));
+    const py::object params = param_list(ParamsEnv(self), to_str("*"));
     for (const py::object& list : {keys, params})
         for (Py_ssize_t i = 0; i < PyList_GET_SIZE(list.ptr()); ++i)
             checked(PySet_Add(names.ptr(), PyList_GET_ITEM(list.ptr(), i)));
@@ -400,10 +409,10 @@ py::object ParamClass_dir(Params& self) {
     return sorted;
 }
 
-py::object ParamClass_getChangeList(Params& self) { return param_changes(env_of(self)); }
+py::object ParamClass_getChangeList(Params& self) { return param_changes(ParamsEnv(self)); }
 
 py::object ParamClass_repr(Params& self) {
-    return steal(PyUnicode_FromFormat("<zelvanpy.ParamClass: %U>", param_changes(env_of(self)).ptr()));
+    return steal(PyUnicode_FromFormat("<zelvanpy.ParamClass: %U>", param_changes(ParamsEnv(self)).ptr()));
 }
 
 int ParamClass_traverse(PyObject* self, visitproc visit, void* arg) {

@@ -42,6 +42,20 @@ inline double checked_double(double value) {
 // Sets the Python exception that belongs to the C++ exception in flight.
 void translate_exception() noexcept;
 
+// Runs `body` where nobody can receive an exception, with one possibly in flight; one that it raises is reported.
+template <class Body>
+void run_unraisable(PyObject* context, Body body) noexcept {
+    PyObject *type, *value, *traceback;
+    PyErr_Fetch(&type, &value, &traceback);
+    try {
+        body();
+    } catch (...) {
+        translate_exception();
+    }
+    if (PyErr_Occurred()) PyErr_WriteUnraisable(context);
+    PyErr_Restore(type, value, traceback);
+}
+
 // Whether Python code can still run: a thread that asks for the interpreter lock later is ended.
 inline bool python_alive() {
 #if PY_VERSION_HEX >= 0x030d0000

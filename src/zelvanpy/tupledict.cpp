@@ -20,15 +20,15 @@ Py_ssize_t size_of(TupleDict& t) { return PyDict_Size(t.self().ptr()); }
 // Positions: the number of each key that was ever set, by which the key list is sorted
 
 // Gives the ranks that stand for positions so far their numbers.
-PyObject* positions_of(TupleDict& t) {
-    if (t.positions) return t.positions;
+py::object positions_of(TupleDict& t) {
+    if (t.positions) return borrow(t.positions);
     const py::object keys = steal(PyDict_Keys(t.self().ptr()));
     py::object positions = steal(PyDict_New());
     const Py_ssize_t ordered = std::min(t.ordered, PyList_GET_SIZE(keys.ptr()));
     for (Py_ssize_t i = 0; i < ordered; ++i)
         checked(PyDict_SetItem(positions.ptr(), PyList_GET_ITEM(keys.ptr(), i), py::int_(i).ptr()));
-    Py_XSETREF(t.positions, positions.release().ptr());
-    return t.positions;
+    Py_XSETREF(t.positions, borrow(positions).release().ptr());
+    return positions;
 }
 
 // A key that leaves the dict keeps its number.
@@ -42,7 +42,7 @@ void set_position(TupleDict& t, py::handle key, Py_ssize_t size_before) {
         ++t.ordered;
         return;
     }
-    const py::object positions = borrow(positions_of(t));
+    const py::object positions = positions_of(t);
     checked(PyDict_SetItem(positions.ptr(), key.ptr(), py::int_(PyDict_Size(positions.ptr())).ptr()));
 }
 
@@ -279,10 +279,10 @@ py::object new_tupledict() { return steal(PyObject_CallObject(reinterpret_cast<P
 
 py::object new_tupledict(py::handle keys, py::handle values) {
     py::object result = new_tupledict();
-    const Py_ssize_t num = PySequence_Fast_GET_SIZE(keys.ptr());
-    for (Py_ssize_t i = 0; i < num; ++i)
-        checked(PyDict_SetItem(result.ptr(), PySequence_Fast_GET_ITEM(keys.ptr(), i),
-                               PySequence_Fast_GET_ITEM(values.ptr(), i)));
+    for (Py_ssize_t i = 0; i < PySequence_Fast_GET_SIZE(keys.ptr()); ++i) {
+        const py::object key = borrow(PySequence_Fast_GET_ITEM(keys.ptr(), i));  // hashing may run code that drops it
+        checked(PyDict_SetItem(result.ptr(), key.ptr(), PySequence_Fast_GET_ITEM(values.ptr(), i)));
+    }
     return result;
 }
 
@@ -314,7 +314,7 @@ py::object tupledict_keys(TupleDict& t) {
     if (t.keys && t.keys_version == version && PyList_GET_SIZE(t.keys)) return borrow(t.keys);
     py::object keys = steal(PyDict_Keys(t.self().ptr()));
     if (t.positions) sort_keys(keys.ptr(), borrow(t.positions).ptr());
-    keys = new_tuplelist(std::move(keys), t.wild);
+    keys = new_tuplelist(std::move(keys), borrow(t.wild));
     Py_INCREF(keys.ptr());
     Py_XSETREF(t.keys, keys.ptr());
     t.keys_version = version;

@@ -213,7 +213,7 @@ py::object TupleList_add(py::handle left, py::handle right) {
     if (!is_tuplelist(left)) return borrow(Py_NotImplemented);
     const py::object plain = steal(PySequence_List(left.ptr()));
     const py::object both = steal(PySequence_Concat(plain.ptr(), right.ptr()));
-    py::object result = new_tuplelist(steal(PyList_New(0)), as_tuplelist(left).wild);
+    py::object result = new_tuplelist(steal(PyList_New(0)), borrow(as_tuplelist(left).wild));
     tuplelist_extend(as_tuplelist(result), both);
     return result;
 }
@@ -230,7 +230,7 @@ py::object TupleList_getslice(TupleList& self, Args args) {
     static const Signature<2> kSignature{"__getslice__", 2, {Name("b"), Name("c")}};
     const auto [begin, end] = kSignature.parse(args);
     const py::object slice = steal(PyObject_CallMethod(base(), "__getslice__", "OOO", self.self().ptr(), begin, end));
-    return new_tuplelist(steal(PySequence_List(slice.ptr())), self.wild);
+    return new_tuplelist(steal(PySequence_List(slice.ptr())), borrow(self.wild));
 }
 
 void TupleList_delslice(TupleList& self, Args args) {
@@ -384,10 +384,10 @@ Derived& derived_of(TupleList& list) {
 
 void tuplelist_clean(TupleList& list) { delete std::exchange(list.derived, nullptr); }
 
-py::object new_tuplelist(py::object plain, py::handle wild) {
+py::object new_tuplelist(py::object plain, py::object wild) {
     py::object result = steal(TupleList_Type->tp_alloc(TupleList_Type, 0));
     TupleList& list = as_tuplelist(result);
-    list.wild = wild.inc_ref().ptr();
+    list.wild = wild.release().ptr();
     check_members(list, reinterpret_cast<PyListObject*>(plain.ptr())->ob_item, PyList_GET_SIZE(plain.ptr()));
     swap_lists(result.ptr(), plain.ptr());
     return result;

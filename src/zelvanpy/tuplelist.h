@@ -38,7 +38,7 @@ inline TupleList& as_tuplelist(py::handle h) { return *reinterpret_cast<TupleLis
 
 // A new tuplelist with the members of a plain list that nobody else holds, which is empty afterwards.
 // ValueError where the members don't fit together. `wild` null stands for "*".
-py::object new_tuplelist(py::object plain, py::handle wild = {});
+py::object new_tuplelist(py::object plain, py::object wild = {});
 // tuplelist.extend: all members or, with ValueError, none.
 void tuplelist_extend(TupleList& list, py::handle members);
 void tuplelist_clean(TupleList& list);
