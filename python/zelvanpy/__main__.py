@@ -90,7 +90,7 @@ def main(arguments=None):
                     model.write(filename)
                 return 0 if model.Status == zelvanpy.ZVN.OPTIMAL else 1
     except (zelvanpy.ZelvanError, ValueError) as error:
-        print("Error: %s" % (error.__cause__ or error), file=sys.stderr)
+        print("Error: %s" % error, file=sys.stderr)
         return 2
 
 

@@ -322,15 +322,11 @@ int log_callback_stub(const char* message, void*) {
     return 0;
 }
 
-bool shows_output(const Env& env) {
-    int output = 0;
-    ZVNgetintparaminfo(env_pointer(env), "OutputFlag", &output, nullptr, nullptr, nullptr);
-    return output != 0;
-}
-
 void env_message(Env& env, py::handle line) {
     if (env.empty) {
-        if (shows_output(env)) print_line(line);
+        int output = 0;
+        ZVNgetintparaminfo(env_pointer(env), "OutputFlag", &output, nullptr, nullptr, nullptr);
+        if (output) print_line(line);
         return;
     }
     const py::object text = steal(PyUnicode_Concat(line.ptr(), to_str("\n").ptr()));

@@ -21,8 +21,6 @@ inline bool is_env(py::handle h) { return PyObject_TypeCheck(h.ptr(), Env_Type);
 
 // A wrapper of a handle that somebody else owns.
 py::object wrap_env(ZVNenv* env);
-// Whether the environment's OutputFlag lets it write at all.
-bool shows_output(const Env& env);
 // Env._message: a line to the log, printed while the environment isn't started.
 void env_message(Env& env, py::handle line);
 // zelvan._getdefaultenv(create)

@@ -2,6 +2,7 @@
 
 #include <algorithm>
 #include <cmath>
+#include <optional>
 
 #include "exception.h"
 #include "model_build.h"
@@ -24,15 +25,27 @@ bool given(PyObject* argument) { return argument && argument != Py_None; }
 
 bool is_empty(PyObject* name) { return !name || (PyUnicode_Check(name) && PyUnicode_GetLength(name) == 0); }
 
-// The name of a row as the library takes it; missing means none.
+// The name of a row as the library takes it; missing means none. It is converted before the model is looked at, as
+// that may run code, but one that doesn't convert is refused when it is used, behind what else is to be refused.
 class RowName {
 public:
-    explicit RowName(PyObject* name) : text_(is_empty(name) ? kNoName.get() : name) {}
-    operator const char*() const { return text_; }
+    explicit RowName(PyObject* name) {
+        try {
+            text_.emplace(is_empty(name) ? kNoName.get() : name);
+        } catch (...) {
+            translate_exception();
+            refusal_.emplace();
+        }
+    }
+    operator const char*() const {
+        if (!text_) throw py::error_already_set(*refusal_);
+        return *text_;
+    }
 
 private:
     static const Name kNoName;
-    CString text_;
+    std::optional<CString> text_;
+    std::optional<py::error_already_set> refusal_;
 };
 const Name RowName::kNoName("");
 

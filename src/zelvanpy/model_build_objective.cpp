@@ -62,16 +62,17 @@ void Model_setObjectiveN(Model& self, Args args) {
     const auto [expr, index, priority, weight, abstol, reltol, name] = kSetObjectiveN.parse(args);
     model_setup(self);
     const py::object linear = linear_form(expr);
+    const LinExpr* terms = as_linexpr(linear);
+    const double constant = terms->constant;
+    CallBuffer buffer;
+    append_terms(self, terms, 1.0, *buffer);
     const CString text(name ? borrow(name) : steal(PyUnicode_FromString("")));
     const int number = to_int(index);
     const int rank = priority ? to_int(priority) : 0;
     const double factor = weight ? to_float(weight) : 1.0;
     const double absolute = abstol ? to_float(abstol) : 1e-6;
     const double relative = reltol ? to_float(reltol) : 0.0;
-    const LinExpr* terms = as_linexpr(linear);
-    CallBuffer buffer;
-    append_terms(self, terms, 1.0, *buffer);
-    check(ZVNsetobjectiven(model_pointer(self), number, rank, factor, absolute, relative, text, terms->constant,
+    check(ZVNsetobjectiven(model_pointer(self), number, rank, factor, absolute, relative, text, constant,
                            buffer->size(), buffer->ind(), buffer->val()),
           as_object(self));
 }
@@ -110,10 +111,11 @@ private:
 
 py::object Model_getObjective(Model& self, Args args) {
     const auto [index] = kGetObjective.parse(args);
+    model_setup(self);
     const bool is_main = !index || index == Py_None;
     const int number = is_main ? 0 : to_int(index);
     py::object result = steal(reinterpret_cast<PyObject*>(new_linexpr()));
-    model_setup(self);
+    require_lists(self);  // converting and making an object may run code of the caller
     if (is_main) {
         read_objective(self, "ObjCon", "Obj", as_linexpr(result));
     } else {

@@ -146,8 +146,9 @@ void model_update(Model& model) {
     // What is made comes first and what is given up goes last: both may run code that looks at the model.
     py::object lists[std::size(list_rows)];
     for (py::object& list : lists) list = steal(PyList_New(0));
-    std::vector<py::object> helpers(model.vars ? model.new_ranges : 0);
-    for (py::object& helper : helpers) helper = new_member(model, Var_Type);
+    std::vector<py::object> helpers;
+    while (model.vars && static_cast<Py_ssize_t>(helpers.size()) < model.new_ranges)
+        helpers.push_back(new_member(model, Var_Type));
     require_open(model);
     for (std::size_t i = 0; i < std::size(list_rows); ++i) {
         const ListRow& row = list_rows[i];
@@ -175,8 +176,8 @@ void model_setup(Model& model, bool empty) {
     const py::object cmodel = borrow(model.cmodel);
     py::object lists[std::size(list_rows)];
     for (std::size_t i = 0; i < std::size(list_rows); ++i) lists[i] = handle_list(cmodel, list_rows[i], counts[i]);
-    if (model.vars) return;                       // the collector may have run code that built the lists
-    if (!cmodel.is(model.cmodel)) raise_freed();  // or that disposed of the model
+    if (model.vars) return;                           // the collector may have run code that built the lists
+    if (cmodel.ptr() != model.cmodel) raise_freed();  // or that disposed of the model
     for (std::size_t i = 0; i < std::size(list_rows); ++i) {
         const ListRow& row = list_rows[i];
         model.*row.list = lists[i].release().ptr();

@@ -98,12 +98,11 @@ py::object read_model(py::handle modelname, py::handle env) {
     }
     const py::object uenv = env && !env.is_none() ? borrow(env) : default_env();
     if (!is_env(uenv)) raise(PyExc_TypeError, "read() argument 'env' must be an Env or None");
-    const Env& own = *reinterpret_cast<Env*>(uenv.ptr());
     ZVNmodel* model = nullptr;
     const CString path(file);  // may run code that closes the environment, so its handle is read behind it
-    if (const int code = ZVNreadmodel(env_pointer(own), path, &model)) {
+    if (const int code = ZVNreadmodel(env_pointer(*reinterpret_cast<Env*>(uenv.ptr())), path, &model)) {
         const py::object reason = error_message(uenv);
-        if (shows_output(own)) print_line(reason);
+        print_line(reason);
         raise_zelvan(0, kUnreadable, code, reason);
     }
     return steal(PyObject_CallFunction(reinterpret_cast<PyObject*>(Model_Type), "sON", "", uenv.ptr(),
@@ -177,8 +176,8 @@ PyMethodDef functions[] = {
      "Read a model from a file (.mps, .lp, each also with .gz behind) and return it.\n\n"
      "filename: name, or a pattern with * and ? of which the first match is taken.\n"
      "env: environment for the model, None for the default one.\n\n"
-     "Raises ZelvanError when no file matches or the file can't be read; the reason is its `__cause__` "
-     "and is printed, that of a faulty file only where OutputFlag is 1.\n\n"
+     "Raises ZelvanError when no file matches or the file can't be read; the reason is printed and is its "
+     "`__cause__`.\n\n"
      "    model = zelvanpy.read(\"diet.lp\")\n"
      "    model.optimize()"},
     {"models", method<zelvan_models>, METH_NOARGS, "models()\n--\n\nPrint the models found in __main__."},
