@@ -32,6 +32,7 @@ asan: build/asan/installed $(VENV)/test-tools
 lint: build/lint/compile_commands.json $(VENV)/dev-tools
 	$(BIN)/clang-format --dry-run -Werror $(C_FILES)
 	$(BIN)/run-clang-tidy.py -quiet -clang-tidy-binary $(BIN)/clang-tidy -p build/lint 'src/.*\.cpp$$'
+	$(BIN)/python ci/layers.py
 	$(BIN)/ruff check .
 	$(BIN)/ruff format --check .
 

@@ -1,9 +1,11 @@
 // Attribute values of many objects: one call of the library for any number of them.
 
+#include "attr_lists.h"
+
 #include <memory>
 
-#include "attrutil.h"
 #include "exception.h"
+#include "pyargs.h"
 
 namespace zelvanpy {
 
@@ -161,5 +163,40 @@ void set_attribute_list(py::handle object, const AttrInfo& attribute, const std:
     }
     if (error) raise(PyExc_AttributeError, error_message(object));
 }
+
+namespace {
+
+// For the list functions, whose caller names the type of the values.
+AttrInfo typed_attribute(const CString& name, py::handle type) { return {name, to_int(type, "attrtype"), 0, true}; }
+
+py::object gettypedattrlist_function(py::handle, Args args) {
+    static const Signature<4> signature{
+        "__gettypedattrlist", 4, {Name("obj"), Name("attrname"), Name("attrtype"), Name("inputlist")}};
+    const auto [object, name, type, indices] = signature.parse(args);
+    const CString text(name);
+    return get_attribute_list(object, typed_attribute(text, type), index_vector(indices));
+}
+
+void settypedattrlist_function(py::handle, Args args) {
+    static const Signature<5> signature{
+        "__settypedattrlist", 5, {Name("obj"), Name("attrname"), Name("attrtype"), Name("indlist"), Name("newval")}};
+    const auto [object, name, type, indices, values] = signature.parse(args);
+    const CString text(name);
+    set_attribute_list(object, typed_attribute(text, type), index_vector(indices), values, false);
+}
+
+PyMethodDef functions[] = {
+    {"__gettypedattrlist", method<gettypedattrlist_function>, kKeywords,
+     "__gettypedattrlist($module, obj, attrname, attrtype, inputlist)\n--\n\n"
+     "List of the values of an attribute of the given type for a list of indices."},
+    {"__settypedattrlist", method<settypedattrlist_function>, kKeywords,
+     "__settypedattrlist($module, obj, attrname, attrtype, indlist, newval)\n--\n\n"
+     "Set an attribute of the given type for a list of indices to a sequence of values."},
+    {},
+};
+
+}  // namespace
+
+void init_attr_lists(py::module_& module) { checked(PyModule_AddFunctions(module.ptr(), functions)); }
 
 }  // namespace zelvanpy

@@ -4,8 +4,6 @@
 
 namespace zelvanpy {
 
-PyTypeObject* AttrConst_Type;
-
 namespace {
 
 constexpr const char* kRefusal = "Modifying Zelvan attribute constant not allowed";

@@ -7,7 +7,6 @@
 #include <cstring>
 
 #include "exception.h"
-#include "model.h"
 #include "pyargs.h"
 
 namespace zelvanpy {
@@ -76,7 +75,7 @@ py::object as_text(py::handle name) {
 }  // namespace
 
 ZVNmodel* model_of(py::handle object) {
-    if (is_model(object)) return model_pointer(*reinterpret_cast<Model*>(object.ptr()));
+    if (is_model(object)) return model_pointer(reinterpret_cast<ModelHead*>(object.ptr())->cmodel);
     if (find_handle_kind(object.ptr())) return model_pointer(as_handle(object)->cmodel);
     return model_pointer(object.attr("_cmodel"));
 }
@@ -342,25 +341,6 @@ void setattr_function(py::handle, Args args) {
     set_attribute(object, name, value);
 }
 
-// For the list functions, whose caller names the type of the values.
-AttrInfo typed_attribute(const CString& name, py::handle type) { return {name, to_int(type, "attrtype"), 0, true}; }
-
-py::object gettypedattrlist_function(py::handle, Args args) {
-    static const Signature<4> signature{
-        "__gettypedattrlist", 4, {Name("obj"), Name("attrname"), Name("attrtype"), Name("inputlist")}};
-    const auto [object, name, type, indices] = signature.parse(args);
-    const CString text(name);
-    return get_attribute_list(object, typed_attribute(text, type), index_vector(indices));
-}
-
-void settypedattrlist_function(py::handle, Args args) {
-    static const Signature<5> signature{
-        "__settypedattrlist", 5, {Name("obj"), Name("attrname"), Name("attrtype"), Name("indlist"), Name("newval")}};
-    const auto [object, name, type, indices, values] = signature.parse(args);
-    const CString text(name);
-    set_attribute_list(object, typed_attribute(text, type), index_vector(indices), values, false);
-}
-
 void prefetchattr_function(py::handle, Args args) {
     static const Signature<2> signature{"__prefetchattr", 2, {Name("obj"), Name("attrname")}};
     const auto [object, name] = signature.parse(args);
@@ -382,12 +362,6 @@ PyMethodDef functions[] = {
      "__getattr($module, obj, attrname)\n--\n\nValue of one attribute of a Model or a handle."},
     {"__setattr", method<setattr_function>, kKeywords,
      "__setattr($module, obj, attrname, newval)\n--\n\nSet one attribute of a Model or a handle."},
-    {"__gettypedattrlist", method<gettypedattrlist_function>, kKeywords,
-     "__gettypedattrlist($module, obj, attrname, attrtype, inputlist)\n--\n\n"
-     "List of the values of an attribute of the given type for a list of indices."},
-    {"__settypedattrlist", method<settypedattrlist_function>, kKeywords,
-     "__settypedattrlist($module, obj, attrname, attrtype, indlist, newval)\n--\n\n"
-     "Set an attribute of the given type for a list of indices to a sequence of values."},
     {"__prefetchattr", method<prefetchattr_function>, kKeywords,
      "__prefetchattr($module, obj, attrname)\n--\n\nTell the library that an attribute will be read."},
     {"__attrlist", method<attrlist_function>, kKeywords,

@@ -3,7 +3,7 @@
 
 #include <vector>
 
-#include "handle_kind.h"
+#include "handle.h"
 
 namespace zelvanpy {
 
@@ -52,16 +52,5 @@ PyObject* stored_attribute(PyObject* object, PyObject* dict, PyObject* name);
 py::object directory(py::handle object, const py::object& fields, py::handle attributes);
 // A double of the library with infinities as Python has them.
 double python_double(double value);
-
-// --- attr_lists.cpp
-// Values for a list of indices; throws ZelvanError(code, object) when the library refuses.
-py::object get_attribute_list(py::handle object, const AttrInfo& attribute, const std::vector<int>& indices);
-// One value for all indices when `broadcast`, otherwise values[i] for indices[i].
-void set_attribute_list(py::handle object, const AttrInfo& attribute, const std::vector<int>& indices,
-                        py::handle values, bool broadcast);
-// The integers of any sequence.
-std::vector<int> index_vector(py::handle sequence);
-
-void init_attrutil(py::module_& module);
 
 }  // namespace zelvanpy

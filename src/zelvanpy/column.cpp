@@ -3,8 +3,8 @@
 #include <unordered_map>
 
 #include "exception.h"
-#include "operand.h"
 #include "pyargs.h"
+#include "pynumber.h"
 #include "pytype.h"
 
 namespace zelvanpy {

@@ -23,6 +23,4 @@ py::object new_column(std::vector<double> coeffs, std::vector<py::object> constr
 // Merges entries of the same Constr object into the first of them and drops zeros.
 void column_normalize(Column& column);
 
-void init_column(py::module_& module);
-
 }  // namespace zelvanpy

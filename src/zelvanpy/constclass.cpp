@@ -4,6 +4,11 @@
 
 namespace zelvanpy {
 
+PyTypeObject* AttrConst_Type;
+PyTypeObject* ParamConst_Type;
+PyTypeObject* StatusConst_Type;
+PyTypeObject* CallbackClass_Type;
+
 namespace {
 
 int traverse(PyObject* self, visitproc visit, void* arg) {

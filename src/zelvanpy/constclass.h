@@ -68,12 +68,10 @@ int refuse_assignment(PyObject* self, PyObject* name, PyObject* value) {
     raise_zelvan(0, kText);
 }
 
+// The classes that ZVN gathers.
 extern PyTypeObject* AttrConst_Type;
 extern PyTypeObject* ParamConst_Type;
 extern PyTypeObject* StatusConst_Type;
 extern PyTypeObject* CallbackClass_Type;
-
-// Adds the status codes, which stand in ZVN as well.
-void add_status_constants(PyTypeObject* type);
 
 }  // namespace zelvanpy

@@ -1,6 +1,6 @@
 // `Constr`: what the handle of a linear constraint has besides the shared parts.
 
-#include "handle_kind.h"
+#include "handle_type.h"
 
 namespace zelvanpy {
 

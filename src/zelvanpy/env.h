@@ -25,18 +25,7 @@ py::object wrap_env(ZVNenv* env);
 void env_message(Env& env, py::handle line);
 // zelvan._getdefaultenv(create)
 py::object default_env(bool create = true);
-// zelvan._getmodels(): list of (name, model) pairs found in __main__
-py::object main_models();
-// State kept by class `zelvan`: whether the process ends, and whether zelvan.interactive() was called.
-bool process_exits();
-bool is_interactive();
-// The builtin print of one object.
-void print_line(py::handle object);
 // The function that receives all log text of the library.
 int log_callback_stub(const char* message, void* userdata);
-
-void init_env(py::module_& module);
-// Class `zelvan` and the module functions read, models, disposeDefaultEnv, system.
-void init_zelvan(py::module_& module);
 
 }  // namespace zelvanpy

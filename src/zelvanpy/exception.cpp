@@ -10,8 +10,6 @@ PyObject* ZelvanError;
 
 namespace {
 
-PyObject* module_dict;  // owned: the module may be deleted and imported again
-
 const Name kErrno("errno"), kMessage("message"), kPrivateMessage("_message"), kDict("__dict__");
 const Name kCenv("_cenv"), kCmodel("_cmodel");
 
@@ -46,7 +44,7 @@ py::object text_from(const Source& source, py::handle object) {
 py::object text_for(py::handle argument) {
     if (PyUnicode_Check(argument.ptr())) return borrow(argument);
     for (const Source& source : kSources) {
-        const py::object type = borrow(PyDict_GetItemString(module_dict, source.type));
+        const py::object type = module_class(source.type);
         if (type && checked(PyObject_IsInstance(argument.ptr(), type.ptr()))) return text_from(source, argument);
     }
     return {};
@@ -132,18 +130,7 @@ void raise_zelvan(int code, py::handle text_or_object) {
 
 void raise_zelvan(int code, const char* text) { raise_zelvan(code, to_str(text)); }
 
-void raise(PyObject* type, const char* text) {
-    PyErr_SetString(type, text);
-    throw PythonError{};
-}
-
-void raise(PyObject* type, py::handle text) {
-    PyErr_SetObject(type, text.ptr());
-    throw PythonError{};
-}
-
 void init_exception(py::module_& module) {
-    module_dict = borrow(PyModule_GetDict(module.ptr())).release().ptr();
     ZelvanError = reinterpret_cast<PyObject*>(make_type(module, spec, PyExc_Exception));
 }
 

@@ -1,6 +1,6 @@
 #pragma once
 
-#include "pybase.h"
+#include "extern.h"
 
 namespace zelvanpy {
 
@@ -15,10 +15,5 @@ extern PyObject* ZelvanError;  // the exception class
 inline void check(int code, py::handle object) {
     if (code) raise_zelvan(code, object);
 }
-// Raises the Python exception `type` with a text.
-[[noreturn]] void raise(PyObject* type, const char* text);
-[[noreturn]] void raise(PyObject* type, py::handle text);
-
-void init_exception(py::module_& module);
 
 }  // namespace zelvanpy

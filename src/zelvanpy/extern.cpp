@@ -3,11 +3,11 @@
 #include <climits>
 #include <cstring>
 
-#include "exception.h"
-
 namespace zelvanpy {
 
 namespace {
+
+PyObject* module_dict;  // owned: the module may be deleted and imported again
 
 // Capsules of freed objects point here: a capsule can't hold null.
 char freed_sentinel;
@@ -144,6 +144,8 @@ int to_int(py::handle value, const char* what) {
     return static_cast<int>(wide);
 }
 
+py::object module_class(const char* name) { return borrow(PyDict_GetItemString(module_dict, name)); }
+
 py::object error_message(py::handle object) {
     if (py::object cmodel = find_attribute(object, kCmodel))
         return message_to_str(ZVNgetmerrormsg(model_pointer(cmodel)));
@@ -193,6 +195,9 @@ PyMethodDef functions[] = {
 
 }  // namespace
 
-void init_extern(py::module_& module) { checked(PyModule_AddFunctions(module.ptr(), functions)); }
+void init_extern(py::module_& module) {
+    module_dict = borrow(PyModule_GetDict(module.ptr())).release().ptr();
+    checked(PyModule_AddFunctions(module.ptr(), functions));
+}
 
 }  // namespace zelvanpy

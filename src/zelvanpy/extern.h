@@ -4,6 +4,7 @@
 #include <string>
 
 #include "pynames.h"
+#include "zelvan100.h"
 
 namespace zelvanpy {
 
@@ -56,9 +57,10 @@ int to_int(py::handle value, const char* what);
 // The attribute, or an empty object where there is none (AttributeError).
 py::object find_attribute(py::handle object, const Name& name);
 
+// A class of the module by its name, for units below its own; empty where there is none (yet).
+py::object module_class(const char* name);
+
 // The library's latest message for an object with _cmodel or _cenv, otherwise "".
 py::object error_message(py::handle object);
-
-void init_extern(py::module_& module);
 
 }  // namespace zelvanpy

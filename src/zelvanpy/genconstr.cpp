@@ -1,6 +1,6 @@
 // `GenConstr`: the handle of a general constraint, which has no name and shows its number.
 
-#include "handle_kind.h"
+#include "handle_type.h"
 
 namespace zelvanpy {
 

@@ -1,8 +1,8 @@
 #pragma once
-// The five kinds of handle: capsule of the model and an index that also tells the state.
+// The five kinds of handle: capsule of the model and an index that also tells the state. What differs between the
+// kinds is one row for each.
 
 #include "extern.h"
-#include "pybase.h"
 
 namespace zelvanpy {
 
@@ -31,21 +31,33 @@ inline bool is_constr(py::handle h) {
 }
 inline Handle* as_handle(py::handle h) { return reinterpret_cast<Handle*>(h.ptr()); }
 
+// What a Model begins with, which is all that handles and attributes need of it.
+struct ModelHead {
+    PyObject_HEAD PyObject* cmodel;  // capsule or None
+};
+extern PyTypeObject* Model_Type;
+inline bool is_model(py::handle h) { return PyObject_TypeCheck(h.ptr(), Model_Type); }
+
+struct HandleKind {
+    PyTypeObject** type;
+    Kind kind;
+    const char* full_name;    // "zelvanpy.Var"
+    const char* name;         // "Var"
+    const char* index_field;  // "_colno"; without "_" the keyword of the constructor
+    const char* count_attr;   // "NumVars"
+    const char* doc;
+};
+
+// Rows in the order of `Kind`, which starts at 1.
+extern const HandleKind handle_kinds[5];
+inline const HandleKind& handle_kind(Kind kind) { return handle_kinds[static_cast<int>(kind) - 1]; }
+// The row of an object; null when it is no handle.
+const HandleKind* find_handle_kind(PyObject* object);
+
+// Number of objects of the kind in the library's model; 0 when there is no model any more.
+int library_count(const Handle& handle, Kind kind);
+
 // A new reference to a handle of the type; throws PythonError.
 PyObject* new_handle(PyTypeObject* type, PyObject* cmodel, int index);
-
-// What a Var shows in expressions: name and flags as _safename() gives them.
-struct SafeName {
-    py::object text;
-    bool pending, removed;
-};
-SafeName safe_name(Handle* var);
-
-// Operator and comparison slots of Var and the methods that go with them (var_arith.cpp), put into its type by
-// var.cpp.
-extern PyType_Slot var_operator_slots[];
-extern const int num_var_operator_slots;
-extern PyMethodDef var_operator_methods[];
-extern const int num_var_operator_methods;
 
 }  // namespace zelvanpy

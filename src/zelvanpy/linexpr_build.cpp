@@ -5,8 +5,8 @@
 #include <cmath>
 
 #include "exception.h"
-#include "linexpr_memory.h"
 #include "operand.h"
+#include "pynumber.h"
 
 namespace zelvanpy {
 
@@ -56,21 +56,21 @@ bool is_older_block(LinExpr* e, LinExpr* of) {
 }
 
 void copy_into(LinExpr* e, LinExpr* source) {
-    TermBuffer buffer;
+    TermBuffer<Term> buffer;
     if (is_older_block(e, source)) {  // its chain would lead back to itself
         const py::object flat = owned(linexpr_copy(source));
         linexpr_flatten(as_linexpr(flat));
         return copy_into(e, as_linexpr(flat));
     }
     buffer.terms().reserve(source->size);
-    for (std::uint32_t i = 0; i < source->size; ++i) buffer.append(source->terms[i].coeff, source->terms[i].var);
+    for (std::uint32_t i = 0; i < source->size; ++i) buffer.append(source->terms[i]);
     swap_terms(e, buffer);
     e->constant = source->constant;
     set_tail(e, source->tail);
 }
 
 void init_empty(LinExpr* e) {
-    TermBuffer nothing;
+    TermBuffer<Term> nothing;
     swap_terms(e, nothing);
     e->constant = 0.0;
 }
@@ -85,12 +85,12 @@ void init_from_two_lists(LinExpr* e, py::handle coeffs, py::handle vars) {
         finite &= std::isfinite(values.back());
     });
     if (!finite) raise_invalid("Coefficient is Nan or Inf");
-    TermBuffer buffer;
+    TermBuffer<Term> buffer;
     buffer.terms().reserve(values.size());
     for_each(vars, [&](const py::object& var) {
         if (!is_var(var)) raise_invalid("Second argument should be a list of Var");
         if (buffer.terms().size() == values.size()) raise_invalid("Linear expression arguments of different length");
-        buffer.append(values[buffer.terms().size()], as_handle(var));
+        buffer.append({values[buffer.terms().size()], as_handle(var)});
     });
     if (buffer.terms().size() != values.size()) raise_invalid("Linear expression arguments of different length");
     swap_terms(e, buffer);
@@ -182,8 +182,16 @@ void linexpr_add_terms(LinExpr* e, py::handle coeffs, py::handle vars) {
     for (Py_ssize_t i = 0; i < size; ++i)
         if (!is_var(PyList_GET_ITEM(var_list.ptr(), i))) raise_invalid("Second argument should be a list of Var");
     const std::vector<double> values = checked_coefficients(coeff_list);
-    linexpr_reserve(e, e->size + values.size());
+    reserve_terms(e, e->size + values.size());
     for (Py_ssize_t i = 0; i < size; ++i) linexpr_append(e, values[i], as_handle(PyList_GET_ITEM(var_list.ptr(), i)));
+}
+
+py::object simple_expr(py::handle arg) {
+    double value;
+    if (classify(arg, value) == Operand::kForeign) raise_zelvan(-1, "Unable to convert argument to an expression");
+    py::object e = owned(linexpr_from(arg));
+    linexpr_normalize(as_linexpr(e));
+    return e;
 }
 
 }  // namespace zelvanpy

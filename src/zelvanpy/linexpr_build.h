@@ -1,10 +1,16 @@
 #pragma once
-// The forms of the constructor and of addTerms(), for the methods of LinExpr.
+// How linear expressions take in anything: the forms of the constructor, of add() and addTerms().
 
 #include "linexpr.h"
 
 namespace zelvanpy {
 
+// LinExpr(arg) for any argument of the constructor, with its tests and texts.
+LinExpr* linexpr_from(py::handle arg);
+// e.add(arg, mult): Var, LinExpr or scalar, with all tests and texts of the method.
+void linexpr_add_any(LinExpr* e, py::handle arg, double mult);
+// Any scalar expression as a normalised private copy.
+py::object simple_expr(py::handle arg);
 // e.__init__(arg), where arg2 is None.
 void linexpr_init(LinExpr* e, py::handle arg);
 // e.__init__(coeffs, vars)

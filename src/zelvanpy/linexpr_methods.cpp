@@ -6,12 +6,15 @@
 #include <vector>
 
 #include "exception.h"
+#include "linexpr.h"
 #include "linexpr_build.h"
-#include "linexpr_memory.h"
+#include "linexpr_ops.h"
 #include "linexpr_value.h"
 #include "operand.h"
 #include "pyargs.h"
+#include "pynumber.h"
 #include "pytype.h"
+#include "var.h"
 
 namespace zelvanpy {
 
@@ -104,10 +107,10 @@ bool is_same(Handle* var, Handle* other) {
 
 // Terms are copied before any is looked at: sameAs() may be a subclass's own and change the expression.
 void remove_var(LinExpr& self, Handle* var) {
-    TermBuffer all, kept;
-    for (std::uint32_t i = 0; i < self.size; ++i) all.append(self.terms[i].coeff, self.terms[i].var);
+    TermBuffer<Term> all, kept;
+    for (std::uint32_t i = 0; i < self.size; ++i) all.append(self.terms[i]);
     for (const Term& term : all.terms())
-        if (!is_same(term.var, var)) kept.append(term.coeff, term.var);
+        if (!is_same(term.var, var)) kept.append(term);
     swap_terms(&self, kept);
 }
 
@@ -240,14 +243,14 @@ py::object LinExpr_reduce(LinExpr& self) {
 [[noreturn]] void raise_bad_pickle() { raise(PyExc_ValueError, "not the pickled state of a LinExpr"); }
 
 // Terms from parallel lists of floats and variables.
-void read_state_terms(TermBuffer& buffer, py::handle coeffs, py::handle vars) {
+void read_state_terms(TermBuffer<Term>& buffer, py::handle coeffs, py::handle vars) {
     if (!PyList_CheckExact(coeffs.ptr()) || !PyList_CheckExact(vars.ptr()) ||
         PyList_GET_SIZE(coeffs.ptr()) != PyList_GET_SIZE(vars.ptr()))
         raise_bad_pickle();
     for (Py_ssize_t i = 0; i < PyList_GET_SIZE(coeffs.ptr()); ++i) {
         const py::handle coeff = PyList_GET_ITEM(coeffs.ptr(), i), var = PyList_GET_ITEM(vars.ptr(), i);
         if (!PyFloat_CheckExact(coeff.ptr()) || !is_var(var)) raise_bad_pickle();
-        buffer.append(PyFloat_AS_DOUBLE(coeff.ptr()), as_handle(var));
+        buffer.append({PyFloat_AS_DOUBLE(coeff.ptr()), as_handle(var)});
     }
 }
 
@@ -263,19 +266,13 @@ PyObject* restore_linexpr(py::handle, py::handle args) {
     double constant;
     if (!PyArg_ParseTuple(state, "OdOO", &coeffs, &constant, &tail, &vars)) throw PythonError{};
     if (tail != Py_None && !is_linexpr(tail)) raise_bad_pickle();
-    TermBuffer buffer;
+    TermBuffer<Term> buffer;
     read_state_terms(buffer, coeffs, vars);
     py::object e = owned(allocate_linexpr(reinterpret_cast<PyTypeObject*>(type)));
     swap_terms(as_linexpr(e), buffer);
     as_linexpr(e)->constant = constant;
     set_tail(as_linexpr(e), tail == Py_None ? nullptr : as_linexpr(tail));
     return e.release().ptr();
-}
-
-py::object quicksum_function(py::handle, Args args) {
-    static const Signature<1> kQuicksum{"quicksum", 1, {Name("list")}};
-    const auto [list] = kQuicksum.parse(args);
-    return quicksum(list);
 }
 
 py::object simpleexpr_function(py::handle, Args args) {
@@ -345,11 +342,6 @@ const char kDoc[] =
     "Terms of equal variables are not merged. `==`, `<=` and `>=` build a constraint.";
 
 PyMethodDef functions[] = {
-    {"quicksum", method<quicksum_function>, kKeywords,
-     "quicksum(list)\n--\n\n"
-     "Sum of an iterable of variables, expressions and numbers, faster than sum(): all terms go into one "
-     "expression.\n\n"
-     "quicksum(c[i] * x[i] for i in range(n))"},
     {"__simpleexpr", method<simpleexpr_function>, kKeywords,
      "__simpleexpr($module, arg)\n--\n\n"
      "A normalised copy (LinExpr) of a number, variable or expression. Raises ZelvanError for anything else."},
@@ -381,7 +373,7 @@ void make_linexpr_type(py::module_& module) {
 
 }  // namespace
 
-void init_linexpr(py::module_& module) {
+void init_linexpr_methods(py::module_& module) {
     make_linexpr_type(module);
     register_linexpr_memory();
     prefer_to_numpy_scalars(LinExpr_Type);

@@ -1,8 +1,11 @@
-// Operators and comparisons of linear expressions. Operands come in source order: either may be the LinExpr.
+#include "linexpr_ops.h"
+
+#include <cmath>
 
 #include "exception.h"
-#include "linexpr_memory.h"
+#include "linexpr_build.h"
 #include "operand.h"
+#include "pynumber.h"
 #include "tempconstr.h"
 
 namespace zelvanpy {

@@ -7,9 +7,8 @@
 #include <limits>
 #include <vector>
 
-#include "extern.h"
-#include "operand.h"
 #include "pynames.h"
+#include "pynumber.h"
 
 namespace zelvanpy {
 

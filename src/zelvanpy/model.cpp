@@ -1,5 +1,5 @@
 // `Model`: construction, disposal, attribute syntax and the type. The lists of handles are in
-// model_lists.cpp, files and log in model_spine.cpp.
+// model_lists.cpp, files and log in model_files.cpp.
 
 #include "model.h"
 
@@ -14,8 +14,6 @@
 #include "pytype.h"
 
 namespace zelvanpy {
-
-PyTypeObject* Model_Type;
 
 void raise_freed() { raise_zelvan(0, "Model has already been freed"); }
 
@@ -233,8 +231,16 @@ PyGetSetDef properties[] = {
     {},
 };
 
-PyMethodDef* const method_tables[] = {life_methods,        model_list_methods,  model_spine_methods, model_attr_methods,
-                                      model_param_methods, model_solve_methods, model_build_methods};
+PyMethodDef* const method_tables[] = {life_methods,
+                                      model_update_methods,
+                                      model_list_methods,
+                                      model_file_methods,
+                                      model_attr_methods,
+                                      model_param_methods,
+                                      model_solve_methods,
+                                      model_build_var_methods,
+                                      model_build_constr_methods,
+                                      model_build_objective_methods};
 
 PyMethodDef* join_method_tables() {
     static std::vector<PyMethodDef> joined;

@@ -2,8 +2,9 @@
 // `Model`: one library model and the lists of its handles. model.cpp is the spine, the other model_*.cpp
 // add methods.
 
+#include <cstddef>
+
 #include "handle.h"
-#include "pybase.h"
 
 namespace zelvanpy {
 
@@ -28,9 +29,8 @@ struct Model {
     bool solving;  // the library works on the model without the interpreter lock
 };
 
-extern PyTypeObject* Model_Type;
+static_assert(offsetof(Model, cmodel) == offsetof(ModelHead, cmodel));
 
-inline bool is_model(py::handle h) { return PyObject_TypeCheck(h.ptr(), Model_Type); }
 inline ZVNmodel* model_pointer(const Model& model) { return model_pointer(py::handle(model.cmodel)); }
 inline PyObject* as_object(Model& model) { return reinterpret_cast<PyObject*>(&model); }
 
@@ -50,8 +50,6 @@ py::object new_member(const Model& model, PyTypeObject* type);
 void require_member(const Model& model, py::handle member);
 // Calls an own method by name, so that one of a subclass counts.
 py::object call_own(Model& model, const char* name, py::handle argument);
-// The first file that a pattern with * or ? matches, a name without them as it is; empty when no file matches.
-py::object matching_file(py::handle filename);
 // Writes a line to the model's log.
 void model_message(Model& model, py::handle message);
 // Builds the lists if they are not there yet.
@@ -64,13 +62,14 @@ int model_update_mode(Model& model);
 inline bool model_owns(const Model& model, const Handle* handle) { return handle->cmodel == model.cmodel; }
 
 // Methods by unit, each ended by an empty entry; model.cpp joins them into one table.
+extern PyMethodDef model_update_methods[];
 extern PyMethodDef model_list_methods[];
-extern PyMethodDef model_spine_methods[];
+extern PyMethodDef model_file_methods[];
 extern PyMethodDef model_attr_methods[];
 extern PyMethodDef model_param_methods[];
 extern PyMethodDef model_solve_methods[];
-extern PyMethodDef model_build_methods[];
-
-void init_model(py::module_& module);
+extern PyMethodDef model_build_var_methods[];
+extern PyMethodDef model_build_constr_methods[];
+extern PyMethodDef model_build_objective_methods[];
 
 }  // namespace zelvanpy

@@ -1,5 +1,6 @@
 // `Model`: getAttr, setAttr and what belongs to them.
 
+#include "attr_lists.h"
 #include "attrutil.h"
 #include "exception.h"
 #include "model.h"
@@ -147,7 +148,7 @@ struct BulkWrite {
 
 bool is_single_value(py::handle value) { return PyUnicode_Check(value.ptr()) || is_scalar(value); }
 
-bool is_iterable(PyObject* object) { return Py_TYPE(object)->tp_iter != nullptr; }
+bool has_iterator(PyObject* object) { return Py_TYPE(object)->tp_iter != nullptr; }
 
 BulkWrite write_by_key(const Attribute& attribute, PyObject* dict, py::handle values) {
     const Pairs pairs(dict);
@@ -156,7 +157,7 @@ BulkWrite write_by_key(const Attribute& attribute, PyObject* dict, py::handle va
     write.broadcast = is_single_value(values);
     if (write.broadcast) {
         write.values = borrow(values);
-    } else if (PyDict_Check(values.ptr()) || is_iterable(values.ptr())) {
+    } else if (PyDict_Check(values.ptr()) || has_iterator(values.ptr())) {
         write.values = steal(PyList_New(num));
         for (Py_ssize_t i = 0; i < num; ++i) {
             py::object value = steal(PyObject_GetItem(values.ptr(), PyList_GET_ITEM(pairs.keys.ptr(), i)));

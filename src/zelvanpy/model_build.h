@@ -55,31 +55,4 @@ void append_terms(const Model& model, const LinExpr* expr, double mult, LibraryT
 void append_var(const Model& model, const Handle* var, double mult, LibraryTerms& buffer);
 // The expression itself when it is flat, otherwise a flattened copy.
 py::object flat_copy(py::handle expr);
-// The keys of a generator expression, from its loop variables.
-class GeneratorKey {
-public:
-    // Raises KeyError for an object that is no running generator and where the loop variables can't be told.
-    explicit GeneratorKey(py::handle generator);
-    // The key of the iteration that the generator has just yielded.
-    py::object current() const;
-
-private:
-    py::object frame_;
-    py::object names_;  // tuple of str
-};
-
-// Parts of the method table of Model, by unit.
-py::object Model_addVar(Model& self, Args args);
-py::object Model_addVars(Model& self, Args args);
-py::object Model_addConstr(Model& self, Args args);
-py::object Model_addLConstr(Model& self, Args args);
-py::object Model_addRange(Model& self, Args args);
-py::object Model_addConstrs(Model& self, Args args);
-py::object Model_addQConstr(Model& self, Args args);
-void Model_setObjective(Model& self, Args args);
-void Model_setObjectiveN(Model& self, Args args);
-py::object Model_getObjective(Model& self, Args args);
-void Model_setPWLObj(Model& self, Args args);
-py::object Model_getPWLObj(Model& self, Args args);
-
 }  // namespace zelvanpy

@@ -5,7 +5,10 @@
 #include <optional>
 
 #include "exception.h"
+#include "linexpr.h"
+#include "model.h"
 #include "model_build.h"
+#include "model_build_key.h"
 #include "model_build_names.h"
 #include "pyargs.h"
 #include "tempconstr.h"
@@ -303,8 +306,6 @@ py::object add_constr(Model& self, PyObject* lhs, PyObject* sense, PyObject* rhs
     return add_row(self, expr, {}, name, sense ? sense : Py_None);
 }
 
-}  // namespace
-
 py::object Model_addConstr(Model& self, Args args) {
     const auto [lhs, sense, rhs, name] = kAddConstr.parse(args);
     return add_constr(self, lhs, sense, rhs, name);
@@ -345,8 +346,6 @@ py::object Model_addRange(Model& self, Args args) {
     return add_range(self, expr, lower, upper, name);
 }
 
-namespace {
-
 // The name of the row with this key, by the `name` argument of addConstrs.
 class RowNames {
 public:
@@ -375,8 +374,6 @@ py::object add_one_of_many(Model& self, const py::object& constr, const py::obje
     return py::handle(as_object(self)).attr("addConstr")(constr, py::arg("name") = name);
 }
 
-}  // namespace
-
 py::object Model_addConstrs(Model& self, Args args) {
     const auto [constrs, name] = kAddConstrs.parse(args);
     const GeneratorKey key(constrs);
@@ -391,5 +388,38 @@ py::object Model_addConstrs(Model& self, Args args) {
     if (PyErr_Occurred()) throw PythonError{};
     return result;
 }
+
+}  // namespace
+
+PyMethodDef model_build_constr_methods[] = {
+    {"addConstr", method<Model_addConstr>, kKeywords,
+     "addConstr($self, lhs, sense=None, rhs=None, name='')\n--\n\n"
+     "Add one constraint and return its handle.\n\n"
+     "lhs: a comparison of expressions (x + y <= 1), a range (x + y == [1, 2]), or a bool (True is a row that\n"
+     "holds, False one that doesn't). The name may stand in second place: addConstr(x <= 1, 'c').\n"
+     "With lhs an expression, sense and rhs given, the form is deprecated in favour of addLConstr.\n"
+     "Raises ZelvanError with ZVN.ERROR_NOT_IN_MODEL for a variable of another model or without index."},
+    {"addLConstr", method<Model_addLConstr>, kKeywords,
+     "addLConstr($self, lhs, sense=None, rhs=None, name='')\n--\n\n"
+     "Add one linear constraint and return its Constr: addLConstr(x + y <= 1, 'c') or\n"
+     "addLConstr(x + y, ZVN.LESS_EQUAL, 1, 'c'). The fastest way to add a row.\n\n"
+     "Raises ZelvanError for anything that is not linear and for variables the library doesn't know."},
+    {"addRange", method<Model_addRange>, kKeywords,
+     "addRange($self, expr, lower, upper, name='')\n--\n\n"
+     "Add the constraint lower <= expr <= upper and return its Constr. Sides beyond +-1e25 count as infinite.\n\n"
+     "Under UpdateMode 1 a row with two finite sides gets a helper variable, which the next update() appends\n"
+     "behind the other new variables; under UpdateMode 0 it is kept as one two-sided row."},
+    {"addConstrs", method<Model_addConstrs>, kKeywords,
+     "addConstrs($self, constrs, name='')\n--\n\n"
+     "Add the constraints of a generator expression and return a tupledict from its loop variables to handles.\n\n"
+     "name: a base name that is completed by the key ('c[1,2]'), a dict by key, or '_' for the key itself.\n"
+     "Raises KeyError when `constrs` is no generator or its loop variables can't be determined.\n\n"
+     "    m.addConstrs((x[i] + y[j] <= 1 for i in I for j in J), name='c')"},
+    {"addQConstr", method<Model_addQConstr>, kKeywords,
+     "addQConstr($self, lhs, sense=None, rhs=None, name='')\n--\n\n"
+     "Add one constraint from a comparison, or from lhs, sense and rhs, and return its handle; a linear one\n"
+     "becomes a Constr."},
+    {},
+};
 
 }  // namespace zelvanpy

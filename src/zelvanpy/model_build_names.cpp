@@ -3,8 +3,6 @@
 #include <charconv>
 #include <cstring>
 
-#include "exception.h"
-
 namespace zelvanpy {
 
 namespace {

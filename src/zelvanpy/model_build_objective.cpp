@@ -3,6 +3,9 @@
 #include <vector>
 
 #include "exception.h"
+#include "linexpr.h"
+#include "linexpr_build.h"
+#include "model.h"
 #include "model_build.h"
 #include "pyargs.h"
 
@@ -43,8 +46,6 @@ const Signature<1> kGetObjective{"getObjective", 0, {Name("index")}};
 const Signature<3> kSetPWLObj{"setPWLObj", 3, {Name("var"), Name("x"), Name("y")}};
 const Signature<1> kGetPWLObj{"getPWLObj", 1, {Name("var")}};
 
-}  // namespace
-
 void Model_setObjective(Model& self, Args args) {
     const auto [expr, sense] = kSetObjective.parse(args);
     model_setup(self);
@@ -77,8 +78,6 @@ void Model_setObjectiveN(Model& self, Args args) {
           as_object(self));
 }
 
-namespace {
-
 // Sets the expression, new, to the constant + the non-zero coefficients, in column order.
 void read_objective(Model& self, const char* constant, const char* coefficients, LinExpr* expr) {
     ZVNmodel* model = model_pointer(self);
@@ -106,8 +105,6 @@ private:
     ZVNenv* env_;
     int before_ = 0;
 };
-
-}  // namespace
 
 py::object Model_getObjective(Model& self, Args args) {
     const auto [index] = kGetObjective.parse(args);
@@ -160,5 +157,31 @@ py::object Model_getPWLObj(Model& self, Args args) {
         PyList_SET_ITEM(points.ptr(), i, steal(Py_BuildValue("(dd)", x[i], y[i])).release().ptr());
     return points;
 }
+
+}  // namespace
+
+PyMethodDef model_build_objective_methods[] = {
+    {"setObjective", method<Model_setObjective>, kKeywords,
+     "setObjective($self, expr, sense=None)\n--\n\n"
+     "Replace the objective by an expression. sense: ZVN.MINIMIZE, ZVN.MAXIMIZE, or None to leave ModelSense.\n\n"
+     "Raises ZelvanError with ZVN.ERROR_NOT_IN_MODEL for a variable of another model or without index."},
+    {"setObjectiveN", method<Model_setObjectiveN>, kKeywords,
+     "setObjectiveN($self, expr, index, priority=0, weight=1.0, abstol=1e-6, reltol=0.0, name='')\n--\n\n"
+     "Set objective number `index` of a model with several objectives, which are optimized by falling priority;\n"
+     "objectives of equal priority are added up by weight. abstol, reltol: how far a lower priority may worsen it."},
+    {"getObjective", method<Model_getObjective>, kKeywords,
+     "getObjective($self, index=None)\n--\n\n"
+     "The objective as of the last update, or objective number `index`, as an expression with one term for each\n"
+     "variable of non-zero coefficient."},
+    {"setPWLObj", method<Model_setPWLObj>, kKeywords,
+     "setPWLObj($self, var, x, y)\n--\n\n"
+     "Set a piecewise-linear objective term for a variable: the function through the points (x[i], y[i]), its\n"
+     "first and last pieces continued. x must not decrease; two points of equal x make a jump.\n"
+     "Raises ZelvanError for sequences of different length and points that the library refuses."},
+    {"getPWLObj", method<Model_getPWLObj>, kKeywords,
+     "getPWLObj($self, var)\n--\n\n"
+     "The points of a variable's piecewise-linear objective term as list of (x, y) tuples; [] when it has none."},
+    {},
+};
 
 }  // namespace zelvanpy

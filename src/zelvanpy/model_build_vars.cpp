@@ -3,11 +3,12 @@
 #include <vector>
 
 #include "exception.h"
+#include "model.h"
 #include "model_build.h"
 #include "model_build_names.h"
-#include "operand.h"
 #include "pyargs.h"
 #include "pycontainer.h"
+#include "pynumber.h"
 #include "tupledict.h"
 
 namespace zelvanpy {
@@ -308,8 +309,6 @@ void collect_names(PyObject* name, PyObject* keys, NameBuffer& names) {
     for (Py_ssize_t i = 0; i < count; ++i) names.add(borrow(entry(values, i)));
 }
 
-}  // namespace
-
 py::object Model_addVar(Model& self, Args args) {
     const auto [lb, ub, obj, vtype, name, column] = kAddVar.parse(args);
     model_setup(self);
@@ -371,5 +370,28 @@ py::object Model_addVars(Model& self, Args args) {
     tupledict_setord(as_tupledict(result), keys);
     return result;
 }
+
+}  // namespace
+
+PyMethodDef model_build_var_methods[] = {
+    {"addVar", method<Model_addVar>, kKeywords,
+     "addVar($self, lb=0.0, ub=1e100, obj=0.0, vtype='C', name='', column=None)\n--\n\n"
+     "Add one variable and return its Var.\n\n"
+     "lb, ub: bounds; magnitudes of 1e20 and above are infinite. obj: objective coefficient. vtype: one of\n"
+     "ZVN.CONTINUOUS, BINARY, INTEGER, SEMICONT, SEMIINT. name: at most 255 bytes; '' gives a default name.\n"
+     "column: a Column with the coefficients of the variable in existing constraints; it is normalised.\n"
+     "The variable is part of the model from the next update() on. Raises ZelvanError when the library refuses\n"
+     "a value, and with ZVN.ERROR_NOT_IN_MODEL for a constraint without index."},
+    {"addVars", method<Model_addVars>, kKeywords,
+     "addVars($self, *indexes, lb=0.0, ub=1e100, obj=0.0, vtype='C', name='')\n--\n\n"
+     "Add one variable for each key of an index set and return a tupledict from key to Var.\n\n"
+     "indexes: each an int n (for range(n)) or an iterable; several make their cross product, with tuple keys.\n"
+     "lb, ub, obj, vtype, name: one value for all, a dict by key, or a list (nested lists and arrays are\n"
+     "flattened in row order). A single name is completed by the key: 'x[1,2]'.\n"
+     "Raises KeyError for duplicate keys (the variables stay in the model), TypeError for unknown keywords.\n\n"
+     "    x = m.addVars(3, 4, vtype=ZVN.BINARY, name='x')\n"
+     "    m.addConstrs(x.sum(i, '*') == 1 for i in range(3))"},
+    {},
+};
 
 }  // namespace zelvanpy

@@ -1,9 +1,11 @@
 // `Model`: parameters. They live in the model's own environment.
 
+#include "env.h"
 #include "exception.h"
 #include "model.h"
 #include "param.h"
 #include "pyargs.h"
+#include "zelvan.h"
 
 namespace zelvanpy {
 

@@ -1,9 +1,7 @@
 // multidict: one dict of value lists to a key list and a tupledict for each position.
 
-#include "exception.h"
 #include "pyargs.h"
 #include "tupledict.h"
-#include "tuplelist.h"
 
 namespace zelvanpy {
 

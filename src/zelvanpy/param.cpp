@@ -4,9 +4,9 @@
 #include <vector>
 
 #include "exception.h"
-#include "model.h"
 #include "pyargs.h"
 #include "pytype.h"
+#include "zelvan.h"
 
 namespace zelvanpy {
 
@@ -15,7 +15,7 @@ namespace {
 constexpr int kInt = 1, kDouble = 2, kString = 3;  // the library's parameter types
 constexpr unsigned kSilent = 16, kOpaque = 32;
 
-const Name kUpper("upper"), kFnmatch("fnmatch");
+const Name kUpper("upper"), kEnv("_env");
 
 py::object upper(py::handle text) { return steal(PyObject_CallMethodObjArgs(text.ptr(), kUpper.get(), nullptr)); }
 
@@ -116,8 +116,8 @@ template <class Body>
 void for_main_models(Body body) {
     const py::object models = main_models();
     for (Py_ssize_t i = 0; i < PyList_GET_SIZE(models.ptr()); ++i) {
-        const auto* model = reinterpret_cast<Model*>(PyTuple_GET_ITEM(PyList_GET_ITEM(models.ptr(), i), 1));
-        const py::object env = borrow(model->env);
+        PyObject* const model = PyTuple_GET_ITEM(PyList_GET_ITEM(models.ptr(), i), 1);
+        const py::object env = steal(PyObject_GetAttr(model, kEnv.get()));
         if (is_env(env)) body(*reinterpret_cast<Env*>(env.ptr()));
     }
 }

@@ -26,6 +26,4 @@ py::object param_changes(Env& env);
 // ParamClass(env)
 py::object new_params(py::handle env);
 
-void init_param(py::module_& module);
-
 }  // namespace zelvanpy

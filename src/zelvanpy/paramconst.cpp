@@ -4,8 +4,6 @@
 
 namespace zelvanpy {
 
-PyTypeObject* ParamConst_Type;
-
 namespace {
 
 constexpr const char* kRefusal = "Modifying Zelvan parameter constant not allowed";

@@ -3,8 +3,11 @@
 #include <string>
 
 #include "constclass.h"
+#include "env.h"
+#include "exception.h"
 #include "param.h"
 #include "pyargs.h"
+#include "zelvan.h"
 
 namespace zelvanpy {
 

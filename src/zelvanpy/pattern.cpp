@@ -1,9 +1,5 @@
 #include "pattern.h"
 
-#include "exception.h"
-#include "pycontainer.h"
-#include "tuplelist.h"
-
 namespace zelvanpy {
 
 namespace {
@@ -126,14 +122,14 @@ std::uint32_t KeyIndex::find(bool scalar, PyObject* const* vals) const {
     return fields.size() == width_ ? group_of(fields.data(), hash(fields.data())) : kNone;
 }
 
-py::object KeyIndex::list_of(std::uint32_t group) {
+py::object KeyIndex::list_of(std::uint32_t group, py::object (*make)(py::object plain)) {
     if (lists_.empty()) lists_.resize(hashes_.size());
     if (!lists_[group]) {
         py::object plain = steal(PyList_New(end(group) - begin(group)));
         Py_ssize_t i = 0;
         for (const std::uint32_t* p = begin(group); p != end(group); ++p)
             PyList_SET_ITEM(plain.ptr(), i++, borrow((*members_)[*p]).release().ptr());
-        lists_[group] = new_tuplelist(std::move(plain));
+        lists_[group] = make(std::move(plain));
     }
     return lists_[group];
 }
@@ -151,14 +147,6 @@ int KeyIndex::traverse(visitproc visit, void* arg) const {
     for (const py::object& field : fields_) Py_VISIT(field.ptr());
     for (const py::object& list : lists_) Py_VISIT(list.ptr());
     return 0;
-}
-
-std::size_t Selection::size() const {
-    std::size_t size = 0;
-    for (const Part& part : parts)
-        size +=
-            part.list ? PyList_GET_SIZE(part.list.ptr()) : part.index->end(part.group) - part.index->begin(part.group);
-    return size;
 }
 
 }  // namespace zelvanpy

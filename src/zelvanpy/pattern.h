@@ -9,8 +9,6 @@
 
 namespace zelvanpy {
 
-struct TupleList;
-
 // The members of a list as they were when an index was built.
 using Members = std::vector<py::object>;
 
@@ -30,8 +28,8 @@ public:
     const std::vector<std::uint32_t>& order() const { return order_; }
     const std::uint32_t* begin(std::uint32_t group) const { return order_.data() + starts_[group]; }
     const std::uint32_t* end(std::uint32_t group) const { return order_.data() + starts_[group + 1]; }
-    // The tuplelist of a group, made when first asked for; the same object from then on.
-    py::object list_of(std::uint32_t group);
+    // The list of a group, made from a plain list when first asked for; the same object from then on.
+    py::object list_of(std::uint32_t group, py::object (*make)(py::object plain));
     // Whether a list that was given out still holds the group.
     bool is_intact(std::uint32_t group) const;
 
@@ -63,23 +61,5 @@ private:
     std::vector<std::uint32_t> starts_, order_;
     std::vector<py::object> lists_;  // empty until the first is asked for
 };
-
-// What a pattern selected: groups and whole lists, one after the other.
-struct Selection {
-    struct Part {
-        std::shared_ptr<KeyIndex> index;
-        std::uint32_t group;
-        py::object list;  // in place of index and group
-    };
-    std::vector<Part> parts;
-    bool expanded = false;  // a value of the pattern was a collection of alternatives
-
-    std::size_t size() const;
-};
-
-// The members of the list that match the pattern, by the rules of tuplelist.select.
-Selection select(TupleList& list, PyObject* const* vals, std::size_t num);
-// The same as one tuplelist: the list itself, the list of a group, or a new one.
-py::object selected_list(const Selection& selection);
 
 }  // namespace zelvanpy

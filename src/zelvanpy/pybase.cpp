@@ -17,6 +17,16 @@ namespace {
 
 }  // namespace
 
+void raise(PyObject* type, const char* text) {
+    PyErr_SetString(type, text);
+    throw PythonError{};
+}
+
+void raise(PyObject* type, py::handle text) {
+    PyErr_SetObject(type, text.ptr());
+    throw PythonError{};
+}
+
 void translate_exception() noexcept {
     try {
         throw;

@@ -10,8 +10,6 @@
 #include <type_traits>
 #include <utility>
 
-#include "zelvan100.h"
-
 namespace zelvanpy {
 
 namespace py = pybind11;
@@ -27,6 +25,9 @@ inline py::object steal(PyObject* result) {
 inline py::object borrow(py::handle h) { return py::reinterpret_borrow<py::object>(h); }
 inline py::object none() { return borrow(Py_None); }
 inline py::object boolean(bool value) { return borrow(value ? Py_True : Py_False); }
+// Raises the Python exception `type` with a text.
+[[noreturn]] void raise(PyObject* type, const char* text);
+[[noreturn]] void raise(PyObject* type, py::handle text);
 // Result of a C call that returns -1 with an exception set.
 template <class Int>
 Int checked(Int result) {

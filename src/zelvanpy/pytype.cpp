@@ -2,6 +2,8 @@
 
 #include <cstring>
 
+#include "pynames.h"
+
 namespace zelvanpy {
 
 namespace {
@@ -40,6 +42,25 @@ PyTypeObject* make_type(py::module_& module, PyType_Spec& spec, PyObject* bases)
     const char* dot = std::strrchr(spec.name, '.');
     module.add_object(dot ? dot + 1 : spec.name, type);
     return reinterpret_cast<PyTypeObject*>(type.release().ptr());
+}
+
+void inherit_operators(PyTypeObject* type, PyTypeObject* own) {
+    static const struct {
+        Name method, reflected;
+        binaryfunc PyNumberMethods::* slot;
+    } kOperators[] = {{Name("__add__"), Name("__radd__"), &PyNumberMethods::nb_add},
+                      {Name("__sub__"), Name("__rsub__"), &PyNumberMethods::nb_subtract},
+                      {Name("__mul__"), Name("__rmul__"), &PyNumberMethods::nb_multiply}};
+    const auto inherits = [&](const Name& name) {
+        return _PyType_Lookup(type, name.get()) == _PyType_Lookup(own, name.get());
+    };
+    for (const auto& op : kOperators)
+        if (inherits(op.method) && inherits(op.reflected)) type->tp_as_number->*op.slot = own->tp_as_number->*op.slot;
+}
+
+void prefer_to_numpy_scalars(PyTypeObject* type) {
+    const py::object priority = steal(PyFloat_FromDouble(-1.0));
+    checked(PyObject_SetAttrString(reinterpret_cast<PyObject*>(type), "__array_priority__", priority.ptr()));
 }
 
 }  // namespace zelvanpy

@@ -36,4 +36,13 @@ inline int visit_type([[maybe_unused]] PyObject* self, [[maybe_unused]] visitpro
     return 0;
 }
 
+// A subclass of `own` made in Python would find + by the methods __add__ and __radd__, and `x + s` with s of the
+// subclass would come out as `s + x`, because __radd__ is a method of its own. Unless the subclass has such methods
+// itself, it gets the operators of `own`.
+void inherit_operators(PyTypeObject* type, PyTypeObject* own);
+
+// numpy's scalars then leave `2.0 * x` and `1.0 <= x` to the operators of the class, while its arrays go on
+// cell by cell: their priority is 0, that of scalars -1000000.
+void prefer_to_numpy_scalars(PyTypeObject* type);
+
 }  // namespace zelvanpy

@@ -1,6 +1,6 @@
 // `QConstr`: what the handle of a quadratic constraint has besides the shared parts.
 
-#include "handle_kind.h"
+#include "handle_type.h"
 
 namespace zelvanpy {
 

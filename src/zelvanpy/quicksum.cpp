@@ -1,9 +1,7 @@
-// quicksum() and the conversion of any scalar expression.
+#include "quicksum.h"
 
-#include "exception.h"
-#include "linexpr_memory.h"
-#include "operand.h"
-#include "pynames.h"
+#include "linexpr.h"
+#include "pyargs.h"
 #include "tupledict.h"
 
 namespace zelvanpy {
@@ -32,7 +30,7 @@ bool take_term(py::handle result, const py::object& term) {
 }
 
 void sum_list(py::object& result, PyObject* list) {
-    linexpr_reserve(as_linexpr(result), PyList_GET_SIZE(list));
+    reserve_terms(as_linexpr(result), PyList_GET_SIZE(list));
     for (Py_ssize_t i = 0; i < PyList_GET_SIZE(list); ++i) {
         PyObject* term = PyList_GET_ITEM(list, i);
         if (i + kTermsAhead < PyList_GET_SIZE(list)) __builtin_prefetch(PyList_GET_ITEM(list, i + kTermsAhead), 1);
@@ -67,16 +65,29 @@ py::object quicksum(py::handle terms) {
         sum_list(result, terms.ptr());
     else
         sum_iterable(result, terms);
-    if (Py_TYPE(result.ptr()) == LinExpr_Type) linexpr_shrink(as_linexpr(result));
+    if (Py_TYPE(result.ptr()) == LinExpr_Type) shrink_terms(as_linexpr(result));
     return result;
 }
 
-py::object simple_expr(py::handle arg) {
-    double value;
-    if (classify(arg, value) == Operand::kForeign) raise_zelvan(-1, "Unable to convert argument to an expression");
-    py::object e = owned(linexpr_from(arg));
-    linexpr_normalize(as_linexpr(e));
-    return e;
+namespace {
+
+py::object quicksum_function(py::handle, Args args) {
+    static const Signature<1> kQuicksum{"quicksum", 1, {Name("list")}};
+    const auto [list] = kQuicksum.parse(args);
+    return quicksum(list);
 }
+
+PyMethodDef functions[] = {
+    {"quicksum", method<quicksum_function>, kKeywords,
+     "quicksum(list)\n--\n\n"
+     "Sum of an iterable of variables, expressions and numbers, faster than sum(): all terms go into one "
+     "expression.\n\n"
+     "quicksum(c[i] * x[i] for i in range(n))"},
+    {},
+};
+
+}  // namespace
+
+void init_quicksum(py::module_& module) { checked(PyModule_AddFunctions(module.ptr(), functions)); }
 
 }  // namespace zelvanpy

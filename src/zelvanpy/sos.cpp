@@ -1,6 +1,6 @@
 // `SOS`: the handle of a special ordered set, which has no name and shows its number.
 
-#include "handle_kind.h"
+#include "handle_type.h"
 
 namespace zelvanpy {
 

@@ -1,10 +1,8 @@
 // Class StatusConstClass: the values of the attribute Status.
 
-#include "constclass.h"
+#include "statusconst.h"
 
 namespace zelvanpy {
-
-PyTypeObject* StatusConst_Type;
 
 namespace {
 

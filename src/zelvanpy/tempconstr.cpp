@@ -5,7 +5,7 @@
 #include "exception.h"
 #include "extern.h"
 #include "pyargs.h"
-#include "pytype.h"
+#include "pyfreelist.h"
 
 namespace zelvanpy {
 
@@ -13,9 +13,7 @@ PyTypeObject* TempConstr_Type = nullptr;
 
 namespace {
 
-constexpr int kMaxFree = 64;
-TempConstr* free_list[kMaxFree];
-int num_free = 0;
+FreeList<TempConstr, 64> free_list;
 
 TempConstr* as_tempconstr(PyObject* object) { return reinterpret_cast<TempConstr*>(object); }
 PyObject* as_object(TempConstr& self) { return reinterpret_cast<PyObject*>(&self); }
@@ -30,20 +28,8 @@ bool must_wake(PyObject* object) {
 DormantClass dormant_class{nullptr, offsetof(TempConstr, link), must_wake};
 
 TempConstr* allocate(PyTypeObject* type) {
-    TempConstr* self;
-    if (type != TempConstr_Type) {
-        self = as_tempconstr(type->tp_alloc(type, 0));
-        if (!self) throw PythonError{};
-        return self;
-    }
-    if (num_free) {
-        self = free_list[--num_free];
-        revive(as_object(*self));
-    } else {
-        self = PyObject_GC_New(TempConstr, TempConstr_Type);
-        if (!self) throw PythonError{};
-        own_type(TempConstr_Type);
-    }
+    if (type != TempConstr_Type) return as_tempconstr(steal(type->tp_alloc(type, 0)).release().ptr());
+    TempConstr* self = free_list.take(TempConstr_Type);
     self->lhs = self->rhs = self->other_sense = nullptr;
     self->is_set = false;
     fall_asleep(dormant_class, self->link);
@@ -89,16 +75,10 @@ void TempConstr_init(TempConstr& self, PyObject* args, PyObject* kwargs) {
 }
 
 void give_back(TempConstr* self) {
-    PyTypeObject* type = Py_TYPE(as_object(*self));
     Py_XDECREF(self->lhs);
     Py_XDECREF(self->rhs);
     Py_XDECREF(self->other_sense);
-    if (type == TempConstr_Type && num_free < kMaxFree) {
-        free_list[num_free++] = self;
-        return;
-    }
-    type->tp_free(as_object(*self));
-    release_type(type, TempConstr_Type);
+    free_list.give(self, TempConstr_Type);
 }
 
 bool is_nested(const TempConstr* self) {

@@ -26,6 +26,4 @@ char sense_letter(const TempConstr& constr);
 // Takes over both references.
 PyObject* new_tempconstr(py::object lhs, char sense, py::object rhs);
 
-void init_tempconstr(py::module_& module);
-
 }  // namespace zelvanpy

@@ -52,6 +52,4 @@ py::object tupledict_itervalues(TupleDict& t);
 py::object tupledict_iteritems(TupleDict& t, Args args);
 void init_tupledict_iterator();
 
-void init_tupledict(py::module_& module);
-
 }  // namespace zelvanpy

@@ -1,5 +1,7 @@
 // Iterators over the keys, values or pairs of a tupledict.
 
+#include "pycontainer.h"
+#include "pytype.h"
 #include "tupledict.h"
 #include "tuplelist.h"
 

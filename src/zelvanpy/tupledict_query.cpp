@@ -2,8 +2,10 @@
 
 #include <cmath>
 
-#include "exception.h"
-#include "linexpr_memory.h"
+#include "linexpr.h"
+#include "pattern.h"
+#include "pycontainer.h"
+#include "quicksum.h"
 #include "tupledict.h"
 #include "tuplelist.h"
 
@@ -55,7 +57,7 @@ void load_values(TupleDict& t, KeyIndex& index) {
 
 template <class Visit>
 void visit_group(TupleDict& t, KeyIndex& index, std::uint32_t group, Visit& visit) {
-    if (!index.is_intact(group)) return visit_list(t, index.list_of(group), visit);
+    if (!index.is_intact(group)) return visit_list(t, group_list(index, group), visit);
     load_values(t, index);
     const std::size_t begin = index.begin(group) - index.order().data();
     const std::size_t end = index.end(group) - index.order().data();
@@ -188,13 +190,13 @@ public:
     }
 
     py::object result() && {
-        if (native_) linexpr_shrink(native_);
+        if (native_) shrink_terms(native_);
         return std::move(result_);
     }
 
 private:
     void append(double coeff, PyObject* var) {
-        if (native_->size == 0) linexpr_reserve(native_, expected_);
+        if (native_->size == 0) reserve_terms(native_, expected_);
         if (native_->size == native_->capacity) grow_linexpr(native_);
         append_term(native_, coeff, as_handle(var));
     }

@@ -2,9 +2,9 @@
 
 #include <algorithm>
 
-#include "exception.h"
 #include "pyargs.h"
 #include "pycontainer.h"
+#include "pytype.h"
 
 namespace zelvanpy {
 

@@ -45,6 +45,27 @@ void tuplelist_clean(TupleList& list);
 py::object tuplelist_wild(const TupleList& list);
 Derived& derived_of(TupleList& list);
 
-void init_tuplelist(py::module_& module);
+// Selection by patterns: tuplelist_select.cpp.
+
+// The tuplelist of a group, the same object each time.
+py::object group_list(KeyIndex& index, std::uint32_t group);
+
+// What a pattern selected: groups and whole lists, one after the other.
+struct Selection {
+    struct Part {
+        std::shared_ptr<KeyIndex> index;
+        std::uint32_t group;
+        py::object list;  // in place of index and group
+    };
+    std::vector<Part> parts;
+    bool expanded = false;  // a value of the pattern was a collection of alternatives
+
+    std::size_t size() const;
+};
+
+// The members of the list that match the pattern, by the rules of tuplelist.select.
+Selection select(TupleList& list, PyObject* const* vals, std::size_t num);
+// The same as one tuplelist: the list itself, the list of a group, or a new one.
+py::object selected_list(const Selection& selection);
 
 }  // namespace zelvanpy

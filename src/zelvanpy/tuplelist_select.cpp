@@ -2,6 +2,7 @@
 
 #include <algorithm>
 
+#include "pattern.h"
 #include "pycontainer.h"
 #include "tuplelist.h"
 
@@ -125,6 +126,18 @@ void match(TupleList& list, const std::vector<PyObject*>& vals, Selection& selec
 
 }  // namespace
 
+py::object group_list(KeyIndex& index, std::uint32_t group) {
+    return index.list_of(group, [](py::object plain) { return new_tuplelist(std::move(plain)); });
+}
+
+std::size_t Selection::size() const {
+    std::size_t size = 0;
+    for (const Part& part : parts)
+        size +=
+            part.list ? PyList_GET_SIZE(part.list.ptr()) : part.index->end(part.group) - part.index->begin(part.group);
+    return size;
+}
+
 Selection select(TupleList& list, PyObject* const* vals, std::size_t num) {
     Selection selection;
     match(list, std::vector<PyObject*>(vals, vals + num), selection);
@@ -133,7 +146,7 @@ Selection select(TupleList& list, PyObject* const* vals, std::size_t num) {
 
 py::object selected_list(const Selection& selection) {
     const auto list_of = [](const Selection::Part& part) {
-        return part.list ? part.list : part.index->list_of(part.group);
+        return part.list ? part.list : group_list(*part.index, part.group);
     };
     if (!selection.expanded && !selection.parts.empty()) return list_of(selection.parts.front());
     py::object result = new_tuplelist(steal(PyList_New(0)));

@@ -1,7 +1,8 @@
-// `Var`: what the handle of a variable has besides the shared parts. Its operators are in var_arith.cpp.
+#include "var.h"
 
 #include "attrutil.h"
 #include "exception.h"
+#include "handle_type.h"
 
 namespace zelvanpy {
 

@@ -1,8 +1,13 @@
 // Operators and comparisons of variables: each builds a linear expression and goes by its rules.
 
 #include "exception.h"
+#include "linexpr.h"
+#include "linexpr_ops.h"
 #include "operand.h"
+#include "pynumber.h"
+#include "pytype.h"
 #include "tempconstr.h"
+#include "var.h"
 
 namespace zelvanpy {
 

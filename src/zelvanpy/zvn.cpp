@@ -1,6 +1,6 @@
 // Class ZVN: all constants.
 
-#include "constclass.h"
+#include "statusconst.h"
 
 namespace zelvanpy {
 

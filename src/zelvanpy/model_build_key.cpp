@@ -1,7 +1,4 @@
-// The loop variables of a generator expression, found in its compiled code: the targets of the loops that are
-// running where it yields, and of `for j in [value]`, which is compiled to a plain assignment. Loops of
-// comprehensions inside it end before the yield, so their variables, which newer interpreters compile into the same
-// code object, are told apart.
+#include "model_build_key.h"
 
 #include <algorithm>
 #include <map>
@@ -9,8 +6,6 @@
 #include <unordered_map>
 #include <vector>
 
-#include "exception.h"
-#include "model_build.h"
 #include "pynames.h"
 
 namespace zelvanpy {

@@ -2,23 +2,16 @@
 
 #include <algorithm>
 
-#include "attrutil.h"
 #include "exception.h"
 #include "model.h"
 #include "pyargs.h"
+#include "zelvan.h"
 
 namespace zelvanpy {
 
 void model_message(Model& model, py::handle message) {
     const py::object line = steal(PyNumber_Add(message.ptr(), py::str("\n").ptr()));
     ZVNmsg(ZVNgetenv(model_pointer(model)), CString(line));
-}
-
-py::object matching_file(py::handle filename) {
-    const auto holds = [&](const char* wildcard) { return filename.attr("find")(wildcard).cast<Py_ssize_t>() >= 0; };
-    if (!holds("*") && !holds("?")) return borrow(filename);
-    const py::list found(py::module_::import("glob").attr("glob")(filename));
-    return found.empty() ? py::object() : py::object(found[0]);
 }
 
 namespace {
@@ -142,7 +135,7 @@ void Model_splitlongmessage(Model& self, Args args) {
 
 }  // namespace
 
-PyMethodDef model_spine_methods[] = {
+PyMethodDef model_file_methods[] = {
     {"reset", method<Model_reset>, kKeywords,
      "reset($self, clearall=0)\n--\n\n"
      "Discard the solution; with a clearall other than 0 also starts, hints and other information for the solver."},

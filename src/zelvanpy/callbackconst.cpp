@@ -4,8 +4,6 @@
 
 namespace zelvanpy {
 
-PyTypeObject* CallbackClass_Type;
-
 namespace {
 
 struct CodeGroup {
@@ -114,7 +112,7 @@ constexpr char kIntro[] = "Codes of callbacks: where the solver stands when it c
 
 }  // namespace
 
-void init_callback(py::module_& module) {
+void init_callbackconst(py::module_& module) {
     static std::string doc = kIntro;
     for (const CodeGroup& group : kGroups) {
         append_wrapped(doc += '\n', group.text, 0);
