@@ -56,20 +56,13 @@ char ordinal(py::handle value, const char* name) {
                      PyUnicode_GET_LENGTH(text));
         throw PythonError{};
     }
-    const Py_UCS4 character = PyUnicode_READ_CHAR(text, 0);
-    if (character > 0xff) {
-        PyErr_Format(PyExc_OverflowError, "Character '%c' for attribute '%s' is larger than a byte", character, name);
-        throw PythonError{};
-    }
-    return static_cast<char>(character);
+    return first_byte(text, to_str(name));
 }
 
-double library_double(py::handle value, const char* name) {
+double double_of(py::handle value, const char* name) {
     const bool exact = PyFloat_CheckExact(value.ptr());
     const double number = exact ? PyFloat_AS_DOUBLE(value.ptr()) : to_double(value, name);
-    if (number == Py_HUGE_VAL) return ZVN_INFINITY;
-    if (number == -Py_HUGE_VAL) return -ZVN_INFINITY;
-    return number;
+    return library_double(number);
 }
 
 int write_strings(py::handle object, const AttrInfo& attribute, const std::vector<int>& indices, py::handle values,
@@ -151,7 +144,7 @@ void set_attribute_list(py::handle object, const AttrInfo& attribute, const std:
             break;
         }
         case kDoubleAttr: {
-            const auto array = value_array<double>(num, values, broadcast, attribute.name, library_double);
+            const auto array = value_array<double>(num, values, broadcast, attribute.name, double_of);
             error = ZVNsetdblattrlist(model_of(object), attribute.name, count, indices.data(), array.data());
             break;
         }

@@ -96,11 +96,14 @@ Attribute::Attribute(py::handle object, py::handle name) : text_(as_text(name)) 
     if (!find_info(model_of(object), text_.ptr(), info_)) raise_no_attribute(object, text_);
 }
 
-double python_double(double value) {
-    if (value == ZVN_UNDEFINED) return value;
-    if (value >= ZVN_INFINITY) return Py_HUGE_VAL;
-    if (value <= -ZVN_INFINITY) return -Py_HUGE_VAL;
-    return value;
+char first_byte(py::handle text, py::handle name) {
+    const Py_UCS4 character = PyUnicode_READ_CHAR(text.ptr(), 0);
+    if (character > 0xff) {
+        PyErr_Format(PyExc_OverflowError, "Character '%c' for attribute '%U' is larger than a byte", character,
+                     name.ptr());
+        throw PythonError{};
+    }
+    return static_cast<char>(character);
 }
 
 namespace {
@@ -169,13 +172,7 @@ PyObject* read_model_value(py::handle object, ZVNmodel* model, const Attribute& 
 char char_value(py::handle value, py::handle name) {
     if (!PyUnicode_Check(value.ptr())) raise_attribute("Attribute '%U' takes character value", name);
     if (PyUnicode_GET_LENGTH(value.ptr()) == 0) raise(PyExc_IndexError, "string index out of range");
-    const Py_UCS4 character = PyUnicode_READ_CHAR(value.ptr(), 0);
-    if (character > 0xff) {
-        PyErr_Format(PyExc_OverflowError, "Character '%c' for attribute '%U' is larger than a byte", character,
-                     name.ptr());
-        throw PythonError{};
-    }
-    return static_cast<char>(character);
+    return first_byte(value, name);
 }
 
 int exact_int_value(py::handle value, const Attribute& attribute) {
@@ -186,9 +183,7 @@ int exact_int_value(py::handle value, const Attribute& attribute) {
 double double_value(py::handle value, py::handle name) {
     double result;
     if (!scalar_value(value, result)) raise_attribute("Attribute '%U' takes double value", name);
-    if (result == Py_HUGE_VAL) return ZVN_INFINITY;
-    if (result == -Py_HUGE_VAL) return -ZVN_INFINITY;
-    return result;
+    return library_double(result);
 }
 
 void require_str(py::handle value, py::handle name) {
@@ -304,8 +299,6 @@ py::object directory(py::handle object, const py::object& fields, py::handle att
     checked(PyList_Sort(sorted.ptr()));
     return sorted;
 }
-
-bool is_underscored(PyObject* name) { return PyUnicode_GET_LENGTH(name) > 0 && PyUnicode_READ_CHAR(name, 0) == '_'; }
 
 PyObject* stored_attribute(PyObject* object, PyObject* dict, PyObject* name) {
     if (!PyUnicode_Check(name) || _PyType_Lookup(Py_TYPE(object), name))

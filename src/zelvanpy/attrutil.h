@@ -36,6 +36,9 @@ ZVNmodel* model_of(py::handle object);
 // Raises AttributeError with a text that holds the attribute's name at its one %U.
 [[noreturn]] void raise_attribute(const char* format, py::handle name);
 
+// The first character of a text that isn't empty as a value of an attribute; OverflowError for one beyond a byte.
+char first_byte(py::handle text, py::handle name);
+
 py::object get_attribute(py::handle object, py::handle name);
 // The same for attribute syntax on a handle, without a temporary object.
 PyObject* get_handle_attribute(Handle& handle, const HandleKind& kind, PyObject* name);
@@ -43,14 +46,10 @@ void set_attribute(py::handle object, py::handle name, py::handle value);
 void prefetch_attribute(py::handle object, py::handle name);
 // A new list of names of the attributes of a kind (0 model).
 py::object attribute_names(py::handle cmodel, int kind);
-// Whether a str begins with "_": such names belong to Python, never to the library.
-bool is_underscored(PyObject* name);
 // First half of attribute syntax: what the class and the stored fields have under the name; null, without an
 // exception, when the library is to be asked.
 PyObject* stored_attribute(PyObject* object, PyObject* dict, PyObject* name);
 // What __dir__ gives: the sorted distinct names of the class, the stored fields and the attributes.
 py::object directory(py::handle object, const py::object& fields, py::handle attributes);
-// A double of the library with infinities as Python has them.
-double python_double(double value);
 
 }  // namespace zelvanpy

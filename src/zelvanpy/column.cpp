@@ -165,12 +165,10 @@ py::object Column_reduce(Column& self) {
 }
 
 void Column_dealloc(PyObject* object) {
-    PyTypeObject* type = Py_TYPE(object);
     PyObject_GC_UnTrack(object);
     as_column(object).coeffs.~vector();
     as_column(object).constrs.~vector();
-    type->tp_free(object);
-    release_type(type, Column_Type);
+    free_instance(object, Column_Type);
 }
 
 int Column_traverse(PyObject* object, visitproc visit, void* arg) {

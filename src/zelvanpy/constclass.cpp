@@ -27,17 +27,16 @@ void dealloc(PyObject* self) {
     PyTypeObject* type = Py_TYPE(self);
     PyTypeObject* own = type;  // below it lie classes written in Python
     while (own->tp_dealloc != dealloc) own = own->tp_base;
-    type->tp_free(self);
-    release_type(type, own);
+    free_instance(self, own);
 }
 
 PyMemberDef members[] = {
-    {"__dictoffset__", T_PYSSIZET, offsetof(ConstObject, dict), READONLY, nullptr},
+    dict_at(offsetof(ConstObject, dict)),
     {},
 };
 
 PyGetSetDef properties[] = {
-    {"__dict__", PyObject_GenericGetDict, PyObject_GenericSetDict, nullptr, nullptr},
+    dict_property(),
     {},
 };
 

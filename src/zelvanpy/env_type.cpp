@@ -6,6 +6,7 @@
 #include "exception.h"
 #include "param.h"
 #include "pyargs.h"
+#include "pyiter.h"
 #include "pytype.h"
 #include "zelvan.h"
 
@@ -74,14 +75,12 @@ void create_handle(Env& env) {
 
 void set_params(Env& env, py::handle params) {
     const py::object items = steal(PyObject_CallMethodObjArgs(params.ptr(), kItems.get(), nullptr));
-    const py::object iterator = steal(PyObject_GetIter(items.ptr()));
-    while (PyObject* next = PyIter_Next(iterator.ptr())) {
-        const py::object item = steal(PySequence_Tuple(steal(next).ptr()));
+    for_each(items, [&](const py::object& pair) {
+        const py::object item = steal(PySequence_Tuple(pair.ptr()));
         PyObject *name, *value;
         if (!PyArg_UnpackTuple(item.ptr(), "params.items()", 2, 2, &name, &value)) throw PythonError{};
         steal(PyObject_CallMethodObjArgs(as_object(env), kSetParam.get(), name, value, nullptr));
-    }
-    if (PyErr_Occurred()) throw PythonError{};
+    });
 }
 
 void start(Env& env) {
@@ -138,9 +137,7 @@ void Env_dealloc(PyObject* self) {
     // A subclass may have a close() of its own.
     if (env.owner && env.cenv != Py_None) run_unraisable(nullptr, [&] { free_handle(env); });
     Py_CLEAR(env.cenv);
-    PyTypeObject* type = Py_TYPE(self);
-    type->tp_free(self);
-    release_type(type, Env_Type);
+    free_instance(self, Env_Type);
 }
 
 py::object Env_start(Env& env) {
@@ -200,13 +197,13 @@ PyMemberDef members[] = {
     {"_cenv", T_OBJECT, offsetof(Env, cenv), READONLY, "capsule of the library's handle, None when closed"},
     {"_user", T_BOOL, offsetof(Env, owner), READONLY, "whether this object created the handle and so frees it"},
     {"_empty", T_BOOL, offsetof(Env, empty), READONLY, "whether the environment is created but not started"},
-    {"__dictoffset__", T_PYSSIZET, offsetof(Env, dict), READONLY, nullptr},
-    {"__weaklistoffset__", T_PYSSIZET, offsetof(Env, weakrefs), READONLY, nullptr},
+    dict_at(offsetof(Env, dict)),
+    weakrefs_at(offsetof(Env, weakrefs)),
     {},
 };
 
 PyGetSetDef properties[] = {
-    {"__dict__", PyObject_GenericGetDict, PyObject_GenericSetDict, nullptr, nullptr},
+    dict_property(),
     {},
 };
 

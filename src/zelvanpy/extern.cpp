@@ -107,6 +107,19 @@ void invalidate_capsule(py::handle capsule) {
     if (PyCapsule_CheckExact(capsule.ptr())) checked(PyCapsule_SetPointer(capsule.ptr(), &freed_sentinel));
 }
 
+double library_double(double value) {
+    if (value == Py_HUGE_VAL) return ZVN_INFINITY;
+    if (value == -Py_HUGE_VAL) return -ZVN_INFINITY;
+    return value;
+}
+
+double python_double(double value) {
+    if (value == ZVN_UNDEFINED) return value;
+    if (value >= ZVN_INFINITY) return Py_HUGE_VAL;
+    if (value <= -ZVN_INFINITY) return -Py_HUGE_VAL;
+    return value;
+}
+
 bool scalar_value(py::handle value, double& result) {
     if (PyFloat_CheckExact(value.ptr())) {
         result = PyFloat_AS_DOUBLE(value.ptr());

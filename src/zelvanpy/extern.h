@@ -44,6 +44,10 @@ void invalidate_capsule(py::handle capsule);
 inline ZVNmodel* model_pointer(py::handle capsule) { return static_cast<ZVNmodel*>(unwrap_pointer(capsule)); }
 inline ZVNenv* env_pointer(py::handle capsule) { return static_cast<ZVNenv*>(unwrap_pointer(capsule)); }
 
+// Infinities as the library has them, and as Python has them; ZVN_UNDEFINED stays.
+double library_double(double value);
+double python_double(double value);
+
 // Whether the value converts to double by its __float__ protocol (no str). Leaves no exception set.
 bool is_scalar(py::handle value);
 // is_scalar with the value; false and no exception where it doesn't convert.

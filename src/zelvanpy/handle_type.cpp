@@ -75,14 +75,12 @@ int handle_clear(PyObject* object) {
 
 void handle_dealloc(PyObject* object) {
     Handle* self = as_handle(object);
-    PyTypeObject* type = Py_TYPE(object);
     PyObject_GC_UnTrack(object);
     if (self->weakrefs) PyObject_ClearWeakRefs(object);
     Py_XDECREF(self->dict);
     Py_XDECREF(self->cmodel);
     PyTypeObject* own = *find_handle_kind(object)->type;
-    type->tp_free(object);
-    release_type(type, own);
+    free_instance(object, own);
 }
 
 // --- attributes
@@ -258,8 +256,8 @@ void make_handle_type(py::module_& module, Kind which, HandleExtras extras) {
         {"_cmodel", T_OBJECT, offsetof(Handle, cmodel), READONLY, "The capsule of the model, None after its disposal."},
         {kind.index_field, T_INT, offsetof(Handle, index), READONLY,
          "Index and state (int): 0 and up live, -1 pending, -2 removed, -3 - index marked for removal."},
-        {"__dictoffset__", T_PYSSIZET, offsetof(Handle, dict), READONLY, nullptr},
-        {"__weaklistoffset__", T_PYSSIZET, offsetof(Handle, weakrefs), READONLY, nullptr},
+        dict_at(offsetof(Handle, dict)),
+        weakrefs_at(offsetof(Handle, weakrefs)),
     };
     PyMethodDef* methods = keep_table(shared_methods, std::size(shared_methods), extras.methods);
     PyGetSetDef* properties = keep_table(shared_properties, std::size(shared_properties), extras.properties);

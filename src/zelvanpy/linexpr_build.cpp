@@ -6,6 +6,7 @@
 
 #include "exception.h"
 #include "operand.h"
+#include "pyiter.h"
 #include "pynumber.h"
 
 namespace zelvanpy {
@@ -16,19 +17,6 @@ namespace {
 
 void check_coefficient(double coeff) {
     if (!std::isfinite(coeff)) raise_invalid("Coefficient is Nan or Inf");
-}
-
-// Calls `take` with each element. Lists and tuples are read in place; `take` may change them.
-template <class Take>
-void for_each(py::handle iterable, Take take) {
-    if (PyList_CheckExact(iterable.ptr())) {
-        for (Py_ssize_t i = 0; i < PyList_GET_SIZE(iterable.ptr()); ++i)
-            take(borrow(PyList_GET_ITEM(iterable.ptr(), i)));
-        return;
-    }
-    const py::object iterator = steal(PyObject_GetIter(iterable.ptr()));
-    while (PyObject* element = PyIter_Next(iterator.ptr())) take(py::reinterpret_steal<py::object>(element));
-    if (PyErr_Occurred()) throw PythonError{};
 }
 
 py::object element_of_pair(py::handle pair, Py_ssize_t i) {

@@ -4,7 +4,6 @@
 #include "linexpr_value.h"
 
 #include <climits>
-#include <limits>
 #include <vector>
 
 #include "pynames.h"
@@ -36,13 +35,6 @@ std::vector<int> columns_of(const LinExpr* e, const py::object& cmodel) {
     return columns;
 }
 
-double shown(double value) {
-    constexpr double kInfinity = 1e100, kUndefined = 1e101;
-    if (value == kUndefined) return value;
-    if (value >= kInfinity) return std::numeric_limits<double>::infinity();
-    return value <= -kInfinity ? -std::numeric_limits<double>::infinity() : value;
-}
-
 bool read_values(const LinExpr* e, std::vector<double>& values) {
     if (e->size == 0 || e->size > INT_MAX) return false;
     const py::object cmodel = borrow(e->terms[0].var->cmodel);
@@ -72,7 +64,7 @@ double linexpr_value(LinExpr* e) {
     std::vector<double> values;
     if (!read_values(e, values)) return value_by_attributes(e);
     double sum = e->constant;
-    for (std::uint32_t i = 0; i < e->size; ++i) sum += shown(values[i]) * e->terms[i].coeff;
+    for (std::uint32_t i = 0; i < e->size; ++i) sum += python_double(values[i]) * e->terms[i].coeff;
     return sum;
 }
 

@@ -139,13 +139,11 @@ void Model_finalize(PyObject* object) {
 void Model_dealloc(PyObject* object) {
     if (PyObject_CallFinalizerFromDealloc(object)) return;
     Model& self = *reinterpret_cast<Model*>(object);
-    PyTypeObject* type = Py_TYPE(object);
     PyObject_GC_UnTrack(object);
     if (self.weakrefs) PyObject_ClearWeakRefs(object);
     Model_clear(object);
     for (PyObject* field : {self.cmodel, self.callback, self.uenv, self.env}) Py_XDECREF(field);
-    type->tp_free(object);
-    release_type(type, Model_Type);
+    free_instance(object, Model_Type);
 }
 
 void Model_close(Model& self) { call_own(self, "dispose", {}); }
@@ -219,15 +217,15 @@ PyMemberDef members[] = {
     {"_callback", T_OBJECT, offsetof(Model, callback), READONLY, "State of the latest solve's callback, or None."},
     {"_uenv", T_OBJECT, offsetof(Model, uenv), READONLY, "The Env that the model was created on, or None."},
     {"_env", T_OBJECT, offsetof(Model, env), READONLY, "An Env round the model's own environment."},
-    {"__dictoffset__", T_PYSSIZET, offsetof(Model, dict), READONLY, nullptr},
-    {"__weaklistoffset__", T_PYSSIZET, offsetof(Model, weakrefs), READONLY, nullptr},
+    dict_at(offsetof(Model, dict)),
+    weakrefs_at(offsetof(Model, weakrefs)),
     {},
 };
 
 PyGetSetDef properties[] = {
     {"_typename", getter_of<Model_typename>, nullptr, "Name of the kind of object (str).", nullptr},
     {"_typeenum", getter_of<Model_typeenum>, nullptr, "Number of the kind of object (int).", nullptr},
-    {"__dict__", PyObject_GenericGetDict, PyObject_GenericSetDict, "The stored fields.", nullptr},
+    dict_property("The stored fields."),
     {},
 };
 

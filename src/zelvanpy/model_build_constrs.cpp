@@ -11,6 +11,7 @@
 #include "model_build_key.h"
 #include "model_build_names.h"
 #include "pyargs.h"
+#include "pyiter.h"
 #include "tempconstr.h"
 #include "tupledict.h"
 
@@ -379,13 +380,10 @@ py::object Model_addConstrs(Model& self, Args args) {
     const GeneratorKey key(constrs);
     const RowNames names(name);
     py::object result = new_tupledict();
-    const py::object iterator = steal(PyObject_GetIter(constrs));
-    while (PyObject* next = PyIter_Next(iterator.ptr())) {
-        const py::object constr = steal(next);
+    for_each(constrs, [&](const py::object& constr) {
         const py::object k = key.current();
         tupledict_set(as_tupledict(result), k, add_one_of_many(self, constr, names(k)));
-    }
-    if (PyErr_Occurred()) throw PythonError{};
+    });
     return result;
 }
 

@@ -3,6 +3,8 @@
 #include <charconv>
 #include <cstring>
 
+#include "pyiter.h"
+
 namespace zelvanpy {
 
 namespace {
@@ -52,14 +54,11 @@ void append_key(std::string& to, py::handle key) {
         return append_part(to, key);
     }
     const py::object parts = steal(iterator);
-    for (bool first = true;; first = false) {
-        PyObject* part = PyIter_Next(parts.ptr());
-        if (!part) break;
-        const py::object keep = steal(part);
-        if (!first) to += ',';
-        append_part(to, keep);
-    }
-    if (PyErr_Occurred()) throw PythonError{};
+    bool first = true;
+    for_each_next(parts, [&](const py::object& part) {
+        if (!std::exchange(first, false)) to += ',';
+        append_part(to, part);
+    });
 }
 
 }  // namespace

@@ -8,23 +8,11 @@
 #include "model.h"
 #include "model_build.h"
 #include "pyargs.h"
+#include "pynumber.h"
 
 namespace zelvanpy {
 
 namespace {
-
-// int(value), as a C int.
-int to_int(py::handle value) {
-    const py::object number = steal(PyNumber_Long(value.ptr()));
-    int overflow;
-    const long long result = PyLong_AsLongLongAndOverflow(number.ptr(), &overflow);
-    if (result == -1 && PyErr_Occurred()) throw PythonError{};
-    if (overflow || result != static_cast<int>(result)) raise(PyExc_OverflowError, "value too large to convert to int");
-    return static_cast<int>(result);
-}
-
-// float(value)
-double to_float(py::handle value) { return PyFloat_AS_DOUBLE(steal(PyNumber_Float(value.ptr())).ptr()); }
 
 // The expression as a flat LinExpr; anything but a LinExpr goes through simple_expr.
 py::object linear_form(py::handle expr) {
@@ -51,7 +39,7 @@ void Model_setObjective(Model& self, Args args) {
     model_setup(self);
     const py::object linear = linear_form(expr);
     const LinExpr* terms = as_linexpr(linear);
-    const int objsense = sense && sense != Py_None ? to_int(sense) : 0;
+    const int objsense = sense && sense != Py_None ? int_of(sense) : 0;
     CallBuffer buffer;
     append_terms(self, terms, 1.0, *buffer);
     check(ZVNsetobjective(model_pointer(self), objsense, terms->constant, buffer->size(), buffer->ind(), buffer->val(),
@@ -68,11 +56,11 @@ void Model_setObjectiveN(Model& self, Args args) {
     CallBuffer buffer;
     append_terms(self, terms, 1.0, *buffer);
     const CString text(name ? borrow(name) : steal(PyUnicode_FromString("")));
-    const int number = to_int(index);
-    const int rank = priority ? to_int(priority) : 0;
-    const double factor = weight ? to_float(weight) : 1.0;
-    const double absolute = abstol ? to_float(abstol) : 1e-6;
-    const double relative = reltol ? to_float(reltol) : 0.0;
+    const int number = int_of(index);
+    const int rank = priority ? int_of(priority) : 0;
+    const double factor = weight ? float_of(weight) : 1.0;
+    const double absolute = abstol ? float_of(abstol) : 1e-6;
+    const double relative = reltol ? float_of(reltol) : 0.0;
     check(ZVNsetobjectiven(model_pointer(self), number, rank, factor, absolute, relative, text, constant,
                            buffer->size(), buffer->ind(), buffer->val()),
           as_object(self));
@@ -110,7 +98,7 @@ py::object Model_getObjective(Model& self, Args args) {
     const auto [index] = kGetObjective.parse(args);
     model_setup(self);
     const bool is_main = !index || index == Py_None;
-    const int number = is_main ? 0 : to_int(index);
+    const int number = is_main ? 0 : int_of(index);
     py::object result = steal(reinterpret_cast<PyObject*>(new_linexpr()));
     require_lists(self);  // converting and making an object may run code of the caller
     if (is_main) {

@@ -15,8 +15,6 @@ namespace zelvanpy {
 
 namespace {
 
-double to_double(py::handle value) { return checked_double(PyFloat_AsDouble(value.ptr())); }
-
 bool is_empty_string(py::handle value) {
     if (PyUnicode_Check(value.ptr())) return PyUnicode_GetLength(value.ptr()) == 0;
     return false;
@@ -33,7 +31,7 @@ void append_column(py::handle column, LibraryTerms& buffer) {
         const py::object constr = steal(PySequence_GetItem(constrs.ptr(), i));
         const int index = constr.attr("__cindex__")().cast<int>();
         if (index < 0) raise_zelvan(ZVN_ERROR_NOT_IN_MODEL, "Constraint not in model");
-        buffer.add(index, to_double(steal(PySequence_GetItem(coeffs.ptr(), i))));
+        buffer.add(index, as_double(steal(PySequence_GetItem(coeffs.ptr(), i))));
     }
 }
 
@@ -194,7 +192,7 @@ std::vector<double> numbers_by_key(PyObject* dict, double deflt, PyObject* keys)
     DictCursor cursor(dict);
     for (std::size_t i = 0; i < result.size(); ++i) {
         PyObject* found = cursor.find(PyList_GET_ITEM(keys, i));
-        if (found) result[i] = PyFloat_CheckExact(found) ? PyFloat_AS_DOUBLE(found) : to_double(borrow(found));
+        if (found) result[i] = PyFloat_CheckExact(found) ? PyFloat_AS_DOUBLE(found) : as_double(borrow(found));
     }
     return result;
 }
@@ -248,7 +246,7 @@ std::vector<double> numbers(PyObject* value, double deflt, PyObject* keys) {
     if (!value) return {};
     const Py_ssize_t count = PyList_GET_SIZE(keys);
     if (PyFloat_Check(value)) return std::vector<double>(count, PyFloat_AS_DOUBLE(value));
-    if (PyLong_CheckExact(value)) return std::vector<double>(count, to_double(value));
+    if (PyLong_CheckExact(value)) return std::vector<double>(count, as_double(value));
     if (PyDict_Check(value) && is_plain_dict(value)) return numbers_by_key(value, deflt, keys);
     const py::object fallback = steal(PyFloat_FromDouble(deflt));
     const py::object values = listify(value, fallback.ptr(), keys);
@@ -256,7 +254,7 @@ std::vector<double> numbers(PyObject* value, double deflt, PyObject* keys) {
     std::vector<double> result(count);
     for (Py_ssize_t i = 0; i < count; ++i) {
         const py::object element = borrow(entry(values, i));
-        result[i] = to_double(element);
+        result[i] = as_double(element);
     }
     return result;
 }
@@ -281,7 +279,7 @@ std::vector<char> types(PyObject* value, PyObject* keys) {
 
 // An array for the library, which takes null for its default.
 template <class T>
-const T* given(const std::vector<T>& values) {
+const T* data_or_null(const std::vector<T>& values) {
     return values.empty() ? nullptr : values.data();
 }
 
@@ -315,9 +313,9 @@ py::object Model_addVar(Model& self, Args args) {
     LibraryTerms entries;  // not the shared one: reading a column runs Python code
     if (column && column != Py_None) append_column(column, entries);
     const char type = vtype ? first_char(vtype) : ZVN_CONTINUOUS;
-    const double lower = lb ? to_double(lb) : 0.0;
-    const double upper = ub ? to_double(ub) : ZVN_INFINITY;
-    const double cost = obj ? to_double(obj) : 0.0;
+    const double lower = lb ? as_double(lb) : 0.0;
+    const double upper = ub ? as_double(ub) : ZVN_INFINITY;
+    const double cost = obj ? as_double(obj) : 0.0;
     py::object var = new_member(self, Var_Type);
     const auto add = [&](const char* text) {
         require_member(self, var);  // making the text may have run code
@@ -359,8 +357,8 @@ py::object Model_addVars(Model& self, Args args) {
     if (PyList_GET_SIZE(self.vars) != first)
         raise(PyExc_RuntimeError, "Model.addVars(): the model got variables while keys were hashed");
 
-    check(ZVNaddvars(model_pointer(self), static_cast<int>(count), 0, nullptr, nullptr, nullptr, given(obj), given(lb),
-                     given(ub), given(vtype), names.pointers()),
+    check(ZVNaddvars(model_pointer(self), static_cast<int>(count), 0, nullptr, nullptr, nullptr, data_or_null(obj),
+                     data_or_null(lb), data_or_null(ub), data_or_null(vtype), names.pointers()),
           as_object(self));
     if (first == 0)
         swap_lists(self.vars, vars.ptr());

@@ -1,6 +1,7 @@
 // multidict: one dict of value lists to a key list and a tupledict for each position.
 
 #include "pyargs.h"
+#include "pyiter.h"
 #include "tupledict.h"
 
 namespace zelvanpy {
@@ -14,11 +15,9 @@ py::object columns_of(py::handle keys, py::handle values) {
     try {
         const py::object unpacked = steal(PySequence_Tuple(values.ptr()));
         const py::object zipped = steal(PyObject_CallObject(reinterpret_cast<PyObject*>(&PyZip_Type), unpacked.ptr()));
-        while (PyObject* column = PyIter_Next(zipped.ptr())) {
-            const py::object held = py::reinterpret_steal<py::object>(column);
-            checked(PyList_Append(columns.ptr(), new_tupledict(keys, held).ptr()));
-        }
-        if (PyErr_Occurred()) throw PythonError{};
+        for_each_next(zipped, [&](const py::object& column) {
+            checked(PyList_Append(columns.ptr(), new_tupledict(keys, column).ptr()));
+        });
         return columns;
     } catch (...) {
         translate_exception();

@@ -27,11 +27,7 @@ py::object param_name(Env& env, int i) {
 
 bool is_default_word(py::handle value) { return PyUnicode_Check(value.ptr()) && upper(value).equal(to_str("DEFAULT")); }
 
-py::object infinite_float(double value) {
-    if (value >= ZVN_INFINITY) value = Py_HUGE_VAL;
-    if (value <= -ZVN_INFINITY) value = -Py_HUGE_VAL;
-    return steal(PyFloat_FromDouble(value));
-}
+py::object to_float(double value) { return steal(PyFloat_FromDouble(python_double(value))); }
 
 py::object string_value(ZVNenv* env, const char* name) {
     char buffer[ZVN_MAX_STRLEN] = "";
@@ -54,7 +50,7 @@ py::object param_value(ZVNenv* env, const char* name) {
         case kDouble: {
             double value = 0.0;
             ZVNgetdblparaminfo(env, name, &value, nullptr, nullptr, nullptr);
-            return infinite_float(value);
+            return to_float(value);
         }
         case kString:
             return string_value(env, name);
@@ -168,8 +164,7 @@ py::object param_info(Env& env, py::handle paramname) {
         case kDouble: {
             double v[4] = {};
             ZVNgetdblparaminfo(handle, name, &v[0], &v[1], &v[2], &v[3]);
-            return tuple(PyFloat_Type, infinite_float(v[0]), infinite_float(v[1]), infinite_float(v[2]),
-                         infinite_float(v[3]));
+            return tuple(PyFloat_Type, to_float(v[0]), to_float(v[1]), to_float(v[2]), to_float(v[3]));
         }
         case kString: {
             char deflt[ZVN_MAX_STRLEN] = "";
@@ -347,8 +342,6 @@ void ParamClass_init(Params& self, PyObject* args, PyObject* kwargs) {
     self.env = borrow(env).release().ptr();
 }
 
-bool is_private(PyObject* name) { return PyUnicode_GET_LENGTH(name) && PyUnicode_READ_CHAR(name, 0) == '_'; }
-
 // The library would stop at a NUL.
 bool holds_nul(PyObject* text) {
     return PyUnicode_Check(text) && PyUnicode_FindChar(text, 0, 0, PyUnicode_GET_LENGTH(text), 1) >= 0;
@@ -369,7 +362,7 @@ PyObject* value_of(Params& self, PyObject* name) {
 PyObject* ParamClass_getattro(Params& self, PyObject* name) {
     auto* object = reinterpret_cast<PyObject*>(&self);
     if (!PyUnicode_Check(name)) return PyObject_GenericGetAttr(object, name);  // which refuses it
-    if (Py_TYPE(object) == ParamClass_Type && !is_private(name)) {
+    if (Py_TYPE(object) == ParamClass_Type && !is_underscored(name)) {
         if (!self.dict) return value_of(self, name);
         const py::object fields = borrow(self.dict);  // a comparison of keys may run code that replaces it
         if (PyObject* found = PyDict_GetItemWithError(fields.ptr(), name)) return borrow(found).release().ptr();
@@ -385,7 +378,7 @@ PyObject* ParamClass_getattro(Params& self, PyObject* name) {
 int ParamClass_setattro(Params& self, PyObject* name, PyObject* value) {
     if (!value || !PyUnicode_Check(name))
         return PyObject_GenericSetAttr(reinterpret_cast<PyObject*>(&self), name, value);
-    if (!is_private(name)) {
+    if (!is_underscored(name)) {
         env_set_param(ParamsEnv(self), name, value);
         return 0;
     }
@@ -432,9 +425,7 @@ int ParamClass_clear(PyObject* self) {
 void ParamClass_dealloc(PyObject* self) {
     PyObject_GC_UnTrack(self);
     ParamClass_clear(self);
-    PyTypeObject* type = Py_TYPE(self);
-    type->tp_free(self);
-    release_type(type, ParamClass_Type);
+    free_instance(self, ParamClass_Type);
 }
 
 PyMethodDef params_methods[] = {
@@ -447,12 +438,12 @@ PyMethodDef params_methods[] = {
 };
 
 PyMemberDef params_members[] = {
-    {"__dictoffset__", T_PYSSIZET, offsetof(Params, dict), READONLY, nullptr},
+    dict_at(offsetof(Params, dict)),
     {},
 };
 
 PyGetSetDef params_properties[] = {
-    {"__dict__", PyObject_GenericGetDict, PyObject_GenericSetDict, nullptr, nullptr},
+    dict_property(),
     {},
 };
 

@@ -24,13 +24,11 @@ public:
     }
     // The end of a deallocator of the type `own`: keeps the object, or gives its memory and then its type back.
     void give(T* object, PyTypeObject* own) {
-        PyTypeObject* type = Py_TYPE(reinterpret_cast<PyObject*>(object));
-        if (type == own && num_ < Size) {
+        auto* self = reinterpret_cast<PyObject*>(object);
+        if (Py_TYPE(self) == own && num_ < Size)
             objects_[num_++] = object;
-            return;
-        }
-        type->tp_free(object);
-        release_type(type, own);
+        else
+            free_instance(self, own);
     }
 
 private:

@@ -30,6 +30,11 @@ private:
     mutable PyObject* object_ = nullptr;
 };
 
+// Whether a str begins with "_": such names belong to Python, never to the library.
+inline bool is_underscored(PyObject* name) {
+    return PyUnicode_GET_LENGTH(name) > 0 && PyUnicode_READ_CHAR(name, 0) == '_';
+}
+
 // The attribute f_locals of a frame, or of what stands for one.
 inline py::object frame_locals(py::handle frame) {
 #if PY_VERSION_HEX >= 0x030B0000

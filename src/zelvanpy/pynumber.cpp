@@ -7,6 +7,15 @@ double float_of(py::handle object) {
     return PyFloat_AS_DOUBLE(steal(PyNumber_Float(object.ptr())).ptr());
 }
 
+int int_of(py::handle object) {
+    const py::object number = steal(PyNumber_Long(object.ptr()));
+    int overflow;
+    const long long result = PyLong_AsLongLongAndOverflow(number.ptr(), &overflow);
+    if (result == -1 && PyErr_Occurred()) throw PythonError{};
+    if (overflow || result != static_cast<int>(result)) raise(PyExc_OverflowError, "value too large to convert to int");
+    return static_cast<int>(result);
+}
+
 bool is_iterable(py::handle object) {
     if (PyList_Check(object.ptr()) || PyTuple_Check(object.ptr()) || PyDict_Check(object.ptr())) return true;
     static PyObject* iterable = nullptr;

@@ -9,6 +9,8 @@ namespace zelvanpy {
 
 // float(object)
 double float_of(py::handle object);
+// int(object), as a C int
+int int_of(py::handle object);
 // PyFloat_AsDouble, as math.isnan() converts its argument.
 inline double as_double(py::handle object) {
     if (PyFloat_CheckExact(object.ptr())) return PyFloat_AS_DOUBLE(object.ptr());

@@ -20,6 +20,12 @@ inline void release_type(PyTypeObject* type, [[maybe_unused]] PyTypeObject* own)
 #endif
     Py_DECREF(type);
 }
+// The end of a deallocator of type `own`.
+inline void free_instance(PyObject* self, PyTypeObject* own) {
+    PyTypeObject* const type = Py_TYPE(self);
+    type->tp_free(self);
+    release_type(type, own);
+}
 // An instance made by PyObject_New or PyObject_GC_New owns its type from 3.8 on; before, it is taken here.
 inline void own_type([[maybe_unused]] PyTypeObject* type) {
 #if PY_VERSION_HEX < 0x03080000
@@ -34,6 +40,15 @@ inline int visit_type([[maybe_unused]] PyObject* self, [[maybe_unused]] visitpro
     Py_VISIT(Py_TYPE(self));
 #endif
     return 0;
+}
+
+// Entries of a type's tables: where an instance keeps its own attributes and its weak references.
+constexpr PyMemberDef dict_at(Py_ssize_t offset) { return {"__dictoffset__", T_PYSSIZET, offset, READONLY, nullptr}; }
+constexpr PyMemberDef weakrefs_at(Py_ssize_t offset) {
+    return {"__weaklistoffset__", T_PYSSIZET, offset, READONLY, nullptr};
+}
+constexpr PyGetSetDef dict_property(const char* doc = nullptr) {
+    return {"__dict__", PyObject_GenericGetDict, PyObject_GenericSetDict, doc, nullptr};
 }
 
 // A subclass of `own` made in Python would find + by the methods __add__ and __radd__, and `x + s` with s of the

@@ -243,12 +243,10 @@ PyMethodDef methods[] = {
 PyGetSetDef properties[] = {
     {"wild", getter_of<get_wild>, reinterpret_cast<setter>(slot<set_wild>()),
      "Value that stands for any value in a pattern; taken up when the key list is built next.", nullptr},
-    {"__dict__", PyObject_GenericGetDict, PyObject_GenericSetDict, "Attributes that a user has set.", nullptr},
+    dict_property("Attributes that a user has set."),
     {}};
 
-PyMemberDef members[] = {{"__dictoffset__", T_PYSSIZET, offsetof(TupleDict, attributes), READONLY, nullptr},
-                         {"__weaklistoffset__", T_PYSSIZET, offsetof(TupleDict, weakrefs), READONLY, nullptr},
-                         {}};
+PyMemberDef members[] = {dict_at(offsetof(TupleDict, attributes)), weakrefs_at(offsetof(TupleDict, weakrefs)), {}};
 
 const char kDoc[] =
     "tupledict(*args, **kwargs)\n--\n\n"

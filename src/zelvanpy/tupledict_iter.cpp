@@ -116,11 +116,9 @@ int Iterator_clear(PyObject* self) {
 }
 
 void Iterator_dealloc(PyObject* self) {
-    PyTypeObject* type = Py_TYPE(self);
     PyObject_GC_UnTrack(self);
     finish(*reinterpret_cast<Iterator*>(self));
-    PyObject_GC_Del(self);
-    release_type(type, Iterator_Type);
+    free_instance(self, Iterator_Type);
 }
 
 PyType_Slot slots[] = {{Py_tp_dealloc, reinterpret_cast<void*>(Iterator_dealloc)},

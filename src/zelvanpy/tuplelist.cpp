@@ -336,12 +336,9 @@ PyMethodDef methods[] = {
      "Take over what __getstate__ gave. Raises TypeError for anything else."},
     {}};
 
-PyGetSetDef properties[] = {
-    {"__dict__", PyObject_GenericGetDict, PyObject_GenericSetDict, "Attributes that a user has set.", nullptr}, {}};
+PyGetSetDef properties[] = {dict_property("Attributes that a user has set."), {}};
 
-PyMemberDef members[] = {{"__dictoffset__", T_PYSSIZET, offsetof(TupleList, dict), READONLY, nullptr},
-                         {"__weaklistoffset__", T_PYSSIZET, offsetof(TupleList, weakrefs), READONLY, nullptr},
-                         {}};
+PyMemberDef members[] = {dict_at(offsetof(TupleList, dict)), weakrefs_at(offsetof(TupleList, weakrefs)), {}};
 
 const char kDoc[] =
     "tuplelist(data=[], wild=\"*\")\n--\n\n"

@@ -4,6 +4,7 @@
 
 #include "pattern.h"
 #include "pycontainer.h"
+#include "pyiter.h"
 #include "tuplelist.h"
 
 namespace zelvanpy {
@@ -38,13 +39,11 @@ void add_alternatives(TupleList& list, std::vector<PyObject*>& vals, std::size_t
                       Selection& selection) {
     const NestingLevel level(" while selecting by nested alternatives");
     PyObject* const whole = vals[k];
-    while (PyObject* next = PyIter_Next(iterator.ptr())) {
-        const py::object alternative = py::reinterpret_steal<py::object>(next);
-        vals[k] = next;
+    for_each_next(iterator, [&](const py::object& alternative) {
+        vals[k] = alternative.ptr();
         select_alternative(list, vals, selection);
         vals[k] = whole;
-    }
-    if (PyErr_Occurred()) throw PythonError{};
+    });
 }
 
 // Takes vals[k] for a collection of alternatives; false, with nothing selected, where it is none.
