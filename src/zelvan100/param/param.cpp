@@ -28,7 +28,7 @@ void check_param_type(int i, int type) {
                                                     kTypeNames[spec.type] + ", not " + kTypeNames[type]);
 }
 
-ParamValues::ParamValues() : numbers_(num_params()), texts_(num_params()) { reset(); }
+ParamValues::ParamValues() { reset(); }
 
 void ParamValues::set_int(int i, int value) {
     check_param_type(i, 1);
@@ -45,19 +45,25 @@ void ParamValues::set_dbl(int i, double value) {
 
 void ParamValues::set_str(int i, std::string value) {
     check_param_type(i, 3);
-    texts_[i] = std::move(value);
+    auto texts = std::make_shared<std::vector<std::string>>(*texts_);
+    (*texts)[i] = std::move(value);
+    texts_ = std::move(texts);
 }
 
 bool ParamValues::is_default(int i) const {
     const ParamSpec& spec = param_spec(i);
-    return spec.type == 3 ? texts_[i] == spec.deflt_text : numbers_[i] == spec.deflt;
+    return spec.type == 3 ? (*texts_)[i] == spec.deflt_text : numbers_[i] == spec.deflt;
 }
 
 void ParamValues::reset() {
+    std::vector<double> numbers;
+    std::vector<std::string> texts;
     for (int i = 0; i < num_params(); ++i) {
-        numbers_[i] = param_spec(i).deflt;
-        texts_[i] = param_spec(i).deflt_text;
+        numbers.push_back(param_spec(i).deflt);
+        texts.emplace_back(param_spec(i).deflt_text);
     }
+    texts_ = std::make_shared<const std::vector<std::string>>(std::move(texts));
+    numbers_ = std::move(numbers);
 }
 
 }  // namespace zelvan

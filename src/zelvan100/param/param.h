@@ -1,6 +1,7 @@
 #pragma once
 // The parameters: one table, and the values of one environment.
 
+#include <memory>
 #include <string>
 #include <string_view>
 #include <vector>
@@ -40,7 +41,7 @@ public:
     ParamValues();
     int get_int(Param p) const { return static_cast<int>(numbers_[static_cast<int>(p)]); }
     double get_dbl(Param p) const { return numbers_[static_cast<int>(p)]; }
-    const std::string& get_str(Param p) const { return texts_[static_cast<int>(p)]; }
+    const std::string& get_str(Param p) const { return (*texts_)[static_cast<int>(p)]; }
     void set_int(int i, int value);
     void set_dbl(int i, double value);
     void set_str(int i, std::string value);
@@ -49,7 +50,7 @@ public:
 
 private:
     std::vector<double> numbers_;
-    std::vector<std::string> texts_;
+    std::shared_ptr<const std::vector<std::string>> texts_;  // shared by copies, as it hardly ever changes
 };
 
 }  // namespace zelvan
