@@ -104,7 +104,7 @@ void Env_init(Env& env, PyObject* args, PyObject* kwargs) {
     }
     env.empty = true;
     create_handle(env);
-    const CString logfile(logfilename ? borrow(logfilename) : to_str(""));
+    const CString logfile(logfilename ? file_name(logfilename) : to_str(""));
     check(ZVNsetstrparam(env_pointer(env), "LogFile", logfile), as_object(env));
     check(ZVNsetlogcallbackfuncenv(env_pointer(env), log_callback_stub, nullptr), as_object(env));
     if (params && params != Py_None) set_params(env, params);

@@ -115,18 +115,20 @@ py::object new_error(int code, py::handle text_or_object) {
 
 }  // namespace
 
-void raise_zelvan(int code, const char* text, int cause_code, py::handle cause) {
-    const py::object error = new_error(code, to_str(text));
-    PyException_SetCause(error.ptr(), new_error(cause_code, cause).release().ptr());
-    PyErr_SetObject(reinterpret_cast<PyObject*>(Py_TYPE(error.ptr())), error.ptr());
-    throw PythonError{};
+void raise_zelvan(int code, py::handle text, int cause_code, py::handle cause) {
+    raise_from(new_error(code, text), new_error(cause_code, cause));
 }
 
-void raise_zelvan(int code, py::handle text_or_object) {
-    const py::object error = new_error(code, text_or_object);
-    PyErr_SetObject(reinterpret_cast<PyObject*>(Py_TYPE(error.ptr())), error.ptr());
-    throw PythonError{};
+void raise_zelvan(int code, const char* text, int cause_code, py::handle cause) {
+    raise_zelvan(code, to_str(text), cause_code, cause);
 }
+
+void raise_zelvan_from_set(int code, const char* text) {
+    const py::object cause = taken_exception();
+    raise_from(new_error(code, to_str(text)), cause);
+}
+
+void raise_zelvan(int code, py::handle text_or_object) { raise(ZelvanError, new_error(code, text_or_object)); }
 
 void raise_zelvan(int code, const char* text) { raise_zelvan(code, to_str(text)); }
 

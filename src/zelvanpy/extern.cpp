@@ -36,7 +36,7 @@ py::object convertible(py::handle value, unaryfunc PyNumberMethods::* slot) {
 }
 
 [[noreturn]] void raise_not_number(py::handle value, const char* what, const char* wanted) {
-    PyErr_Format(PyExc_TypeError, "%s must be %s, not %.200s", what, wanted, Py_TYPE(value.ptr())->tp_name);
+    PyErr_Format(PyExc_TypeError, "%s must be %s, not %U", what, wanted, shown_value(value).ptr());
     throw PythonError{};
 }
 
@@ -74,6 +74,25 @@ char first_char(py::handle text) {
         throw PythonError{};
     }
     return first_char(first);
+}
+
+char letter_argument(py::handle text, const Argument& argument, const char* wanted) {
+    try {
+        return first_char(text);
+    } catch (const PythonError&) {
+        const PySequenceMethods* own = Py_TYPE(text.ptr())->tp_as_sequence;  // which then raised what it raised
+        if (!PyUnicode_Check(text.ptr()) && own && own->sq_item) throw;
+    }
+    const bool is_empty = PyErr_ExceptionMatches(PyExc_IndexError), is_type = PyErr_ExceptionMatches(PyExc_TypeError);
+    if (!is_empty && !is_type) throw PythonError{};
+    PyErr_Clear();
+    refuse_argument(is_empty ? PyExc_IndexError : PyExc_TypeError, argument, wanted, text);
+}
+
+py::object file_name(py::handle name) {
+    static const Name kFspath("__fspath__");
+    const bool is_path = _PyType_Lookup(Py_TYPE(name.ptr()), kFspath.get());
+    return is_path ? steal(PyOS_FSPath(name.ptr())) : borrow(name);
 }
 
 CString::CString(py::handle text) {

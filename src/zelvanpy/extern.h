@@ -3,7 +3,7 @@
 
 #include <string>
 
-#include "pynames.h"
+#include "pyargs.h"
 #include "zelvan100.h"
 
 namespace zelvanpy {
@@ -32,6 +32,10 @@ private:
 
 // ord(text[0]) as one byte.
 char first_char(py::handle text);
+// The same for an argument, which is refused by name where it has none.
+char letter_argument(py::handle text, const Argument& argument, const char* wanted);
+// A path (os.PathLike) as its text, anything else as it is.
+py::object file_name(py::handle name);
 
 // A capsule without name and destructor, None for null.
 py::object wrap_pointer(void* pointer);

@@ -1,6 +1,7 @@
 #include "model_build.h"
 
 #include "exception.h"
+#include "model_stranger.h"
 
 namespace zelvanpy {
 
@@ -15,7 +16,8 @@ constexpr std::ptrdiff_t kAhead = 16;
 
 inline int index_in(const Model& model, const Handle* var) {
     const int index = var->cindex();
-    if (index < 0 || !model_owns(model, var)) raise_zelvan(ZVN_ERROR_NOT_IN_MODEL, "Variable not in model");
+    if (index < 0 || !model_owns(model, var))
+        refuse_stranger(model, *var, ZVN_ERROR_NOT_IN_MODEL, "Variable not in model");
     return index;
 }
 

@@ -21,6 +21,9 @@ namespace {
 
 const char* const kInvalid = "Invalid argument to Model.addConstr";
 const char* const kInvalidL = "Invalid argument to Model.addLConstr";
+const char* const kComparison = "a comparison such as x + y <= 1";
+
+char sense_argument(PyObject* sense) { return letter_argument(sense, {nullptr, "sense"}, "'<', '>' or '='"); }
 
 // A side of a range row is infinite from here on.
 constexpr double kRangeInfinity = 1e25;
@@ -76,14 +79,20 @@ py::object add_buffered_row(Model& self, py::object constr, LibraryTerms& terms,
     return constr;
 }
 
+[[noreturn]] void refuse_expression(py::handle expr) {
+    PyErr_Format(PyExc_TypeError, "A constraint takes variables, linear expressions and numbers, not %U",
+                 shown_value(expr).ptr());
+    raise_zelvan_from_set(0, kInvalid);
+}
+
 // The worker of all rows: the constant of the expression moves to the sides. A given sense replaces that of the row.
 py::object add_row(Model& self, py::handle expr, Row row, PyObject* name, PyObject* sense = nullptr) {
     model_setup(self);
     py::object linear = borrow(expr);
     if (is_var(expr) || (!is_linexpr(expr) && is_scalar(expr)))
         linear = steal(PyObject_CallFunctionObjArgs(reinterpret_cast<PyObject*>(LinExpr_Type), expr.ptr(), nullptr));
-    if (!is_linexpr(linear)) raise_zelvan(0, kInvalid);
-    if (sense) row.sense = first_char(sense);
+    if (!is_linexpr(linear)) refuse_expression(linear);
+    if (sense) row.sense = sense_argument(sense);
     const RowName text(name);
     py::object constr = new_member(self, Constr_Type);
     const py::object flat = flat_copy(linear);
@@ -143,6 +152,19 @@ bool add_difference(Model& self, TempConstr* constr, PyObject* name, py::object&
 py::object difference(PyObject* lhs, PyObject* rhs) {
     const py::object left = borrow(lhs), right = borrow(rhs ? rhs : Py_None);
     return steal(PyNumber_Subtract(left.ptr(), right.ptr()));
+}
+
+// The same where no comparison was given; without a right side, one was meant.
+py::object explicit_difference(const char* function, PyObject* lhs, PyObject* rhs) {
+    try {
+        return difference(lhs, rhs);
+    } catch (const PythonError&) {
+        const bool is_operand =
+            is_var(lhs) || is_linexpr(lhs) || PyUnicode_Check(lhs) || PyFloat_Check(lhs) || PyLong_Check(lhs);
+        if (given(rhs) || !is_operand || !PyErr_ExceptionMatches(PyExc_TypeError)) throw;
+    }
+    PyErr_Clear();
+    refuse_argument(PyExc_TypeError, {function, "lhs"}, kComparison, lhs);
 }
 
 py::object constant_row(bool holds) { return steal(reinterpret_cast<PyObject*>(new_linexpr(holds ? 0.0 : 1.0))); }
@@ -209,7 +231,12 @@ struct LinearSide {
     int terms() const { return var ? 1 : expr ? static_cast<int>(expr->size) : 0; }
 };
 
-[[noreturn]] void refuse_linear() { raise_zelvan(0, kInvalidL); }
+// With the exception that is set, which tells why, as __cause__.
+[[noreturn]] void refuse_linear() { raise_zelvan_from_set(0, kInvalidL); }
+[[noreturn]] void refuse_linear(const char* why) {
+    PyErr_SetString(PyExc_TypeError, why);
+    refuse_linear();
+}
 
 // A constant side must convert to a float; anything else is refused.
 LinearSide linear_side(py::handle side) {
@@ -226,6 +253,8 @@ LinearSide linear_side(py::handle side) {
                                       : py::reinterpret_steal<py::object>(PyNumber_Float(side.ptr()));
         if (!number) {
             PyErr_Clear();
+            PyErr_Format(PyExc_TypeError, "A side of a linear constraint must be a Var, a LinExpr or a number, not %U",
+                         shown_value(side).ptr());
             refuse_linear();
         }
         result.number = PyFloat_AS_DOUBLE(number.ptr());
@@ -253,7 +282,7 @@ py::object add_linear(Model& self, const LinearSide& lhs, const LinearSide& rhs,
 }
 
 py::object add_linear_comparison(Model& self, TempConstr* constr, PyObject* sense, PyObject* rhs, PyObject* name) {
-    if (given(rhs)) refuse_linear();
+    if (given(rhs)) refuse_linear("A comparison has its right side already, rhs is one too many");
     const LinearSide left = linear_side(constr->lhs);
     const LinearSide right = linear_side(constr->rhs);
     if (given(sense)) {
@@ -267,8 +296,9 @@ py::object add_linear_explicit(Model& self, PyObject* lhs, PyObject* sense, PyOb
     const LinearSide left = linear_side(lhs);
     LinearSide right;
     if (given(rhs) || given(sense)) right = linear_side(rhs ? rhs : Py_None);
-    if (given(sense)) return add_linear(self, left, right, first_char(sense), name);
-    if (left.terms() + right.terms() > 0 || given(rhs) || !PyBool_Check(lhs)) refuse_linear();
+    if (given(sense)) return add_linear(self, left, right, sense_argument(sense), name);
+    if (left.terms() + right.terms() > 0 || given(rhs) || !PyBool_Check(lhs))
+        refuse_argument(PyExc_TypeError, {"addLConstr", "lhs"}, kComparison, lhs);
     LinearSide empty;
     empty.number = lhs == Py_True ? 0.0 : -1.0;
     return add_linear(self, LinearSide(), empty, ZVN_LESS_EQUAL, name);
@@ -296,13 +326,16 @@ py::object add_constr(Model& self, PyObject* lhs, PyObject* sense, PyObject* rhs
         return add_comparison(self, reinterpret_cast<TempConstr*>(lhs), sense, name);
     }
     if (PyBool_Check(lhs)) {
-        if (given(rhs) || (given(sense) && !is_empty(name))) raise_zelvan(0, kInvalid);
+        if (given(rhs) || (given(sense) && !is_empty(name))) {
+            PyErr_SetString(PyExc_TypeError, "A bool takes one name and no right side");
+            raise_zelvan_from_set(0, kInvalid);
+        }
         if (given(sense)) name = sense;
         return add_row(self, constant_row(lhs == Py_True), {ZVN_LESS_EQUAL}, name);
     }
     if (lhs == Py_None)
         raise_zelvan(ZVN_ERROR_INVALID_ARGUMENT, "Invalid None value for lhs when calling Model.addConstr");
-    const py::object expr = difference(lhs, rhs);
+    const py::object expr = explicit_difference("addConstr", lhs, rhs);
     checked(PyErr_WarnEx(PyExc_DeprecationWarning, "Deprecated, pass a TempConstr or use Model.addLConstr", 1));
     return add_row(self, expr, {}, name, sense ? sense : Py_None);
 }
@@ -321,9 +354,9 @@ py::object Model_addLConstr(Model& self, Args args) {
         return add_linear_explicit(self, lhs, sense, rhs, name);
     } catch (const PythonError&) {
         if (PyErr_ExceptionMatches(ZelvanError) || PyErr_ExceptionMatches(PyExc_MemoryError)) throw;
-        PyErr_Clear();
-    } catch (const py::error_already_set& error) {
+    } catch (py::error_already_set& error) {
         if (error.matches(ZelvanError)) throw;
+        error.restore();
     }
     refuse_linear();
 }
@@ -338,7 +371,7 @@ py::object Model_addQConstr(Model& self, Args args) {
     if (PyBool_Check(lhs)) return add_row(self, constant_row(lhs == Py_True), {ZVN_LESS_EQUAL}, name);
     if (lhs == Py_None)
         raise_zelvan(ZVN_ERROR_INVALID_ARGUMENT, "Invalid None value for lhs when calling Model.addQConstr");
-    const py::object expr = difference(lhs, rhs);
+    const py::object expr = explicit_difference("addQConstr", lhs, rhs);
     return add_row(self, expr, {}, name, sense ? sense : Py_None);
 }
 

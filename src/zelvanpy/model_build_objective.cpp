@@ -7,6 +7,7 @@
 #include "linexpr_build.h"
 #include "model.h"
 #include "model_build.h"
+#include "model_stranger.h"
 #include "pyargs.h"
 #include "pynumber.h"
 
@@ -25,6 +26,20 @@ void require_var(py::handle var) {
     if (!is_var(var)) raise_zelvan(-1, "First argument must be a Var");
 }
 
+// int(sense), where a text that is none and an object without int() are refused by name.
+int sense_of(py::handle sense) {
+    try {
+        return int_of(sense);
+    } catch (const PythonError&) {
+        const PyNumberMethods* own = Py_TYPE(sense.ptr())->tp_as_number;  // which then raised what it raised
+        if (!PyUnicode_CheckExact(sense.ptr()) && own && (own->nb_int || own->nb_index)) throw;
+    }
+    const bool is_text = PyErr_ExceptionMatches(PyExc_ValueError);
+    PyErr_Clear();
+    refuse_argument(is_text ? PyExc_ValueError : PyExc_TypeError, {"setObjective", "sense"},
+                    "ZVN.MINIMIZE (1) or ZVN.MAXIMIZE (-1)", sense);
+}
+
 const Signature<2> kSetObjective{"setObjective", 1, {Name("expr"), Name("sense")}};
 const Signature<7> kSetObjectiveN{
     "setObjectiveN",
@@ -39,7 +54,7 @@ void Model_setObjective(Model& self, Args args) {
     model_setup(self);
     const py::object linear = linear_form(expr);
     const LinExpr* terms = as_linexpr(linear);
-    const int objsense = sense && sense != Py_None ? int_of(sense) : 0;
+    const int objsense = sense && sense != Py_None ? sense_of(sense) : 0;
     CallBuffer buffer;
     append_terms(self, terms, 1.0, *buffer);
     check(ZVNsetobjective(model_pointer(self), objsense, terms->constant, buffer->size(), buffer->ind(), buffer->val(),
@@ -134,7 +149,8 @@ py::object Model_getPWLObj(Model& self, Args args) {
     require_var(var);
     if (as_handle(var)->cindex() >= 0) model_setup(self);
     const int col = as_handle(var)->cindex();
-    if (col < 0 || col >= self.live_vars) raise_zelvan(ZVN_ERROR_NOT_IN_MODEL, "Variable not in model");
+    if (col < 0 || col >= self.live_vars)
+        refuse_stranger(self, *as_handle(var), ZVN_ERROR_NOT_IN_MODEL, "Variable not in model");
     ZVNmodel* model = model_pointer(self);
     int count = 0;
     check(ZVNgetpwlobj(model, col, &count, nullptr, nullptr), as_object(self));

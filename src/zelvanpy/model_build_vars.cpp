@@ -6,6 +6,7 @@
 #include "model.h"
 #include "model_build.h"
 #include "model_build_names.h"
+#include "model_stranger.h"
 #include "pyargs.h"
 #include "pycontainer.h"
 #include "pynumber.h"
@@ -20,16 +21,20 @@ bool is_empty_string(py::handle value) {
     return false;
 }
 
+const char* const kTypeLetter = "one character, such as ZVN.INTEGER ('I')";
+
 // ---- addVar
 
 // Constraint indices and coefficients of a column, which is normalised on the way.
-void append_column(py::handle column, LibraryTerms& buffer) {
+void append_column(const Model& model, py::handle column, LibraryTerms& buffer) {
     column.attr("_normalize")();
     const Py_ssize_t size = column.attr("size")().cast<Py_ssize_t>();
     const py::object constrs = column.attr("_constrs"), coeffs = column.attr("_coeffs");
     for (Py_ssize_t i = 0; i < size; ++i) {
         const py::object constr = steal(PySequence_GetItem(constrs.ptr(), i));
         const int index = constr.attr("__cindex__")().cast<int>();
+        if (index < 0 && find_handle_kind(constr.ptr()))
+            refuse_stranger(model, *as_handle(constr), ZVN_ERROR_NOT_IN_MODEL, "Constraint not in model");
         if (index < 0) raise_zelvan(ZVN_ERROR_NOT_IN_MODEL, "Constraint not in model");
         buffer.add(index, as_double(steal(PySequence_GetItem(coeffs.ptr(), i))));
     }
@@ -187,12 +192,15 @@ bool is_plain_dict(PyObject* dict) {
 }
 
 // The numbers of a plain dict by key.
-std::vector<double> numbers_by_key(PyObject* dict, double deflt, PyObject* keys) {
+std::vector<double> numbers_by_key(const char* keyword, PyObject* dict, double deflt, PyObject* keys) {
     std::vector<double> result(PyList_GET_SIZE(keys), deflt);
     DictCursor cursor(dict);
     for (std::size_t i = 0; i < result.size(); ++i) {
-        PyObject* found = cursor.find(PyList_GET_ITEM(keys, i));
-        if (found) result[i] = PyFloat_CheckExact(found) ? PyFloat_AS_DOUBLE(found) : as_double(borrow(found));
+        PyObject* key = PyList_GET_ITEM(keys, i);
+        PyObject* found = cursor.find(key);
+        if (found)
+            result[i] = PyFloat_CheckExact(found) ? PyFloat_AS_DOUBLE(found)
+                                                  : number_argument(borrow(found), {"addVars", keyword, key});
     }
     return result;
 }
@@ -242,38 +250,41 @@ PyObject* entry(const py::object& values, Py_ssize_t i) {
 }
 
 // The numbers of a keyword, one for each key; none where the keyword isn't given.
-std::vector<double> numbers(PyObject* value, double deflt, PyObject* keys) {
+std::vector<double> numbers(const char* keyword, PyObject* value, double deflt, PyObject* keys) {
     if (!value) return {};
     const Py_ssize_t count = PyList_GET_SIZE(keys);
     if (PyFloat_Check(value)) return std::vector<double>(count, PyFloat_AS_DOUBLE(value));
-    if (PyLong_CheckExact(value)) return std::vector<double>(count, as_double(value));
-    if (PyDict_Check(value) && is_plain_dict(value)) return numbers_by_key(value, deflt, keys);
+    if (PyLong_CheckExact(value)) return std::vector<double>(count, number_argument(value, {"addVars", keyword}));
+    if (PyDict_Check(value) && is_plain_dict(value)) return numbers_by_key(keyword, value, deflt, keys);
     const py::object fallback = steal(PyFloat_FromDouble(deflt));
     const py::object values = listify(value, fallback.ptr(), keys);
     assert_length(values, count);
     std::vector<double> result(count);
     for (Py_ssize_t i = 0; i < count; ++i) {
         const py::object element = borrow(entry(values, i));
-        result[i] = as_double(element);
+        result[i] = number_argument(element, {"addVars", keyword, PyList_GET_ITEM(keys, i)});
     }
     return result;
 }
 
-char single_char(py::handle text) {
+char type_letter(py::handle text, PyObject* key) {
     if (!PyUnicode_Check(text.ptr()) || PyUnicode_GetLength(text.ptr()) != 1)
-        raise(PyExc_ValueError, "only single character strings can be converted to a variable type");
+        refuse_argument(PyExc_ValueError, {"addVars", "vtype", key}, kTypeLetter, text);
     return first_char(text);
 }
 
 std::vector<char> types(PyObject* value, PyObject* keys) {
     if (!value) return {};
     const Py_ssize_t count = PyList_GET_SIZE(keys);
-    if (PyUnicode_Check(value)) return std::vector<char>(count, single_char(value));
+    if (PyUnicode_Check(value)) return std::vector<char>(count, type_letter(value, nullptr));
     const py::object fallback = steal(PyUnicode_FromString("C"));
     const py::object values = listify(value, fallback.ptr(), keys);
     assert_length(values, count);
     std::vector<char> result(count);
-    for (Py_ssize_t i = 0; i < count; ++i) result[i] = single_char(entry(values, i));
+    for (Py_ssize_t i = 0; i < count; ++i) {
+        const py::object element = borrow(entry(values, i));
+        result[i] = type_letter(element, PyList_GET_ITEM(keys, i));
+    }
     return result;
 }
 
@@ -311,11 +322,11 @@ py::object Model_addVar(Model& self, Args args) {
     const auto [lb, ub, obj, vtype, name, column] = kAddVar.parse(args);
     model_setup(self);
     LibraryTerms entries;  // not the shared one: reading a column runs Python code
-    if (column && column != Py_None) append_column(column, entries);
-    const char type = vtype ? first_char(vtype) : ZVN_CONTINUOUS;
-    const double lower = lb ? as_double(lb) : 0.0;
-    const double upper = ub ? as_double(ub) : ZVN_INFINITY;
-    const double cost = obj ? as_double(obj) : 0.0;
+    if (column && column != Py_None) append_column(self, column, entries);
+    const char type = vtype ? letter_argument(vtype, {"addVar", "vtype"}, kTypeLetter) : ZVN_CONTINUOUS;
+    const double lower = lb ? number_argument(lb, {"addVar", "lb"}) : 0.0;
+    const double upper = ub ? number_argument(ub, {"addVar", "ub"}) : ZVN_INFINITY;
+    const double cost = obj ? number_argument(obj, {"addVar", "obj"}) : 0.0;
     py::object var = new_member(self, Var_Type);
     const auto add = [&](const char* text) {
         require_member(self, var);  // making the text may have run code
@@ -343,9 +354,9 @@ py::object Model_addVars(Model& self, Args args) {
     model_setup(self);
     NameBuffer names;
     collect_names(keywords.name(), keys.ptr(), names);
-    const std::vector<double> lb = numbers(keywords.lb(), 0.0, keys.ptr());
-    const std::vector<double> ub = numbers(keywords.ub(), ZVN_INFINITY, keys.ptr());
-    const std::vector<double> obj = numbers(keywords.obj(), 0.0, keys.ptr());
+    const std::vector<double> lb = numbers("lb", keywords.lb(), 0.0, keys.ptr());
+    const std::vector<double> ub = numbers("ub", keywords.ub(), ZVN_INFINITY, keys.ptr());
+    const std::vector<double> obj = numbers("obj", keywords.obj(), 0.0, keys.ptr());
     const std::vector<char> vtype = types(keywords.vtype(), keys.ptr());
 
     // The handles and their dict come first: an unhashable key must not leave variables without handles.

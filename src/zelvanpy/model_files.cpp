@@ -36,7 +36,7 @@ void Model_reset(Model& self, Args args) {
 
 py::object Model_copy(Model& self) {
     ZVNmodel* copy = ZVNcopymodel(model_pointer(self));
-    if (!copy) raise_zelvan(-1, "Failed to create copy");
+    if (!copy) raise_zelvan(-1, "Failed to create copy", -1, error_message(as_object(self)));
     const py::object capsule = wrap_pointer(copy), uenv = borrow(self.uenv);
     return steal(PyObject_CallFunctionObjArgs(reinterpret_cast<PyObject*>(Model_Type), py::str("").ptr(), uenv.ptr(),
                                               capsule.ptr(), nullptr));
@@ -45,7 +45,7 @@ py::object Model_copy(Model& self) {
 void Model_write(Model& self, Args args) {
     static const Signature<1> signature{"write", 1, {Name("filename")}};
     const auto [filename] = signature.parse(args);
-    const CString name(filename);
+    const CString name(file_name(filename));
     if (ZVNismodelfile(name) || ZVNisattrfile(name)) call_own(self, "update", {});
     check(ZVNwrite(model_pointer(self), name), as_object(self));
 }
@@ -65,14 +65,13 @@ void Model_read(Model& self, Args args) {
         {".bas", "Read basis from file "},
     };
     static const Signature<1> signature{"read", 1, {Name("filename")}};
-    const auto [filename] = signature.parse(args);
-    if (!PyUnicode_Check(filename)) {
-        PyErr_Format(PyExc_TypeError, "read() argument 'filename' must be str, not %.200s", Py_TYPE(filename)->tp_name);
-        throw PythonError{};
-    }
+    const auto [argument] = signature.parse(args);
+    const py::object filename = file_name(argument);
+    if (!PyUnicode_Check(filename.ptr()))
+        refuse_argument(PyExc_TypeError, {"read", "filename"}, "str or a path", filename);
     const py::object file = matching_file(filename);
     if (!file) {
-        log_line(self, steal(PyUnicode_FromFormat("No file matching '%U' found", filename)));
+        log_line(self, steal(PyUnicode_FromFormat("No file matching '%U' found", filename.ptr())));
         return;
     }
     check(ZVNread(model_pointer(self), CString(file)), as_object(self));

@@ -7,6 +7,7 @@
 #include <vector>
 
 #include "exception.h"
+#include "model_stranger.h"
 #include "pyargs.h"
 #include "pycontainer.h"
 
@@ -156,9 +157,9 @@ void Model_removeone(Model& self, py::handle item) {
     const HandleKind* kind = find_handle_kind(item.ptr());
     if (!kind) raise_zelvan(-1, "Item to be removed not a Var, Constr, SOS, QConstr, or GenConstr");
     Handle& handle = *as_handle(item);
-    if (!model_owns(self, &handle)) raise_zelvan(-1, "Item to be removed is not in model");
+    if (!model_owns(self, &handle)) refuse_stranger(self, handle, -1, "Item to be removed is not in model");
     const ListRow& row = list_row(kind->kind);
-    if (handle.index == -1) raise_zelvan(-1, row.pending_text);
+    if (handle.index == -1) refuse_stranger(self, handle, -1, row.pending_text);
     if (handle.index < -1) return;
     handle.index = -3 - handle.index;
     if (row.deleted) self.*row.deleted = true;

@@ -75,7 +75,7 @@ void set_one(Env& env, py::handle info, py::handle value) {
     else if (type == reinterpret_cast<PyObject*>(&PyFloat_Type))
         set(ZVNsetdblparam, to_double(value, what.c_str()));
     else
-        set(ZVNsetstrparam, CString(value));
+        set(ZVNsetstrparam, CString(file_name(value)));
 }
 
 void require_open(Env& env) {
@@ -217,13 +217,15 @@ void env_reset_params(Env& env) {
     }
 }
 
-void env_read_params(Env& env, py::handle filename) {
+void env_read_params(Env& env, py::handle name) {
+    const py::object filename = file_name(name);
     const py::object line = named_file("Read parameters from file ", filename);
     check(ZVNreadparams(env_pointer(env), CString(filename)), as_object(env));
     env_message(env, line);
 }
 
-void env_write_params(Env& env, py::handle filename) {
+void env_write_params(Env& env, py::handle name) {
+    const py::object filename = file_name(name);
     const py::object line = named_file("Wrote non-default parameter settings to file ", filename);
     check(ZVNwriteparams(env_pointer(env), CString(filename)), as_object(env));
     env_message(env, line);

@@ -1,5 +1,7 @@
 #include "pyargs.h"
 
+#include "pynumber.h"
+
 namespace zelvanpy::args_detail {
 
 namespace {
@@ -69,3 +71,33 @@ void parse(const char* function, const Name* names, std::size_t num, std::size_t
 }
 
 }  // namespace zelvanpy::args_detail
+
+namespace zelvanpy {
+
+py::object shown_value(py::handle value) {
+    if (value.is_none()) return py::str("None");
+    if (PyUnicode_CheckExact(value.ptr())) return steal(PyUnicode_FromFormat("str %.60R", value.ptr()));
+    return steal(PyUnicode_FromFormat("%.100s", Py_TYPE(value.ptr())->tp_name));
+}
+
+void refuse_argument(PyObject* type, const Argument& argument, const char* wanted, py::handle value) {
+    const py::object call =
+        argument.function ? steal(PyUnicode_FromFormat("%s() argument", argument.function)) : py::str("Argument");
+    const py::object key =
+        argument.key ? steal(PyUnicode_FromFormat(" at key %.60R", argument.key)) : py::object(py::str(""));
+    PyErr_Format(type, "%U '%s'%U must be %s, not %U", call.ptr(), argument.name, key.ptr(), wanted,
+                 shown_value(value).ptr());
+    throw PythonError{};
+}
+
+double number_argument(py::handle value, const Argument& argument) {
+    if (PyFloat_CheckExact(value.ptr())) return PyFloat_AS_DOUBLE(value.ptr());
+    const double number = PyFloat_AsDouble(value.ptr());
+    if (number != -1.0 || !PyErr_Occurred()) return number;
+    const PyNumberMethods* own = Py_TYPE(value.ptr())->tp_as_number;  // which then raised what it raised
+    if (!PyErr_ExceptionMatches(PyExc_TypeError) || (own && (own->nb_float || own->nb_index))) throw PythonError{};
+    PyErr_Clear();
+    refuse_argument(PyExc_TypeError, argument, "a number", value);
+}
+
+}  // namespace zelvanpy

@@ -27,6 +27,22 @@ void raise(PyObject* type, py::handle text) {
     throw PythonError{};
 }
 
+void raise_from(const py::object& error, const py::object& cause) {
+    PyException_SetCause(error.ptr(), py::object(cause).release().ptr());
+    raise(reinterpret_cast<PyObject*>(Py_TYPE(error.ptr())), error);
+}
+
+py::object taken_exception() {
+    const py::error_already_set set;  // normalized
+    if (set.trace()) checked(PyException_SetTraceback(set.value().ptr(), set.trace().ptr()));
+    return set.value();
+}
+
+void raise(PyObject* type, py::handle text, py::handle why) {
+    const auto made = [&](py::handle words) { return steal(PyObject_CallFunctionObjArgs(type, words.ptr(), nullptr)); };
+    raise_from(made(text), made(why));
+}
+
 void translate_exception() noexcept {
     try {
         throw;

@@ -28,6 +28,12 @@ inline py::object boolean(bool value) { return borrow(value ? Py_True : Py_False
 // Raises the Python exception `type` with a text.
 [[noreturn]] void raise(PyObject* type, const char* text);
 [[noreturn]] void raise(PyObject* type, py::handle text);
+// The same with a cause of the same type: what a text that others rely on leaves out.
+[[noreturn]] void raise(PyObject* type, py::handle text, py::handle why);
+// Raises an exception object with another one as its __cause__.
+[[noreturn]] void raise_from(const py::object& error, const py::object& cause);
+// Takes the exception that is set.
+py::object taken_exception();
 // Result of a C call that returns -1 with an exception set.
 template <class Int>
 Int checked(Int result) {

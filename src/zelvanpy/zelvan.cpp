@@ -42,9 +42,10 @@ py::object main_models() {
 py::object builtin_print() { return py::module_::import("builtins").attr("print"); }
 void print_line(py::handle object) { builtin_print()(object); }
 
-py::object matching_file(py::handle filename) {
+py::object matching_file(py::handle name) {
+    const py::object filename = file_name(name);
     const auto holds = [&](const char* wildcard) { return filename.attr("find")(wildcard).cast<Py_ssize_t>() >= 0; };
-    if (!holds("*") && !holds("?")) return borrow(filename);
+    if (!holds("*") && !holds("?")) return filename;
     const py::list found(py::module_::import("glob").attr("glob")(filename));
     return found.empty() ? py::object() : py::object(found[0]);
 }

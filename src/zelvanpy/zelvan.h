@@ -19,7 +19,7 @@ py::object main_models();
 py::object builtin_print();
 void print_line(py::handle object);
 // The first file that a pattern with * or ? matches, a name without them as it is; empty when no file matches.
-py::object matching_file(py::handle filename);
+py::object matching_file(py::handle name);
 
 // Makes the class with the methods given.
 void make_zelvan_class(py::module_& module, PyMethodDef* methods);

@@ -9,20 +9,26 @@ constexpr const char* kNoSolution = "no solution is available";
 constexpr const char* kNoBasisMatrix = "it takes a linear model with constraints, solved to a basis";
 constexpr const char* kNoDuals = "no dual solution is available";
 
-double defined(double value, const char* why) {
-    if (value == kUndefined) throw missing(why);
+// A result that the latest solve, of which the status is told, didn't leave.
+Error no_result(const Model& m, const char* why) {
+    return missing(std::string(why) + " (status " + kStatusNames[m.solution.status] + ")");
+}
+
+double defined(const Model& m, double value, const char* why) {
+    if (value == kUndefined) throw no_result(m, why);
     return value;
 }
 
 // Of a solved model without columns or rows the arrays are empty and complete.
 Values present(const std::vector<double>& values, int size, const Model& m, const char* why) {
-    if (static_cast<int>(values.size()) != size || (size == 0 && m.solution.status == ZVN_LOADED)) throw missing(why);
+    if (static_cast<int>(values.size()) != size || (size == 0 && m.solution.status == ZVN_LOADED))
+        throw no_result(m, why);
     return Values::of(values);
 }
 
 int selected_solution(const Model& m) {
     const int number = m.env.params.get_int(Param::SolutionNumber), count = m.solution.count();
-    if (count == 0) throw missing(kNoSolution);
+    if (count == 0) throw no_result(m, kNoSolution);
     if (number >= count)
         throw missing("parameter SolutionNumber is " + std::to_string(number) + ", but there are " +
                       std::to_string(count) + " solutions");
@@ -32,16 +38,16 @@ int selected_solution(const Model& m) {
 Values basis(const Model& m, Kind kind) {
     const Model::BasisStatuses statuses = m.basis_statuses(kind);
     if (statuses.set) return Values::of(*statuses.set);
-    if (!statuses.solved) throw missing("no basis is available");
+    if (!statuses.solved) throw no_result(m, "no basis is available");
     return Values::of(*statuses.solved);
 }
 
 }  // namespace
 
-double objective_value(const Model& m) { return defined(m.solution.obj_val, kNoSolution); }
+double objective_value(const Model& m) { return defined(m, m.solution.obj_val, kNoSolution); }
 
 double objective_bound(const Model& m) {
-    return defined(m.solution.obj_bound, "no bound on the objective is available");
+    return defined(m, m.solution.obj_bound, "no bound on the objective is available");
 }
 
 double pool_objective_value(const Model& m) {
@@ -50,7 +56,7 @@ double pool_objective_value(const Model& m) {
 }
 
 double mip_gap(const Model& m) {
-    return defined(m.solution.mip_gap, "the latest solve left no objective value and bound to compare");
+    return defined(m, m.solution.mip_gap, "the latest solve left no objective value and bound to compare");
 }
 
 double runtime(const Model& m) { return m.solution.runtime; }
@@ -62,11 +68,11 @@ double node_count(const Model& m) { return m.solution.nodes; }
 double barrier_iteration_count(const Model& m) { return m.solution.barrier_iterations; }
 double concurrent_winner(const Model& m) { return m.solution.concurrent_winner; }
 
-double condition_estimate(const Model& m) { return defined(basis_condition(m, false), kNoBasisMatrix); }
-double condition(const Model& m) { return defined(basis_condition(m, true), kNoBasisMatrix); }
+double condition_estimate(const Model& m) { return defined(m, basis_condition(m, false), kNoBasisMatrix); }
+double condition(const Model& m) { return defined(m, basis_condition(m, true), kNoBasisMatrix); }
 
 double farkas_proof(const Model& m) {
-    return defined(m.solution.farkas_proof,
+    return defined(m, m.solution.farkas_proof,
                    "it takes an infeasible LP that was solved with parameter InfUnbdInfo at 1");
 }
 

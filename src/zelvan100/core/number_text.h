@@ -16,4 +16,9 @@ inline std::string number_text(double value) {
     return {buffer, std::to_chars(buffer, buffer + sizeof buffer, value).ptr};
 }
 
+// Why a value isn't finite, for the end of a message.
+inline const char* why_not_finite(double value) {
+    return std::isnan(value) ? " is not a number" : " is infinite: magnitudes from 1e20 on count as infinity";
+}
+
 }  // namespace zelvan

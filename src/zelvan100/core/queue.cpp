@@ -37,16 +37,17 @@ std::size_t bytes_of_names(int num, const char* const* names) {
 }
 
 void check_column(const char* name, int index, double obj, double lb, double ub, char vtype) {
-    const auto refuse = [&](const std::string& fault) {
-        throw Error(ZVN_ERROR_VALUE_OUT_OF_RANGE, fault + " of " + described("variable", name, index));
+    const auto refuse = [&](const char* what, double value) {
+        throw Error(ZVN_ERROR_VALUE_OUT_OF_RANGE,
+                    what + number_text(value) + " of " + described("variable", name, index) + why_not_finite(value));
     };
     if (!std::memchr("CBISN", vtype, 5))
         throw Error(ZVN_ERROR_INVALID_ARGUMENT, std::string("Type '") + vtype + "' of " +
                                                     described("variable", name, index) +
                                                     " is none of 'C', 'B', 'I', 'S', 'N'");
-    if (std::isnan(lb) || clipped(lb) == kInfinity) refuse("Lower bound " + number_text(lb));
-    if (std::isnan(ub) || clipped(ub) == -kInfinity) refuse("Upper bound " + number_text(ub));
-    if (std::isnan(obj) || std::abs(obj) >= kInfinityThreshold) refuse("Objective coefficient " + number_text(obj));
+    if (std::isnan(lb) || clipped(lb) == kInfinity) refuse("Lower bound ", lb);
+    if (std::isnan(ub) || clipped(ub) == -kInfinity) refuse("Upper bound ", ub);
+    if (std::isnan(obj) || std::abs(obj) >= kInfinityThreshold) refuse("Objective coefficient ", obj);
     check_name("a variable", name);
 }
 
@@ -158,8 +159,9 @@ void Model::check_entries(const char* what, const char* name, int num, const int
         if (mark_[i] == call_) throw Error(ZVN_ERROR_DUPLICATES, place(k) + " repeats index " + std::to_string(i));
         mark_[i] = call_;
         if (!(std::abs(val[k]) < kInfinityThreshold))
-            throw Error(ZVN_ERROR_VALUE_OUT_OF_RANGE,
-                        place(k) + " (index " + std::to_string(i) + ") has the coefficient " + std::to_string(val[k]));
+            throw Error(ZVN_ERROR_VALUE_OUT_OF_RANGE, place(k) + " (index " + std::to_string(i) +
+                                                          ") has the coefficient " + number_text(val[k]) + ", which" +
+                                                          why_not_finite(val[k]));
     }
 }
 
@@ -292,7 +294,8 @@ void Model::set_objective(int number, int sense, Objective fields, int num, cons
         throw Error(ZVN_ERROR_INVALID_ARGUMENT, "Objective sense " + std::to_string(sense) + " is none of 1, -1 and 0");
     for (double value : {fields.constant, fields.weight})
         if (!(std::abs(value) < kInfinityThreshold))
-            throw Error(ZVN_ERROR_VALUE_OUT_OF_RANGE, "Objective constant or weight is " + std::to_string(value));
+            throw Error(ZVN_ERROR_VALUE_OUT_OF_RANGE,
+                        "Objective constant or weight " + number_text(value) + why_not_finite(value));
     if (!(fields.abs_tol >= 0) || !(fields.rel_tol >= 0))
         throw Error(ZVN_ERROR_VALUE_OUT_OF_RANGE, "Tolerances of an objective can't be negative");
     check_name("an objective", fields.name.c_str());
@@ -304,7 +307,7 @@ void Model::set_objective(int number, int sense, Objective fields, int num, cons
                                                           std::to_string(limit - 1));
         if (!(std::abs(val[k]) < kInfinityThreshold))
             throw Error(ZVN_ERROR_VALUE_OUT_OF_RANGE, "Objective coefficient of variable " + std::to_string(col[k]) +
-                                                          " is " + std::to_string(val[k]));
+                                                          ", " + number_text(val[k]) + "," + why_not_finite(val[k]));
     }
     ObjectiveWrite write{sense, number, limit, std::move(fields), {}, {}};
     write.col.assign(col, col + num);

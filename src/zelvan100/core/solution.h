@@ -8,6 +8,12 @@
 
 namespace zelvan {
 
+// Names of the status codes.
+inline constexpr const char* kStatusNames[] = {
+    "",        "LOADED",          "OPTIMAL",    "INFEASIBLE",     "INF_OR_UNBD",    "UNBOUNDED",
+    "CUTOFF",  "ITERATION_LIMIT", "NODE_LIMIT", "TIME_LIMIT",     "SOLUTION_LIMIT", "INTERRUPTED",
+    "NUMERIC", "SUBOPTIMAL",      "INPROGRESS", "USER_OBJ_LIMIT", "WORK_LIMIT",     "MEM_LIMIT"};
+
 // What the latest solve left. Vectors are empty when the solve gave no such values. All values are in
 // the terms of the model (its own sense and columns), never of a bridged or presolved one.
 struct Solution {

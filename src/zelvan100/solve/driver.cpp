@@ -72,12 +72,8 @@ void log_begin(Model& model) {
 
 void log_end(Model& model) {
     if (model.env.is_silent()) return;
-    constexpr const char* kNames[] = {
-        "",        "LOADED",          "OPTIMAL",    "INFEASIBLE",     "INF_OR_UNBD",    "UNBOUNDED",
-        "CUTOFF",  "ITERATION_LIMIT", "NODE_LIMIT", "TIME_LIMIT",     "SOLUTION_LIMIT", "INTERRUPTED",
-        "NUMERIC", "SUBOPTIMAL",      "INPROGRESS", "USER_OBJ_LIMIT", "WORK_LIMIT",     "MEM_LIMIT"};
     const Solution& solution = model.solution;
-    model.env.log(text("Ended with status %s after %.2f seconds (%.2f work units)\n", kNames[solution.status],
+    model.env.log(text("Ended with status %s after %.2f seconds (%.2f work units)\n", kStatusNames[solution.status],
                        solution.runtime, solution.work));
     if (solution.obj_val != kUndefined) model.env.log(text("Objective %.10g\n", solution.obj_val));
 }
