@@ -87,6 +87,8 @@ def second_opinion(program):
     other = milp(program[2] * c, **limits)
     if other.status == 2 and milp(0 * c, **limits).status == 0:
         other.status = 3  # scipy calls some unbounded programs infeasible
+    if other.status == 0 and milp(program[2] * c, **{**limits, "integrality": None}).status == 3:
+        other.status = 3  # and some optimal: with whole data an unbounded relaxation and a feasible point settle it
     return other
 
 
