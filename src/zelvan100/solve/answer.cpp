@@ -215,11 +215,28 @@ private:
         return solved_anew(std::move(result), admissible(elastic.x, kNearlyExact) ? elastic.x : std::vector<double>());
     }
 
-    // The points that cost next to nothing, then what another way of solving says.
+    // The points that cost next to nothing, a look for what goes on for ever, which the search calls infeasible at
+    // times, then what another way of solving says.
     SolverResult doubted(const SolverResult& result) {
         const std::vector<double> point = refuting_point(result);
+        if (problem_.disjunctions.empty()) {
+            std::vector<double> direction = improving_direction(problem_, context_);
+            if (!direction.empty()) {
+                SolverResult found = endless(result, !point.empty());
+                if (found.outcome == Outcome::kUnbounded) found.ray = std::move(direction);
+                if (found.outcome != Outcome::kInfeasible) return found;
+            }
+        }
         if (point.empty() && !has_wide_spread(problem_)) return result;
         return solved_anew(result, point);
+    }
+
+    // The answer for a problem with a direction that improves its objective for ever: a feasible point decides.
+    SolverResult endless(SolverResult result, bool has_point) {
+        if (!has_point)
+            log("A direction improves the objective for ever: looking for a feasible point without the objective\n");
+        result.outcome = has_point ? Outcome::kUnbounded : point_anywhere().outcome;
+        return result;
     }
 
     // Without presolve, after an infeasibility that lacks a proof or is refuted by a point.
