@@ -64,7 +64,7 @@ def with_library(arrays):
         model.call("ZVNoptimize")
         x = (Double * COLUMNS)()
         model.call("ZVNgetdblattrlist", b"X", COLUMNS, array(Int, range(COLUMNS)), x)
-        return model.number("ObjVal", Double)
+        return model.get("ObjVal")
 
     return solve
 

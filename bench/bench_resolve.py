@@ -40,7 +40,7 @@ class Library:
         # Not there where a change made the model infeasible.
         lib.ZVNgetdblattrlist(self.model.handle, b"X", self.cols, self.every_col, self.x)
         lib.ZVNgetdblattrlist(self.model.handle, b"Pi", self.rows, self.every_row, self.pi)
-        self.iterations += int(self.model.number("IterCount", Double))
+        self.iterations += int(self.model.get("IterCount"))
 
     def set(self, attr, index, value):
         self.model.call("ZVNsetdblattrelement", attr, index, Double(value))

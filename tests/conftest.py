@@ -1,5 +1,6 @@
 """Fixtures that several test files share."""
 
+import contextlib
 import csv
 import os
 import pathlib
@@ -92,25 +93,16 @@ def lp(env_silent, tmp_path):
 
 @pytest.fixture
 def env():
-    """An environment of the C interface (library.py) that logs nothing to the console."""
-    import library
+    """An environment of the C interface (native.py) that logs nothing to the console."""
+    import native
 
-    env = library.Env()
+    env = native.Environment(LogToConsole=0)
     yield env
-    env.free()
+    env.close()
 
 
 @pytest.fixture
 def make(env):
     """A function that makes models of the C interface on `env`; they are freed after the test."""
-    import library
-
-    models = []
-
-    def build(*args, **kwargs):
-        models.append(library.Model(env, *args, **kwargs))
-        return models[-1]
-
-    yield build
-    for model in models:
-        model.free()
+    with contextlib.ExitStack() as models:
+        yield lambda *columns, **more: models.enter_context(env.new("test", *columns, **more))

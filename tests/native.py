@@ -1,14 +1,19 @@
-"""The C interface through ctypes, for tests of what the module doesn't show."""
+"""The C interface through ctypes: environments and models whose failures are exceptions."""
 
 import ctypes
 import dataclasses
 import pathlib
 import sysconfig
 
+import pytest
+
 import zelvanpy
 
 PACKAGE = pathlib.Path(zelvanpy._zelvanpy.__file__).resolve().parent
-INFINITY = 1e100
+INFINITY, UNDEFINED = 1e100, 1e101
+NULL_ARGUMENT, INVALID, UNKNOWN_ATTR, NOT_AVAILABLE = 10002, 10003, 10004, 10005
+BAD_INDEX, UNKNOWN_PARAM, BAD_VALUE, FILE_READ, FILE_WRITE = 10006, 10007, 10008, 10012, 10013
+MODEL, VAR, CONSTR, SOS = range(4)
 
 lib = ctypes.CDLL(str(PACKAGE / "libzelvan100.so"))
 Handle = ctypes.c_void_p
@@ -21,6 +26,10 @@ for name in ("ZVNgeterrormsg", "ZVNgetmerrormsg"):
     getattr(lib, name).restype = Text
 lib.ZVNgetenv.restype = Handle
 
+# By the number of the type of an attribute: the type of its values, and how functions are named for it.
+CHAR, INT, DOUBLE, STRING = range(4)
+VALUE_TYPES = [(ctypes.c_char, "char"), (Int, "int"), (Double, "dbl"), (Text, "str")]
+
 
 def array(kind, values):
     return (kind * max(1, len(values)))(*values)
@@ -28,6 +37,14 @@ def array(kind, values):
 
 def texts(values):
     return array(Text, [value.encode() for value in values])
+
+
+def decoded(value):
+    return value.decode() if isinstance(value, bytes) else value
+
+
+def encoded(value):
+    return value.encode() if isinstance(value, str) else value
 
 
 class LibraryError(Exception):
@@ -52,28 +69,87 @@ class Content:
     sets: list = dataclasses.field(default_factory=list)
 
 
-class Environment:
+class Caller:
+    """Calls with a handle of the library, whose failures tell their text by the function `message`."""
+
+    def check(self, code):
+        if code:
+            raise LibraryError(code, self.message(self.handle).decode())
+
+    def call(self, function, *arguments):
+        self.check(getattr(lib, function)(self.handle, *arguments))
+
+    def refused(self, method, *arguments):
+        with pytest.raises(LibraryError) as caught:
+            getattr(self, method)(*arguments)
+        return caught.value
+
+
+class Parameters(Caller):
+    """The parameters of the environment with the given handle."""
+
+    message = lib.ZVNgeterrormsg
+
+    def __init__(self, handle):
+        self.handle = handle
+
+    def type(self, name):
+        return lib.ZVNgetparamtype(self.handle, name.encode())
+
+    def set(self, name, value, kind=None):
+        kind = kind or self.type(name)
+        c_type, letters = VALUE_TYPES[kind]
+        self.call("ZVNset%sparam" % letters, name.encode(), c_type(encoded(value)))
+
+    def info(self, name):
+        """Value, minimum, maximum, default of a number."""
+        c_type, letters = VALUE_TYPES[self.type(name)]
+        values = [c_type() for _ in range(4)]
+        self.call("ZVNget%sparaminfo" % letters, name.encode(), *map(ctypes.byref, values))
+        return [v.value for v in values]
+
+    def text(self, name, size=100000):
+        buffer, length = ctypes.create_string_buffer(size), Int()
+        self.call("ZVNgetlongstrparam", name.encode(), buffer, size, ctypes.byref(length))
+        return buffer.value, length.value
+
+    def value(self, name):
+        return self.text(name)[0].decode() if self.type(name) == STRING else self.info(name)[0]
+
+    def flags(self, name):
+        flags = ctypes.c_uint()
+        self.call("ZVNgetparamflags", name.encode(), ctypes.byref(flags))
+        return flags.value
+
+    def names(self):
+        name = Text()
+        for i in range(lib.ZVNgetnumparams(self.handle)):
+            self.call("ZVNgetparamname", i, ctypes.byref(name))
+            yield name.value.decode()
+
+    def values(self):
+        return {name: self.value(name) for name in self.names()}
+
+
+class Environment(Parameters):
     """A started environment whose log is the list `log`."""
 
-    def __init__(self, **params):
-        self.handle = Handle()
+    def __init__(self, start=True, **params):
+        super().__init__(Handle())
         self.log = []
         self._callback = LOG_CALLBACK(self._receive)
         self.check(
             lib.ZVNemptyenvadvinternal(ctypes.byref(self.handle), 0, 10, 0, 3, None, None, None, None, 0, 0, None)
         )
-        self.check(lib.ZVNsetlogcallbackfuncenv(self.handle, self._callback, None))
-        for param, value in params.items():
-            self.check(lib.ZVNsetintparam(self.handle, param.encode(), value))
-        self.check(lib.ZVNstartenv(self.handle))
+        self.call("ZVNsetlogcallbackfuncenv", self._callback, None)
+        for name, value in params.items():
+            self.set(name, value)
+        if start:
+            self.call("ZVNstartenv")
 
     def _receive(self, message, _):
         self.log += [line for line in message.decode().split("\n") if line]
         return 0
-
-    def check(self, code):
-        if code:
-            raise LibraryError(code, lib.ZVNgeterrormsg(self.handle).decode())
 
     def warnings(self):
         """The warnings since the last call."""
@@ -83,22 +159,31 @@ class Environment:
 
     def read(self, path):
         handle = Handle()
-        self.check(lib.ZVNreadmodel(self.handle, str(path).encode(), ctypes.byref(handle)))
-        return Model(self, handle)
+        self.call("ZVNreadmodel", str(path).encode(), ctypes.byref(handle))
+        return Model(handle)
 
-    def new(self, name=""):
-        handle = Handle()
-        self.check(lib.ZVNnewmodel(self.handle, ctypes.byref(handle), name.encode(), 0, *[None] * 5))
-        return Model(self, handle)
+    def new(self, name="", lb=(), ub=(), obj=(), vtype="", rows=()):
+        """A model of the given columns; rows are (dict, sense, rhs) tuples."""
+        handle, num = Handle(), len(lb)
+        numbers = [array(Double, values) for values in (obj or [0] * num, lb, ub)]
+        self.call("ZVNnewmodel", ctypes.byref(handle), name.encode(), num, *numbers, vtype.encode() or None, None)
+        model = Model(handle)
+        for entries, sense, rhs in rows:
+            model.add_row("", sense, rhs, entries.items())
+        if rows:
+            model.update()
+        return model
 
     def close(self):
         lib.ZVNfreeenv(self.handle)
 
 
-class Model:
-    def __init__(self, env, handle):
-        self.env = env
+class Model(Caller):
+    message = lib.ZVNgetmerrormsg
+
+    def __init__(self, handle):
         self.handle = handle
+        self.env = Parameters(Handle(lib.ZVNgetenv(handle)))
 
     def __enter__(self):
         return self
@@ -106,28 +191,43 @@ class Model:
     def __exit__(self, *_):
         lib.ZVNfreemodel(self.handle)
 
-    def check(self, code):
-        if code:
-            raise LibraryError(code, lib.ZVNgetmerrormsg(self.handle).decode())
-
-    def call(self, function, *arguments):
-        self.check(getattr(lib, function)(self.handle, *arguments))
-
     def write(self, path):
         self.call("ZVNwrite", str(path).encode())
 
-    def number(self, attr, kind=Int):
-        value = kind()
-        self.call("ZVNgetintattr" if kind is Int else "ZVNgetdblattr", attr.encode(), ctypes.byref(value))
-        return value.value
+    def update(self):
+        self.call("ZVNupdatemodel")
 
-    def values(self, attr, count, kind):
-        letter = {Double: "dbl", Int: "int", ctypes.c_char: "char", Text: "str"}[kind]
-        out = (kind * max(1, count))()
-        self.call("ZVNget%sattrlist" % letter, attr.encode(), count, array(Int, range(count)), out)
-        if kind is ctypes.c_char:
-            return list(out[:count].decode())
-        return [value.decode() if kind is Text else value for value in out[:count]]
+    def info(self, name):
+        """Type, kind, settable of an attribute."""
+        values = [Int() for _ in range(3)]
+        self.call("ZVNgetattrinfo", name.encode(), *map(ctypes.byref, values))
+        return tuple(v.value for v in values)
+
+    def names(self):
+        name = Text()
+        for i in range(lib.ZVNgetnumattributes(self.handle)):
+            self.call("ZVNgetattrname", i, ctypes.byref(name))
+            yield name.value.decode()
+
+    def get(self, name, ind=None):
+        """The value of an attribute of the model, of the object with the index, or of those with the indices."""
+        c_type, letters = VALUE_TYPES[self.info(name)[0]]
+        if isinstance(ind, (list, range)):
+            out = (c_type * len(ind))()
+            self.call("ZVNget%sattrlist" % letters, name.encode(), len(ind), array(Int, ind), out)
+            return [decoded(value) for value in out]
+        value = c_type()
+        shape, where = ("attr", ()) if ind is None else ("attrelement", (ind,))
+        self.call("ZVNget%s%s" % (letters, shape), name.encode(), *where, ctypes.byref(value))
+        return decoded(value.value)
+
+    def set(self, name, value, ind=None):
+        c_type, letters = VALUE_TYPES[self.info(name)[0]]
+        if isinstance(ind, (list, range)):
+            values = (c_type * len(ind))(*map(encoded, value))
+            return self.call("ZVNset%sattrlist" % letters, name.encode(), len(ind), array(Int, ind), values)
+        shape, where = ("attr", ()) if ind is None else ("attrelement", (ind,))
+        return self.call("ZVNset%s%s" % (letters, shape), name.encode(), *where, c_type(encoded(value)))
 
     def add_columns(self, columns):
         name, kind, lb, ub, obj = zip(*columns) if columns else [()] * 5
@@ -158,12 +258,6 @@ class Model:
         x, y = zip(*points)
         self.call("ZVNsetpwlobj", col, len(points), array(Double, x), array(Double, y))
 
-    def set_text(self, attr, value):
-        self.call("ZVNsetstrattr", attr.encode(), value.encode())
-
-    def update(self):
-        self.call("ZVNupdatemodel")
-
     def entries(self, num, function="ZVNgetconstrs", *types):
         """The entries of the first rows or, with `ZVNgetsos` and an array for their types, sets."""
         count = Int()
@@ -175,25 +269,16 @@ class Model:
         return [list(zip(ind[s:e], val[s:e])) for s, e in zip(beg[:num], ends)]
 
     def sets(self):
-        types = (Int * self.number("NumSOS"))()
+        types = (Int * self.get("NumSOS"))()
         return list(zip(types, self.entries(len(types), "ZVNgetsos", types))) if types else []
 
     def content(self):
-        cols, rows = self.number("NumVars"), self.number("NumConstrs")
-        name = Text()
-        self.call("ZVNgetstrattr", b"ModelName", ctypes.byref(name))
-        columns = [self.values("VarName", cols, Text), self.values("VType", cols, ctypes.c_char)]
-        columns += [self.values(attr, cols, Double) for attr in ("LB", "UB", "Obj")]
-        sides = [self.values("ConstrName", rows, Text), self.values("Sense", rows, ctypes.c_char)]
-        sides += [self.values("RHS", rows, Double), [sorted(e) for e in self.entries(rows)] if rows else []]
-        return Content(
-            name.value.decode(),
-            self.number("ModelSense"),
-            self.number("ObjCon", Double),
-            list(zip(*columns)),
-            list(zip(*sides)),
-            self.sets(),
-        )
+        cols, rows = self.get("NumVars"), self.get("NumConstrs")
+        columns = [self.get(attr, range(cols)) for attr in ("VarName", "VType", "LB", "UB", "Obj")]
+        sides = [self.get(attr, range(rows)) for attr in ("ConstrName", "Sense", "RHS")]
+        sides += [[sorted(e) for e in self.entries(rows)] if rows else []]
+        head = [self.get(attr) for attr in ("ModelName", "ModelSense", "ObjCon")]
+        return Content(*head, list(zip(*columns)), list(zip(*sides)), self.sets())
 
 
 def highs_library():

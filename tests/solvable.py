@@ -1,6 +1,7 @@
-"""Models for the tests of solving."""
+"""Models for the tests of solving, and a listener to their log."""
 
 import random
+import re
 
 import zelvanpy
 from zelvanpy import ZVN
@@ -29,3 +30,23 @@ def assignment(env, size=40, seed=0):
     m.addConstrs(x.sum("*", j) == 1 for j in range(size))
     m.update()
     return m
+
+
+# A line of the search with a gap: a first solution is there, the proof is not.
+FOUND = r".*\d%.*\d%"
+
+
+class Listener:
+    """Stands in for sys.stdout and calls `react` with each text from the first one on that the pattern is found in."""
+
+    def __init__(self, pattern, react):
+        self.pattern, self.react, self.text, self.heard = re.compile(pattern), react, "", False
+
+    def write(self, text):
+        self.text += text
+        self.heard = self.heard or bool(self.pattern.search(text))
+        if self.heard:
+            self.react()
+
+    def flush(self):
+        pass

@@ -40,10 +40,10 @@ class Program:
             for kind, cols in self.sets:
                 model.add_set(kind, [(j, float(weight)) for weight, j in enumerate(cols)])
             model.call("ZVNoptimize")
-            status = model.number("Status")
-            if not model.number("SolCount"):
+            status = model.get("Status")
+            if not model.get("SolCount"):
                 return status, None, None
-            return status, model.number("ObjVal", Double), model.values("X", len(self.columns), Double)
+            return status, model.get("ObjVal"), model.get("X", range(len(self.columns)))
 
     def alternatives(self, slack):
         """For each column the intervals of which its value takes one, types and sets considered; an alternative for
@@ -285,7 +285,7 @@ def test_a_bounded_objective_limited_by_another_one(env):
         model.set_objective_n(0, 2, 1.0, 0.0, 0.0, "first", 0.0, [(0, 1e14), (1, -1.0)])
         model.set_objective_n(1, 1, 1.0, 0.0, 0.0, "second", 0.0, [(0, -1.0)])
         model.call("ZVNoptimize")
-        assert model.number("Status") == ZVN.OPTIMAL
+        assert model.get("Status") == ZVN.OPTIMAL
 
 
 def test_points_of_pool_and_files_hold(env_silent, tmp_path):

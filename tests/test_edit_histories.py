@@ -224,8 +224,8 @@ def add_set(model, some, columns):
 def answer(model):
     """Status, and the objective of an optimal model."""
     model.call("ZVNoptimize")
-    status = model.number("Status")
-    return status, model.number("ObjVal", Double) if status == OPTIMAL else 0.0
+    status = model.get("Status")
+    return status, model.get("ObjVal") if status == OPTIMAL else 0.0
 
 
 def check_history(env, seed):
@@ -244,6 +244,7 @@ def check_history(env, seed):
         return status
 
 
+# Slow: the kept session goes wrong only in few of many histories.
 def test_kept_session_answers_as_a_fresh_one():
     env = Environment(OutputFlag=0, UpdateMode=0, DualReductions=0)
     env.check(lib.ZVNsetdblparam(env.handle, b"MIPGap", Double(0.0)))

@@ -556,6 +556,7 @@ def test_a_model_stays_as_it_is_until_its_result_file_is_written(tmp_path, monke
 
 
 def test_each_thread_reads_the_text_of_its_own_failure(lp, tmp_path):
+    """Slow: the threads change places within a call in few of many rounds."""
     solved, refusals = threading.Event(), set()
 
     def fail():

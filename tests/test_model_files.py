@@ -578,8 +578,8 @@ def test_written_objectives_come_back(env, tmp_path_factory, data):
             replaced = replaced or bool(warnings)
             with env.read(path) as read_back:
                 assert write_text(env, read_back, path) == (texts_[ending], [])
-                assert read_back.number("NumObj") == max(1, len(several))
-                assert read_back.number("NumPWLObjVars") == len(terms)
+                assert read_back.get("NumObj") == max(1, len(several))
+                assert read_back.get("NumPWLObjVars") == len(terms)
                 other = write_text(env, read_back, folder / "other.lp")[0]
         # What the first format holds is all that the second one shows.
         assert replaced or other == texts_[".lp"]
@@ -666,7 +666,7 @@ def test_faulty_objectives(env, tmp_path, ending, old, new, line, words):
 
 def build(env, content):
     model = env.new()
-    model.set_text("ModelName", content.name)
+    model.set("ModelName", content.name)
     model.call("ZVNsetintattr", b"ModelSense", content.sense)
     model.call("ZVNsetdblattr", b"ObjCon", ctypes.c_double(content.constant))
     model.add_columns(content.columns)

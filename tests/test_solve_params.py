@@ -47,10 +47,9 @@ def instance(shared_data, name):
 )
 def test_limits_of_a_mip(env_silent, param, value, status):
     m = knapsacks(env_silent)
-    m.Params.TimeLimit = 60
     m.setParam(param, value)
     m.optimize()
-    assert m.Status == status and m.Runtime < 30
+    assert m.Status == status
     if param != "SoftMemLimit":
         assert m.SolCount >= 1 and m.MIPGap == pytest.approx((m.ObjBound - m.ObjVal) / m.ObjVal)
     m.setParam(param, "default")
@@ -263,6 +262,8 @@ def test_log(log_of, capfd):
 
 
 def test_display_interval(log_of):
+    """Slow: the shortest interval is a second, of which a solve must take several."""
+
     def progress_lines(interval):
         _, log = log_of(knapsacks, TimeLimit=3.5, DisplayInterval=interval, Heuristics=0)
         return [line for line in log.splitlines() if re.match(r"\s+\d+ .*s$", line)]
