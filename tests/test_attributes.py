@@ -186,6 +186,8 @@ def test_objects_and_values_to_write(lp):
     assert bounds_after({"k": x, "l": z}, 2) == [2.0, 1.0, 2.0]
     assert bounds_after({0: z, 1: y}, [30, 20]) == [2.0, 20.0, 30.0]
     assert bounds_after([], []) == bounds_after({}, {}) == [2.0, 20.0, 30.0]
+    assert bounds_after([y, z], [math.inf, 10**60])[1:] == [math.inf, math.inf]
+    assert bounds_after([y, z], [20, 30]) == [2.0, 20.0, 30.0]
 
     lp.setAttr("VarName", [x, y], ["first", "second"])
     lp.setAttr("VType", [x, y], "I")
@@ -194,7 +196,13 @@ def test_objects_and_values_to_write(lp):
     assert lp.VarName == ["first", "second", "z"] and lp.VType == ["I", "I", "I"]
     assert lp.BranchPriority == [2, -2, 0]  # a list entry is truncated, which one value would not be
 
-    refused(AttributeError, "Attribute 'UB' is not a Model attribute", lp.setAttr, "UB", 1.0)
+    # The first of several reasons is told.
+    for name in ("UB", "X"):
+        refused(AttributeError, "Attribute '%s' is not a Model attribute" % name, lp.setAttr, name, 1.0)
+    for target in (lp, x):
+        name = "NumVars" if target is lp else "X"
+        refused(AttributeError, "Attribute '%s' cannot be set" % name, setattr, target, name, "no number")
+    refused(AttributeError, "Attribute 'X' cannot be set", lp.setAttr, "X", [x, y], [1.0])
     lengths = "Attribute 'UB' inconsistent lengths of both arguments"
     refused(AttributeError, lengths, lp.setAttr, "UB", [x, y], [1.0])
     refused(AttributeError, lengths, lp.setAttr, "UB", x, [1.0, 2.0])

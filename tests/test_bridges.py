@@ -10,7 +10,7 @@ import sys
 
 import pytest
 from native import INFINITY, Double, Environment, lib
-from solvable import FOUND, Listener, knapsacks
+from solvable import Listener, knapsacks
 
 import zelvanpy
 from zelvanpy import ZVN, Env
@@ -236,8 +236,9 @@ def test_gap_ends_the_search(env_silent):
 
 def test_terminate_and_what_is_there_then(monkeypatch):
     m = lots(Env(), 150)
+    m.Params.DisplayInterval = 1
     m.Params.NodeLimit = 100000  # in case that nothing stops the solve
-    monkeypatch.setattr(sys, "stdout", Listener(r"(?m)^ *[A-Z]? +([2-9]|\d\d+) " + FOUND, m.terminate))
+    monkeypatch.setattr(sys, "stdout", Listener(r"(?m)^ +\d\d+ +\d+ +[-\d.]+ +[-\d.]+ +[\d.]+s", m.terminate))
     m.optimize()
     assert m.Status == ZVN.INTERRUPTED
     assert m.SolCount > 0 and m.ObjBound < m.ObjVal and m.NodeCount > 1

@@ -23,6 +23,32 @@ def test_objective_is_replaced_whole(model):
     assert model.getObjective().size() == 0
 
 
+def test_long_sums_by_plus_come_whole(model):
+    x = model.addVars(450, ub=1).values()
+    model.NumObj = 2
+    model.update()
+
+    def chain():
+        total = LinExpr(3.0)
+        for v in x:
+            total = total + v
+        return total
+
+    model.setObjective(chain())
+    model.setObjectiveN(chain(), 1)
+    rows = [model.addConstr(chain() <= 500), model.addConstr(x[0] - 1 <= chain()), model.addLConstr(chain(), "=", 450)]
+    rows += [model.addRange(chain(), -1, 7), model.addConstr(chain(), ZVN.GREATER_EQUAL, chain())]
+    model.update()
+    assert model.getAttr("Obj", x) == [1.0] * 450 and model.ObjCon == 3.0
+    assert content(model.getObjective(1)) == (3.0, [1.0] * 450)
+    assert [row.RHS for row in rows[:3]] == [497.0, 4.0, 447.0]
+    assert model.NumNZs == 450 + 449 + 450 + 450 + (model.NumVars - 450)
+
+
+def content(expr):
+    return expr.getConstant(), [expr.getCoeff(i) for i in range(expr.size())]
+
+
 def test_refused_objectives_change_nothing(model):
     x = model.addVar()
     other = zelvanpy.Model(env=model._uenv)

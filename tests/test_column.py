@@ -32,6 +32,9 @@ def test_building():
     assert content(column) == [(1.0, a), (2.0, b), (math.inf, c), (3.0, a), (4.0, c)]
     assert column._coeffs == [1.0, 2.0, math.inf, 3.0, 4.0] and column._constrs == [a, b, c, a, c]
     assert Column([1], [2])._constrs == [2]
+    again = Column(1.0, a)
+    again.__init__([2.0], [b])
+    assert content(again) == [(2.0, b)]
     twins = column.copy(), copy.copy(column)
     column.clear()
     assert column.size() == 0 and all(twin.size() == 5 and twin.getConstr(-1) is c for twin in twins)
@@ -76,6 +79,13 @@ def test_failures_change_nothing():
     refused("Array lengths don't match", column.addTerms, [1.0, 2.0], [a])
     refused("Second argument should be a list of Constr", column.addTerms, [1], [2])
     refused("Unsupported data type (<class 'str'>) for constraint argument", column.addTerms, 1.0, "x")
+
+    class Short(list):
+        def __len__(self):
+            return 2
+
+    refused("Array lengths don't match", column.addTerms, Short([1.0]), [a, b])
+    refused("Array lengths don't match", column.addTerms, [1.0, 2.0], Short([a]))
     for error, args in [(ValueError, (["a"], [a])), (TypeError, ([1.0], a)), (TypeError, ((i for i in [1]), [a]))]:
         with pytest.raises(error):
             column.addTerms(*args)

@@ -1,5 +1,7 @@
 """The classes of constants."""
 
+import sys
+
 import pytest
 
 import zelvanpy
@@ -39,6 +41,10 @@ def test_values_that_tables_could_confuse():
     assert ZVN.METHOD_NONE == ZVN.METHOD_AUTO == ZVN.CUTS_AUTO == -1
     assert (ZVN.NONBASIC_LOWER, ZVN.NONBASIC_UPPER, ZVN.SUPERBASIC) == (-1, -2, -3)
     assert (ZVN.Callback.MIPSOL_OBJ, ZVN.Callback.WORK, ZVN.Callback.BARRIER_COMPL) == (4002, 6003, 7006)
+    phases = {
+        name: getattr(ZVN.Callback, name) for name in ("PRESOLVE", "SIMPLEX", "MIP", "MIPSOL", "MIPNODE", "BARRIER")
+    }
+    assert phases == dict(PRESOLVE=1, SIMPLEX=2, MIP=3, MIPSOL=4, MIPNODE=5, BARRIER=7)
     assert ZVN.ERROR_SECURITY == 10032 and not hasattr(ZVN.Error, "SECURITY")
     assert (ZVN.VERSION_MAJOR, ZVN.VERSION_MINOR, ZVN.VERSION_TECHNICAL) == zelvanpy.zelvan.version()
 
@@ -60,6 +66,14 @@ def test_other_tables_refuse_nothing():
     ZVN.Error.MINE = 5
     assert ZVN.Error.MINE == 5
     del ZVN.Error.MINE
+
+    class Own(type(ZVN.Error)):
+        pass
+
+    count = sys.getrefcount(Own)
+    for _ in range(10):
+        Own()
+    assert sys.getrefcount(Own) == count
     ZVN.MINE = 6
     assert ZVN.MINE == 6
     del ZVN.MINE

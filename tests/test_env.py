@@ -142,13 +142,22 @@ def test_subclasses_fields_and_cycles():
     del env
     gc.collect()
     assert closed == ["first"] and alive() is None
+    env = Env()
+    env.held = Mine
+    count = sys.getrefcount(Mine)
+    del env
+    assert sys.getrefcount(Mine) == count - 1
     with pytest.raises(AttributeError):
         Env()._cenv = None
     assert Env() != Env()
     unmade = Env.__new__(Env)
     assert repr(unmade) == CLOSED
     unmade.close()
-    unmade.__init__()
+    unmade.__init__(os.devnull)
+    files = os.listdir("/proc/self/fd")
+    for _ in range(3):
+        unmade.__init__(os.devnull)
+    assert len(os.listdir("/proc/self/fd")) == len(files)
     unmade.__init__()
     assert repr(unmade) == "<zelvanpy.Env, No parameter changes>"
 

@@ -15,7 +15,7 @@ from solvable import FOUND, Listener, assignment, knapsacks
 import zelvanpy
 from zelvanpy import ZVN, ZelvanError
 
-# Interrupts itself in the middle of a solve, then shows that Python's own handler is back and nothing is left to happen.
+# Interrupts itself in the middle of a solve, then shows that Python's own handler is back and nothing is left.
 CHILD = """
 import signal, sys, threading
 sys.path[:0] = {path!r}

@@ -149,6 +149,20 @@ def test_reading_and_removing(xyz):
     e.addConstant(1)
     e.clear()
     assert content(e) == (0.0, [])
+    count = sys.getrefcount(z)
+    e = x + 2 * z + 3 * z
+    e.remove(1)
+    assert sys.getrefcount(z) == count + 1
+    e.remove(z)
+    assert sys.getrefcount(z) == count and terms(e) == [(1.0, 0)]
+
+
+def test_quicksum_of_products_with_constants(xyz):
+    expected = (6.0, [(2.0, 0), (2.0, 1), (2.0, 2)])
+    kept = [2 * v + 2 for v in xyz]
+    for roads in ((2 * v + 2 for v in xyz), kept, iter(kept), tuple(kept)):
+        assert content(quicksum(roads)) == expected
+    assert [content(e) for e in kept] == [(2.0, [(2.0, i)]) for i in range(3)]
 
 
 def test_positions_whose_code_changes_the_expression():
@@ -490,6 +504,11 @@ def test_value_of_solution(solved):
         (x + pending + removed, "Var has not yet been added to the model"),
     ]:
         refused(text, expression.getValue, code=0)
+    other = solved.copy()
+    other.setObjective(-y.X * other.getVars()[0])
+    other.optimize()
+    foreign = other.getVars()[0]
+    assert foreign.X != x.X and (x + 2 * foreign).getValue() == x.X + 2 * foreign.X
     solved.remove(y)
     assert (x + 2 * y).getValue() == x.X + 2 * y.X
 
@@ -530,6 +549,30 @@ def test_cycles_are_collected(tie, fields_first):
     tie(x, e)
     x._canary = canary
     del x, e, canary
+    gc.collect()
+    assert gone() is None
+
+
+@pytest.mark.parametrize(
+    "make",
+    [
+        lambda x: (x + 1).copy(),
+        lambda x: LinExpr(1.0) + 2 * x,
+        lambda x: quicksum(2 * x for _ in range(3)),
+        lambda x: quicksum([x] * 250) + x,
+        lambda x: LinExpr([1.0], [x]),
+        lambda x: 1 <= x + 0.0,
+    ],
+)
+def test_new_expressions_over_known_fields_are_found(make):
+    """The collector has seen the variable's fields; nothing but the expression is new."""
+    x, canary = Var(None, 0), Canary()
+    x._canary, x._made = canary, None
+    gone = weakref.ref(canary)
+    del canary
+    gc.collect()
+    x._made = make(x)
+    del x
     gc.collect()
     assert gone() is None
 

@@ -50,6 +50,23 @@ def test_a_text_that_would_be_cut_is_refused(env_silent):
     assert env_silent._getParamInfo("ResultFile")[2] == ""
 
 
+def test_arguments_are_given_once(model):
+    for function, args, keywords, text in (
+        (model.addVar, (1.0,), {"lb": 2.0}, "addVar() got multiple values for argument 'lb'"),
+        (Model, ("a",), {"name": "b"}, "Model() got multiple values for argument 'name'"),
+        (model.getAttr, ("NumVars", None, 1), {}, "getAttr() takes at most 2 arguments (3 given)"),
+        (model.setParam, ("Threads",), {}, "setParam() missing required argument 'newval' (pos 2)"),
+        (model.addVar, (), {"cost": 1.0}, "addVar() got an unexpected keyword argument 'cost'"),
+    ):
+        with pytest.raises(TypeError) as caught:
+            function(*args, **keywords)
+        assert str(caught.value) == text
+    with pytest.raises(OverflowError):
+        model.addVar(vtype="\u00e9")
+    model.update()
+    assert model.NumVars == 0
+
+
 def test_capsules(monkeypatch):
     unraisable = []
     monkeypatch.setattr("sys.unraisablehook", lambda args: unraisable.append(args.object))

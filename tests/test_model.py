@@ -1,5 +1,6 @@
 """The spine of Model: life, lists of handles, update and removal, files, log."""
 
+import contextlib
 import ctypes
 import gc
 import pathlib
@@ -552,6 +553,32 @@ def test_a_model_stays_as_it_is_until_its_result_file_is_written(tmp_path, monke
         m.optimize()
     assert m.Status == 2 and "C0" in (tmp_path / "result.lp").read_text()
     assert set(sum(refusals.values(), [])) == {10017} and "Warning" in refusals
+    m.dispose()
+
+
+def test_a_solve_within_a_solve_leaves_the_outer_one_marked(monkeypatch):
+    class Lax(Model):
+        def update(self):
+            with contextlib.suppress(ZelvanError):
+                super().update()
+
+    class Stream:
+        def write(self, _):
+            for call in (m.optimize, m.dispose):
+                with pytest.raises(ZelvanError) as refusal:
+                    call()
+                refusals.add(refusal.value.errno)
+
+        def flush(self):
+            pass
+
+    refusals = set()
+    m = Lax("", Env())
+    m.addVar(obj=1.0, lb=2.0)
+    with monkeypatch.context() as patch:
+        patch.setattr(sys, "stdout", Stream())
+        m.optimize()
+    assert (m.ObjVal, refusals) == (2.0, {10017})
     m.dispose()
 
 

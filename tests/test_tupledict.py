@@ -438,6 +438,38 @@ def test_keys_that_change_the_dict_while_it_is_read():
             outcome(t.prod, coeffs)
 
 
+class Terms:
+    """A term that acts on the dict when it is added or multiplied."""
+
+    def __init__(self, act):
+        self.act = act
+
+    def __radd__(self, total):
+        self.act()
+        return total
+
+    def __rmul__(self, coeff):
+        self.act()
+        return coeff
+
+
+def test_terms_that_change_the_dict_while_it_is_summed():
+    for pattern in (("*", 1), ()):
+        t = tupledict({(i, 1): float(i) for i in range(4)})
+        t[0, 1] = Terms(lambda: t.__setitem__((2, 1), 100.0))
+        t.setord([(i, 1) for i in range(4)])
+        t.sum("*", 2)
+        assert t.sum(*pattern).getConstant() == 104.0 and t.sum(*pattern).getConstant() == 104.0
+        t[0, 1] = Terms(lambda: t.pop((2, 1), None))
+        t.setord([(i, 1) for i in range(4)])
+        with pytest.raises(KeyError):
+            t.sum(*pattern)
+    coeffs = {1: 1.0, 2: 2.0}
+    t = tupledict({1: Terms(lambda: coeffs.setdefault(9, 9.0)), 2: 5.0, 3: 6.0})
+    with pytest.raises(RuntimeError, match="changed size during iteration"):
+        t.prod(coeffs)
+
+
 def test_iterators_that_are_asked_within_a_step():
     t = tupledict({(i, 2): i for i in range(3)})
     pairs = t.iteritems(Meddler(lambda: list(pairs)), Meddler(lambda: None))
