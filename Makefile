@@ -36,8 +36,10 @@ lint: build/lint/compile_commands.json $(VENV)/dev-tools
 	$(BIN)/ruff check .
 	$(BIN)/ruff format --check .
 
-# The typed stub against the module as built.
+# The typed stub against the module as built, and what it finds in code that uses the module.
 stubtest: $(VENV)/installed $(VENV)/dev-tools
+	$(BIN)/python ci/make_stub.py --check
+	$(BIN)/python ci/typing_check.py
 	$(BIN)/python -m mypy.stubtest zelvanpy --ignore-disjoint-bases \
 		--allowlist ci/stubtest_allowlist.txt --ignore-unused-allowlist
 

@@ -4,7 +4,19 @@ import io
 import os
 import types
 from collections.abc import Callable, Iterable, Iterator, Mapping, Sequence
-from typing import Any, ClassVar, Literal, NoReturn, SupportsFloat, SupportsIndex, SupportsInt, TypeAlias, TypeVar
+from typing import (
+    Any,
+    ClassVar,
+    Final,
+    Literal,
+    NoReturn,
+    SupportsFloat,
+    SupportsIndex,
+    SupportsInt,
+    TypeAlias,
+    TypeVar,
+    overload,
+)
 
 _T = TypeVar("_T")
 _K = TypeVar("_K")
@@ -69,6 +81,7 @@ class Env:
     def _getParamInfo(self, paramname: str, /) -> tuple[Any, ...] | None: ...
 
 class ParamClass:
+    # made by make_stub.py: ParamClass
     BarIterLimit: int
     Cutoff: float
     IterationLimit: float
@@ -241,197 +254,199 @@ class ParamClass:
     StartNumber: int
     Threads: int
     UpdateMode: int
+    # end
     def __init__(self, env: Env) -> None: ...
-    def __getattr__(self, name: str, /) -> Any: ...
-    def __setattr__(self, name: str, value: _ParamValue, /) -> None: ...
     def __delattr__(self, name: str, /) -> None: ...
     def __dir__(self) -> list[str]: ...
     def _getChangeList(self) -> str: ...
 
 class AttrConstClass:
-    NumConstrs: ClassVar[str]
-    NumVars: ClassVar[str]
-    NumSOS: ClassVar[str]
-    NumQConstrs: ClassVar[str]
-    NumGenConstrs: ClassVar[str]
-    NumNZs: ClassVar[str]
-    DNumNZs: ClassVar[str]
-    NumQNZs: ClassVar[str]
-    NumQCNZs: ClassVar[str]
-    NumIntVars: ClassVar[str]
-    NumBinVars: ClassVar[str]
-    NumPWLObjVars: ClassVar[str]
-    ModelName: ClassVar[str]
-    ModelSense: ClassVar[str]
-    ObjCon: ClassVar[str]
-    IsMIP: ClassVar[str]
-    IsQP: ClassVar[str]
-    IsQCP: ClassVar[str]
-    IsMultiObj: ClassVar[str]
-    IISMinimal: ClassVar[str]
-    Kappa: ClassVar[str]
-    KappaExact: ClassVar[str]
-    MaxCoeff: ClassVar[str]
-    MinCoeff: ClassVar[str]
-    MaxBound: ClassVar[str]
-    MinBound: ClassVar[str]
-    MaxObjCoeff: ClassVar[str]
-    MinObjCoeff: ClassVar[str]
-    MaxRHS: ClassVar[str]
-    MinRHS: ClassVar[str]
-    MaxQCRHS: ClassVar[str]
-    MinQCRHS: ClassVar[str]
-    MaxQCCoeff: ClassVar[str]
-    MinQCCoeff: ClassVar[str]
-    MaxQCLCoeff: ClassVar[str]
-    MinQCLCoeff: ClassVar[str]
-    MaxQObjCoeff: ClassVar[str]
-    MinQObjCoeff: ClassVar[str]
-    ObjVal: ClassVar[str]
-    ObjBound: ClassVar[str]
-    ObjBoundC: ClassVar[str]
-    PoolObjBound: ClassVar[str]
-    PoolObjVal: ClassVar[str]
-    MIPGap: ClassVar[str]
-    Runtime: ClassVar[str]
-    Work: ClassVar[str]
-    Status: ClassVar[str]
-    SolCount: ClassVar[str]
-    IterCount: ClassVar[str]
-    NodeCount: ClassVar[str]
-    BarIterCount: ClassVar[str]
-    FarkasProof: ClassVar[str]
-    NumStart: ClassVar[str]
-    TuneResultCount: ClassVar[str]
-    Fingerprint: ClassVar[str]
-    ConcurrentWinMethod: ClassVar[str]
-    LB: ClassVar[str]
-    UB: ClassVar[str]
-    Obj: ClassVar[str]
-    VType: ClassVar[str]
-    VarName: ClassVar[str]
-    X: ClassVar[str]
-    RC: ClassVar[str]
-    Xn: ClassVar[str]
-    BarX: ClassVar[str]
-    Start: ClassVar[str]
-    VarHintVal: ClassVar[str]
-    VarHintPri: ClassVar[str]
-    BranchPriority: ClassVar[str]
-    Partition: ClassVar[str]
-    VBasis: ClassVar[str]
-    PWLObjCvx: ClassVar[str]
-    PoolIgnore: ClassVar[str]
-    IISLB: ClassVar[str]
-    IISUB: ClassVar[str]
-    IISLBForce: ClassVar[str]
-    IISUBForce: ClassVar[str]
-    SAObjLow: ClassVar[str]
-    SAObjUp: ClassVar[str]
-    SALBLow: ClassVar[str]
-    SALBUp: ClassVar[str]
-    SAUBLow: ClassVar[str]
-    SAUBUp: ClassVar[str]
-    UnbdRay: ClassVar[str]
-    PStart: ClassVar[str]
-    PreFixVal: ClassVar[str]
-    VarPreStat: ClassVar[str]
-    VTag: ClassVar[str]
-    Sense: ClassVar[str]
-    RHS: ClassVar[str]
-    ConstrName: ClassVar[str]
-    Pi: ClassVar[str]
-    Slack: ClassVar[str]
-    CBasis: ClassVar[str]
-    IISConstr: ClassVar[str]
-    IISConstrForce: ClassVar[str]
-    SARHSLow: ClassVar[str]
-    SARHSUp: ClassVar[str]
-    FarkasDual: ClassVar[str]
-    DStart: ClassVar[str]
-    Lazy: ClassVar[str]
-    CTag: ClassVar[str]
-    IISSOS: ClassVar[str]
-    IISSOSForce: ClassVar[str]
-    QCSense: ClassVar[str]
-    QCRHS: ClassVar[str]
-    QCName: ClassVar[str]
-    IISQConstr: ClassVar[str]
-    IISQConstrForce: ClassVar[str]
-    QCPi: ClassVar[str]
-    QCSlack: ClassVar[str]
-    QCTag: ClassVar[str]
-    GenConstrType: ClassVar[str]
-    GenConstrName: ClassVar[str]
-    IISGenConstr: ClassVar[str]
-    IISGenConstrForce: ClassVar[str]
-    FuncPieceError: ClassVar[str]
-    FuncPieceLength: ClassVar[str]
-    FuncPieceRatio: ClassVar[str]
-    FuncPieces: ClassVar[str]
-    MaxVio: ClassVar[str]
-    BoundVio: ClassVar[str]
-    BoundSVio: ClassVar[str]
-    BoundVioIndex: ClassVar[str]
-    BoundSVioIndex: ClassVar[str]
-    BoundVioSum: ClassVar[str]
-    BoundSVioSum: ClassVar[str]
-    ConstrVio: ClassVar[str]
-    ConstrSVio: ClassVar[str]
-    ConstrVioIndex: ClassVar[str]
-    ConstrSVioIndex: ClassVar[str]
-    ConstrVioSum: ClassVar[str]
-    ConstrSVioSum: ClassVar[str]
-    ConstrResidual: ClassVar[str]
-    ConstrSResidual: ClassVar[str]
-    ConstrResidualIndex: ClassVar[str]
-    ConstrSResidualIndex: ClassVar[str]
-    ConstrResidualSum: ClassVar[str]
-    ConstrSResidualSum: ClassVar[str]
-    DualVio: ClassVar[str]
-    DualSVio: ClassVar[str]
-    DualVioIndex: ClassVar[str]
-    DualSVioIndex: ClassVar[str]
-    DualVioSum: ClassVar[str]
-    DualSVioSum: ClassVar[str]
-    DualResidual: ClassVar[str]
-    DualSResidual: ClassVar[str]
-    DualResidualIndex: ClassVar[str]
-    DualSResidualIndex: ClassVar[str]
-    DualResidualSum: ClassVar[str]
-    DualSResidualSum: ClassVar[str]
-    ComplVio: ClassVar[str]
-    ComplVioIndex: ClassVar[str]
-    ComplVioSum: ClassVar[str]
-    IntVio: ClassVar[str]
-    IntVioIndex: ClassVar[str]
-    IntVioSum: ClassVar[str]
-    ObjN: ClassVar[str]
-    ObjNCon: ClassVar[str]
-    ObjNPriority: ClassVar[str]
-    ObjNWeight: ClassVar[str]
-    ObjNRelTol: ClassVar[str]
-    ObjNAbsTol: ClassVar[str]
-    ObjNVal: ClassVar[str]
-    ObjNName: ClassVar[str]
-    NumObj: ClassVar[str]
-    ScenNLB: ClassVar[str]
-    ScenNUB: ClassVar[str]
-    ScenNObj: ClassVar[str]
-    ScenNRHS: ClassVar[str]
-    ScenNName: ClassVar[str]
-    ScenNX: ClassVar[str]
-    ScenNObjBound: ClassVar[str]
-    ScenNObjVal: ClassVar[str]
-    NumScenarios: ClassVar[str]
-    BatchErrorCode: ClassVar[str]
-    BatchErrorMessage: ClassVar[str]
-    BatchID: ClassVar[str]
-    BatchStatus: ClassVar[str]
+    # made by make_stub.py: AttrConstClass
+    NumConstrs: ClassVar[Literal["NumConstrs"]]
+    NumVars: ClassVar[Literal["NumVars"]]
+    NumSOS: ClassVar[Literal["NumSOS"]]
+    NumQConstrs: ClassVar[Literal["NumQConstrs"]]
+    NumGenConstrs: ClassVar[Literal["NumGenConstrs"]]
+    NumNZs: ClassVar[Literal["NumNZs"]]
+    DNumNZs: ClassVar[Literal["DNumNZs"]]
+    NumQNZs: ClassVar[Literal["NumQNZs"]]
+    NumQCNZs: ClassVar[Literal["NumQCNZs"]]
+    NumIntVars: ClassVar[Literal["NumIntVars"]]
+    NumBinVars: ClassVar[Literal["NumBinVars"]]
+    NumPWLObjVars: ClassVar[Literal["NumPWLObjVars"]]
+    ModelName: ClassVar[Literal["ModelName"]]
+    ModelSense: ClassVar[Literal["ModelSense"]]
+    ObjCon: ClassVar[Literal["ObjCon"]]
+    IsMIP: ClassVar[Literal["IsMIP"]]
+    IsQP: ClassVar[Literal["IsQP"]]
+    IsQCP: ClassVar[Literal["IsQCP"]]
+    IsMultiObj: ClassVar[Literal["IsMultiObj"]]
+    IISMinimal: ClassVar[Literal["IISMinimal"]]
+    Kappa: ClassVar[Literal["Kappa"]]
+    KappaExact: ClassVar[Literal["KappaExact"]]
+    MaxCoeff: ClassVar[Literal["MaxCoeff"]]
+    MinCoeff: ClassVar[Literal["MinCoeff"]]
+    MaxBound: ClassVar[Literal["MaxBound"]]
+    MinBound: ClassVar[Literal["MinBound"]]
+    MaxObjCoeff: ClassVar[Literal["MaxObjCoeff"]]
+    MinObjCoeff: ClassVar[Literal["MinObjCoeff"]]
+    MaxRHS: ClassVar[Literal["MaxRHS"]]
+    MinRHS: ClassVar[Literal["MinRHS"]]
+    MaxQCRHS: ClassVar[Literal["MaxQCRHS"]]
+    MinQCRHS: ClassVar[Literal["MinQCRHS"]]
+    MaxQCCoeff: ClassVar[Literal["MaxQCCoeff"]]
+    MinQCCoeff: ClassVar[Literal["MinQCCoeff"]]
+    MaxQCLCoeff: ClassVar[Literal["MaxQCLCoeff"]]
+    MinQCLCoeff: ClassVar[Literal["MinQCLCoeff"]]
+    MaxQObjCoeff: ClassVar[Literal["MaxQObjCoeff"]]
+    MinQObjCoeff: ClassVar[Literal["MinQObjCoeff"]]
+    ObjVal: ClassVar[Literal["ObjVal"]]
+    ObjBound: ClassVar[Literal["ObjBound"]]
+    ObjBoundC: ClassVar[Literal["ObjBoundC"]]
+    PoolObjBound: ClassVar[Literal["PoolObjBound"]]
+    PoolObjVal: ClassVar[Literal["PoolObjVal"]]
+    MIPGap: ClassVar[Literal["MIPGap"]]
+    Runtime: ClassVar[Literal["Runtime"]]
+    Work: ClassVar[Literal["Work"]]
+    Status: ClassVar[Literal["Status"]]
+    SolCount: ClassVar[Literal["SolCount"]]
+    IterCount: ClassVar[Literal["IterCount"]]
+    NodeCount: ClassVar[Literal["NodeCount"]]
+    BarIterCount: ClassVar[Literal["BarIterCount"]]
+    FarkasProof: ClassVar[Literal["FarkasProof"]]
+    NumStart: ClassVar[Literal["NumStart"]]
+    TuneResultCount: ClassVar[Literal["TuneResultCount"]]
+    Fingerprint: ClassVar[Literal["Fingerprint"]]
+    ConcurrentWinMethod: ClassVar[Literal["ConcurrentWinMethod"]]
+    LB: ClassVar[Literal["LB"]]
+    UB: ClassVar[Literal["UB"]]
+    Obj: ClassVar[Literal["Obj"]]
+    VType: ClassVar[Literal["VType"]]
+    VarName: ClassVar[Literal["VarName"]]
+    X: ClassVar[Literal["X"]]
+    RC: ClassVar[Literal["RC"]]
+    Xn: ClassVar[Literal["Xn"]]
+    BarX: ClassVar[Literal["BarX"]]
+    Start: ClassVar[Literal["Start"]]
+    VarHintVal: ClassVar[Literal["VarHintVal"]]
+    VarHintPri: ClassVar[Literal["VarHintPri"]]
+    BranchPriority: ClassVar[Literal["BranchPriority"]]
+    Partition: ClassVar[Literal["Partition"]]
+    VBasis: ClassVar[Literal["VBasis"]]
+    PWLObjCvx: ClassVar[Literal["PWLObjCvx"]]
+    PoolIgnore: ClassVar[Literal["PoolIgnore"]]
+    IISLB: ClassVar[Literal["IISLB"]]
+    IISUB: ClassVar[Literal["IISUB"]]
+    IISLBForce: ClassVar[Literal["IISLBForce"]]
+    IISUBForce: ClassVar[Literal["IISUBForce"]]
+    SAObjLow: ClassVar[Literal["SAObjLow"]]
+    SAObjUp: ClassVar[Literal["SAObjUp"]]
+    SALBLow: ClassVar[Literal["SALBLow"]]
+    SALBUp: ClassVar[Literal["SALBUp"]]
+    SAUBLow: ClassVar[Literal["SAUBLow"]]
+    SAUBUp: ClassVar[Literal["SAUBUp"]]
+    UnbdRay: ClassVar[Literal["UnbdRay"]]
+    PStart: ClassVar[Literal["PStart"]]
+    PreFixVal: ClassVar[Literal["PreFixVal"]]
+    VarPreStat: ClassVar[Literal["VarPreStat"]]
+    VTag: ClassVar[Literal["VTag"]]
+    Sense: ClassVar[Literal["Sense"]]
+    RHS: ClassVar[Literal["RHS"]]
+    ConstrName: ClassVar[Literal["ConstrName"]]
+    Pi: ClassVar[Literal["Pi"]]
+    Slack: ClassVar[Literal["Slack"]]
+    CBasis: ClassVar[Literal["CBasis"]]
+    IISConstr: ClassVar[Literal["IISConstr"]]
+    IISConstrForce: ClassVar[Literal["IISConstrForce"]]
+    SARHSLow: ClassVar[Literal["SARHSLow"]]
+    SARHSUp: ClassVar[Literal["SARHSUp"]]
+    FarkasDual: ClassVar[Literal["FarkasDual"]]
+    DStart: ClassVar[Literal["DStart"]]
+    Lazy: ClassVar[Literal["Lazy"]]
+    CTag: ClassVar[Literal["CTag"]]
+    IISSOS: ClassVar[Literal["IISSOS"]]
+    IISSOSForce: ClassVar[Literal["IISSOSForce"]]
+    QCSense: ClassVar[Literal["QCSense"]]
+    QCRHS: ClassVar[Literal["QCRHS"]]
+    QCName: ClassVar[Literal["QCName"]]
+    IISQConstr: ClassVar[Literal["IISQConstr"]]
+    IISQConstrForce: ClassVar[Literal["IISQConstrForce"]]
+    QCPi: ClassVar[Literal["QCPi"]]
+    QCSlack: ClassVar[Literal["QCSlack"]]
+    QCTag: ClassVar[Literal["QCTag"]]
+    GenConstrType: ClassVar[Literal["GenConstrType"]]
+    GenConstrName: ClassVar[Literal["GenConstrName"]]
+    IISGenConstr: ClassVar[Literal["IISGenConstr"]]
+    IISGenConstrForce: ClassVar[Literal["IISGenConstrForce"]]
+    FuncPieceError: ClassVar[Literal["FuncPieceError"]]
+    FuncPieceLength: ClassVar[Literal["FuncPieceLength"]]
+    FuncPieceRatio: ClassVar[Literal["FuncPieceRatio"]]
+    FuncPieces: ClassVar[Literal["FuncPieces"]]
+    MaxVio: ClassVar[Literal["MaxVio"]]
+    BoundVio: ClassVar[Literal["BoundVio"]]
+    BoundSVio: ClassVar[Literal["BoundSVio"]]
+    BoundVioIndex: ClassVar[Literal["BoundVioIndex"]]
+    BoundSVioIndex: ClassVar[Literal["BoundSVioIndex"]]
+    BoundVioSum: ClassVar[Literal["BoundVioSum"]]
+    BoundSVioSum: ClassVar[Literal["BoundSVioSum"]]
+    ConstrVio: ClassVar[Literal["ConstrVio"]]
+    ConstrSVio: ClassVar[Literal["ConstrSVio"]]
+    ConstrVioIndex: ClassVar[Literal["ConstrVioIndex"]]
+    ConstrSVioIndex: ClassVar[Literal["ConstrSVioIndex"]]
+    ConstrVioSum: ClassVar[Literal["ConstrVioSum"]]
+    ConstrSVioSum: ClassVar[Literal["ConstrSVioSum"]]
+    ConstrResidual: ClassVar[Literal["ConstrResidual"]]
+    ConstrSResidual: ClassVar[Literal["ConstrSResidual"]]
+    ConstrResidualIndex: ClassVar[Literal["ConstrResidualIndex"]]
+    ConstrSResidualIndex: ClassVar[Literal["ConstrSResidualIndex"]]
+    ConstrResidualSum: ClassVar[Literal["ConstrResidualSum"]]
+    ConstrSResidualSum: ClassVar[Literal["ConstrSResidualSum"]]
+    DualVio: ClassVar[Literal["DualVio"]]
+    DualSVio: ClassVar[Literal["DualSVio"]]
+    DualVioIndex: ClassVar[Literal["DualVioIndex"]]
+    DualSVioIndex: ClassVar[Literal["DualSVioIndex"]]
+    DualVioSum: ClassVar[Literal["DualVioSum"]]
+    DualSVioSum: ClassVar[Literal["DualSVioSum"]]
+    DualResidual: ClassVar[Literal["DualResidual"]]
+    DualSResidual: ClassVar[Literal["DualSResidual"]]
+    DualResidualIndex: ClassVar[Literal["DualResidualIndex"]]
+    DualSResidualIndex: ClassVar[Literal["DualSResidualIndex"]]
+    DualResidualSum: ClassVar[Literal["DualResidualSum"]]
+    DualSResidualSum: ClassVar[Literal["DualSResidualSum"]]
+    ComplVio: ClassVar[Literal["ComplVio"]]
+    ComplVioIndex: ClassVar[Literal["ComplVioIndex"]]
+    ComplVioSum: ClassVar[Literal["ComplVioSum"]]
+    IntVio: ClassVar[Literal["IntVio"]]
+    IntVioIndex: ClassVar[Literal["IntVioIndex"]]
+    IntVioSum: ClassVar[Literal["IntVioSum"]]
+    ObjN: ClassVar[Literal["ObjN"]]
+    ObjNCon: ClassVar[Literal["ObjNCon"]]
+    ObjNPriority: ClassVar[Literal["ObjNPriority"]]
+    ObjNWeight: ClassVar[Literal["ObjNWeight"]]
+    ObjNRelTol: ClassVar[Literal["ObjNRelTol"]]
+    ObjNAbsTol: ClassVar[Literal["ObjNAbsTol"]]
+    ObjNVal: ClassVar[Literal["ObjNVal"]]
+    ObjNName: ClassVar[Literal["ObjNName"]]
+    NumObj: ClassVar[Literal["NumObj"]]
+    ScenNLB: ClassVar[Literal["ScenNLB"]]
+    ScenNUB: ClassVar[Literal["ScenNUB"]]
+    ScenNObj: ClassVar[Literal["ScenNObj"]]
+    ScenNRHS: ClassVar[Literal["ScenNRHS"]]
+    ScenNName: ClassVar[Literal["ScenNName"]]
+    ScenNX: ClassVar[Literal["ScenNX"]]
+    ScenNObjBound: ClassVar[Literal["ScenNObjBound"]]
+    ScenNObjVal: ClassVar[Literal["ScenNObjVal"]]
+    NumScenarios: ClassVar[Literal["NumScenarios"]]
+    BatchErrorCode: ClassVar[Literal["BatchErrorCode"]]
+    BatchErrorMessage: ClassVar[Literal["BatchErrorMessage"]]
+    BatchID: ClassVar[Literal["BatchID"]]
+    BatchStatus: ClassVar[Literal["BatchStatus"]]
+    # end
     def __setattr__(self, name: str, value: object, /) -> NoReturn: ...
     def __delattr__(self, name: str, /) -> NoReturn: ...
 
 class ParamConstClass:
+    # made by make_stub.py: ParamConstClass
     BarIterLimit: ClassVar[str]
     Cutoff: ClassVar[str]
     IterationLimit: ClassVar[str]
@@ -604,10 +619,12 @@ class ParamConstClass:
     StartNumber: ClassVar[str]
     Threads: ClassVar[str]
     UpdateMode: ClassVar[str]
+    # end
     def __setattr__(self, name: str, value: object, /) -> NoReturn: ...
     def __delattr__(self, name: str, /) -> NoReturn: ...
 
 class StatusConstClass:
+    # made by make_stub.py: StatusConstClass
     LOADED: ClassVar[int]
     OPTIMAL: ClassVar[int]
     INFEASIBLE: ClassVar[int]
@@ -625,10 +642,12 @@ class StatusConstClass:
     USER_OBJ_LIMIT: ClassVar[int]
     WORK_LIMIT: ClassVar[int]
     MEM_LIMIT: ClassVar[int]
+    # end
     def __setattr__(self, name: str, value: object, /) -> NoReturn: ...
     def __delattr__(self, name: str, /) -> NoReturn: ...
 
 class ErrorConstClass:
+    # made by make_stub.py: ErrorConstClass
     OUT_OF_MEMORY: ClassVar[int]
     NULL_ARGUMENT: ClassVar[int]
     INVALID_ARGUMENT: ClassVar[int]
@@ -661,8 +680,10 @@ class ErrorConstClass:
     NOT_IN_MODEL: ClassVar[int]
     FAILED_TO_CREATE_MODEL: ClassVar[int]
     INTERNAL: ClassVar[int]
+    # end
 
 class CallbackClass:
+    # made by make_stub.py: CallbackClass
     POLLING: ClassVar[int]
     PRESOLVE: ClassVar[int]
     SIMPLEX: ClassVar[int]
@@ -727,6 +748,7 @@ class CallbackClass:
     IIS_BOUNDMIN: ClassVar[int]
     IIS_BOUNDMAX: ClassVar[int]
     IIS_BOUNDGUESS: ClassVar[int]
+    # end
 
 class ZVN:
     attr: ClassVar[AttrConstClass]
@@ -739,6 +761,7 @@ class ZVN:
     Error: ClassVar[ErrorConstClass]
     status: ClassVar[StatusConstClass]
     Status: ClassVar[StatusConstClass]
+    # made by make_stub.py: ZVN
     LOADED: ClassVar[int]
     OPTIMAL: ClassVar[int]
     INFEASIBLE: ClassVar[int]
@@ -858,49 +881,347 @@ class ZVN:
     SEMIINT: ClassVar[str]
     INFINITY: ClassVar[float]
     UNDEFINED: ClassVar[float]
+    # end
 
 _Linear: TypeAlias = "SupportsFloat | Var | LinExpr"
-_AttrValue = SupportsFloat | str
 _ModelT = TypeVar("_ModelT", bound="Model")
 
+# made by make_stub.py: names of attributes
+_ModelFloat: TypeAlias = Literal[
+    "DNumNZs",
+    "ObjCon",
+    "Kappa",
+    "KappaExact",
+    "MaxCoeff",
+    "MinCoeff",
+    "MaxBound",
+    "MinBound",
+    "MaxObjCoeff",
+    "MinObjCoeff",
+    "MaxRHS",
+    "MinRHS",
+    "MaxQCRHS",
+    "MinQCRHS",
+    "MaxQCCoeff",
+    "MinQCCoeff",
+    "MaxQCLCoeff",
+    "MinQCLCoeff",
+    "MaxQObjCoeff",
+    "MinQObjCoeff",
+    "ObjVal",
+    "ObjBound",
+    "ObjBoundC",
+    "PoolObjBound",
+    "PoolObjVal",
+    "MIPGap",
+    "Runtime",
+    "Work",
+    "IterCount",
+    "NodeCount",
+    "FarkasProof",
+    "MaxVio",
+    "BoundVio",
+    "BoundSVio",
+    "BoundVioSum",
+    "BoundSVioSum",
+    "ConstrVio",
+    "ConstrSVio",
+    "ConstrVioSum",
+    "ConstrSVioSum",
+    "ConstrResidual",
+    "ConstrSResidual",
+    "ConstrResidualSum",
+    "ConstrSResidualSum",
+    "DualVio",
+    "DualSVio",
+    "DualVioSum",
+    "DualSVioSum",
+    "DualResidual",
+    "DualSResidual",
+    "DualResidualSum",
+    "DualSResidualSum",
+    "ComplVio",
+    "ComplVioSum",
+    "IntVio",
+    "IntVioSum",
+    "ObjNCon",
+    "ObjNWeight",
+    "ObjNRelTol",
+    "ObjNAbsTol",
+    "ObjNVal",
+    "ScenNObjBound",
+    "ScenNObjVal",
+]
+_ModelFloatSet: TypeAlias = Literal[
+    "ObjCon",
+    "ObjNCon",
+    "ObjNWeight",
+    "ObjNRelTol",
+    "ObjNAbsTol",
+]
+_ModelInt: TypeAlias = Literal[
+    "NumConstrs",
+    "NumVars",
+    "NumSOS",
+    "NumQConstrs",
+    "NumGenConstrs",
+    "NumNZs",
+    "NumQNZs",
+    "NumQCNZs",
+    "NumIntVars",
+    "NumBinVars",
+    "NumPWLObjVars",
+    "ModelSense",
+    "IsMIP",
+    "IsQP",
+    "IsQCP",
+    "IsMultiObj",
+    "IISMinimal",
+    "Status",
+    "SolCount",
+    "BarIterCount",
+    "NumStart",
+    "TuneResultCount",
+    "Fingerprint",
+    "ConcurrentWinMethod",
+    "BoundVioIndex",
+    "BoundSVioIndex",
+    "ConstrVioIndex",
+    "ConstrSVioIndex",
+    "ConstrResidualIndex",
+    "ConstrSResidualIndex",
+    "DualVioIndex",
+    "DualSVioIndex",
+    "DualResidualIndex",
+    "DualSResidualIndex",
+    "ComplVioIndex",
+    "IntVioIndex",
+    "ObjNPriority",
+    "NumObj",
+    "NumScenarios",
+    "BatchErrorCode",
+    "BatchStatus",
+]
+_ModelIntSet: TypeAlias = Literal[
+    "ModelSense",
+    "NumStart",
+    "ObjNPriority",
+    "NumObj",
+]
+_ModelStr: TypeAlias = Literal[
+    "ModelName",
+    "ObjNName",
+    "ScenNName",
+    "BatchErrorMessage",
+    "BatchID",
+]
+_ModelStrSet: TypeAlias = Literal[
+    "ModelName",
+    "ObjNName",
+    "ScenNName",
+]
+_VarFloat: TypeAlias = Literal[
+    "LB",
+    "UB",
+    "Obj",
+    "X",
+    "RC",
+    "Xn",
+    "BarX",
+    "Start",
+    "VarHintVal",
+    "SAObjLow",
+    "SAObjUp",
+    "SALBLow",
+    "SALBUp",
+    "SAUBLow",
+    "SAUBUp",
+    "UnbdRay",
+    "PStart",
+    "PreFixVal",
+    "ObjN",
+    "ScenNLB",
+    "ScenNUB",
+    "ScenNObj",
+    "ScenNX",
+]
+_VarFloatSet: TypeAlias = Literal[
+    "LB",
+    "UB",
+    "Obj",
+    "Start",
+    "VarHintVal",
+    "PStart",
+    "ObjN",
+    "ScenNLB",
+    "ScenNUB",
+    "ScenNObj",
+]
+_VarInt: TypeAlias = Literal[
+    "VarHintPri",
+    "BranchPriority",
+    "Partition",
+    "VBasis",
+    "PWLObjCvx",
+    "PoolIgnore",
+    "IISLB",
+    "IISUB",
+    "IISLBForce",
+    "IISUBForce",
+    "VarPreStat",
+]
+_VarIntSet: TypeAlias = Literal[
+    "VarHintPri",
+    "BranchPriority",
+    "Partition",
+    "VBasis",
+    "PoolIgnore",
+    "IISLBForce",
+    "IISUBForce",
+]
+_VarStr: TypeAlias = Literal[
+    "VType",
+    "VarName",
+    "VTag",
+]
+_VarStrSet: TypeAlias = Literal[
+    "VType",
+    "VarName",
+    "VTag",
+]
+_ConstrFloat: TypeAlias = Literal[
+    "RHS",
+    "Pi",
+    "Slack",
+    "SARHSLow",
+    "SARHSUp",
+    "FarkasDual",
+    "DStart",
+    "ScenNRHS",
+]
+_ConstrFloatSet: TypeAlias = Literal[
+    "RHS",
+    "DStart",
+    "ScenNRHS",
+]
+_ConstrInt: TypeAlias = Literal[
+    "CBasis",
+    "IISConstr",
+    "IISConstrForce",
+    "Lazy",
+]
+_ConstrIntSet: TypeAlias = Literal[
+    "CBasis",
+    "IISConstrForce",
+    "Lazy",
+]
+_ConstrStr: TypeAlias = Literal[
+    "Sense",
+    "ConstrName",
+    "CTag",
+]
+_ConstrStrSet: TypeAlias = Literal[
+    "Sense",
+    "ConstrName",
+    "CTag",
+]
+_SOSInt: TypeAlias = Literal[
+    "IISSOS",
+    "IISSOSForce",
+]
+_SOSIntSet: TypeAlias = Literal["IISSOSForce"]
+_QConstrFloat: TypeAlias = Literal[
+    "QCRHS",
+    "QCPi",
+    "QCSlack",
+]
+_QConstrFloatSet: TypeAlias = Literal["QCRHS"]
+_QConstrInt: TypeAlias = Literal[
+    "IISQConstr",
+    "IISQConstrForce",
+]
+_QConstrIntSet: TypeAlias = Literal["IISQConstrForce"]
+_QConstrStr: TypeAlias = Literal[
+    "QCSense",
+    "QCName",
+    "QCTag",
+]
+_QConstrStrSet: TypeAlias = Literal[
+    "QCSense",
+    "QCName",
+    "QCTag",
+]
+_GenConstrFloat: TypeAlias = Literal[
+    "FuncPieceError",
+    "FuncPieceLength",
+    "FuncPieceRatio",
+]
+_GenConstrFloatSet: TypeAlias = Literal[
+    "FuncPieceError",
+    "FuncPieceLength",
+    "FuncPieceRatio",
+]
+_GenConstrInt: TypeAlias = Literal[
+    "GenConstrType",
+    "IISGenConstr",
+    "IISGenConstrForce",
+    "FuncPieces",
+]
+_GenConstrIntSet: TypeAlias = Literal[
+    "IISGenConstrForce",
+    "FuncPieces",
+]
+_GenConstrStr: TypeAlias = Literal["GenConstrName"]
+_GenConstrStrSet: TypeAlias = Literal["GenConstrName"]
+# end
+
+_FloatName: TypeAlias = _VarFloat | _ConstrFloat | _QConstrFloat | _GenConstrFloat
+_IntName: TypeAlias = _VarInt | _ConstrInt | _SOSInt | _QConstrInt | _GenConstrInt
+_StrName: TypeAlias = _VarStr | _ConstrStr | _QConstrStr | _GenConstrStr
+_FloatSetName: TypeAlias = _VarFloatSet | _ConstrFloatSet | _QConstrFloatSet | _GenConstrFloatSet
+_IntSetName: TypeAlias = _VarIntSet | _ConstrIntSet | _SOSIntSet | _QConstrIntSet | _GenConstrIntSet
+_StrSetName: TypeAlias = _VarStrSet | _ConstrStrSet | _QConstrStrSet | _GenConstrStrSet
+
 class Var:
+    # made by make_stub.py: Var
     LB: float
     UB: float
     Obj: float
     VType: str
     VarName: str
-    X: float
-    RC: float
-    Xn: float
-    BarX: float
+    X: Final[float]
+    RC: Final[float]
+    Xn: Final[float]
+    BarX: Final[float]
     Start: float
-    VarHintVal: float  # kept, doesn't act on a solve yet
-    VarHintPri: int  # kept, doesn't act on a solve yet
-    BranchPriority: int  # kept, doesn't act on a solve yet
-    Partition: int  # kept, doesn't act on a solve yet
+    VarHintVal: float
+    VarHintPri: int
+    BranchPriority: int
+    Partition: int
     VBasis: int
-    PWLObjCvx: int
-    PoolIgnore: int  # kept, doesn't act on a solve yet
-    IISLB: int
-    IISUB: int
+    PWLObjCvx: Final[int]
+    PoolIgnore: int
+    IISLB: Final[int]
+    IISUB: Final[int]
     IISLBForce: int
     IISUBForce: int
-    SAObjLow: float
-    SAObjUp: float
-    SALBLow: float
-    SALBUp: float
-    SAUBLow: float
-    SAUBUp: float
-    UnbdRay: float
-    PStart: float  # kept, doesn't act on a solve yet
-    PreFixVal: float
-    VarPreStat: int
+    SAObjLow: Final[float]
+    SAObjUp: Final[float]
+    SALBLow: Final[float]
+    SALBUp: Final[float]
+    SAUBLow: Final[float]
+    SAUBUp: Final[float]
+    UnbdRay: Final[float]
+    PStart: float
+    PreFixVal: Final[float]
+    VarPreStat: Final[int]
     VTag: str
     ObjN: float
     ScenNLB: float
     ScenNUB: float
     ScenNObj: float
-    ScenNX: float
+    ScenNX: Final[float]
+    # end
     @property
     def _cmodel(self) -> object: ...
     @property
@@ -911,12 +1232,22 @@ class Var:
     def _typeenum(self) -> int: ...
     def __init__(self, cmodel: object, colno: SupportsInt) -> None: ...
     def __cindex__(self) -> int: ...
-    def __getattr__(self, name: str, /) -> Any: ...
-    def __setattr__(self, name: str, value: Any, /) -> None: ...
     def __delattr__(self, name: str, /) -> None: ...
     def __dir__(self) -> list[str]: ...
-    def getAttr(self, attrname: str) -> Any: ...
-    def setAttr(self, attrname: str, newval: _AttrValue) -> None: ...
+    # made by make_stub.py: Var by name
+    @overload
+    def getAttr(self, attrname: _VarFloat) -> float: ...
+    @overload
+    def getAttr(self, attrname: _VarInt) -> int: ...
+    @overload
+    def getAttr(self, attrname: _VarStr) -> str: ...
+    @overload
+    def setAttr(self, attrname: _VarFloatSet, newval: SupportsFloat) -> None: ...
+    @overload
+    def setAttr(self, attrname: _VarIntSet, newval: int) -> None: ...
+    @overload
+    def setAttr(self, attrname: _VarStrSet, newval: str) -> None: ...
+    # end
     def prefetchAttr(self, attrname: str) -> None: ...
     @property
     def index(self) -> int: ...
@@ -942,21 +1273,23 @@ class Var:
     def __div__(self, constant: SupportsFloat, /) -> LinExpr: ...
 
 class Constr:
+    # made by make_stub.py: Constr
     Sense: str
     RHS: float
     ConstrName: str
-    Pi: float
-    Slack: float
+    Pi: Final[float]
+    Slack: Final[float]
     CBasis: int
-    IISConstr: int
+    IISConstr: Final[int]
     IISConstrForce: int
-    SARHSLow: float
-    SARHSUp: float
-    FarkasDual: float
-    DStart: float  # kept, doesn't act on a solve yet
-    Lazy: int  # kept, doesn't act on a solve yet
+    SARHSLow: Final[float]
+    SARHSUp: Final[float]
+    FarkasDual: Final[float]
+    DStart: float
+    Lazy: int
     CTag: str
     ScenNRHS: float
+    # end
     @property
     def _cmodel(self) -> object: ...
     @property
@@ -967,12 +1300,22 @@ class Constr:
     def _typeenum(self) -> int: ...
     def __init__(self, cmodel: object, rowno: SupportsInt) -> None: ...
     def __cindex__(self) -> int: ...
-    def __getattr__(self, name: str, /) -> Any: ...
-    def __setattr__(self, name: str, value: Any, /) -> None: ...
     def __delattr__(self, name: str, /) -> None: ...
     def __dir__(self) -> list[str]: ...
-    def getAttr(self, attrname: str) -> Any: ...
-    def setAttr(self, attrname: str, newval: _AttrValue) -> None: ...
+    # made by make_stub.py: Constr by name
+    @overload
+    def getAttr(self, attrname: _ConstrFloat) -> float: ...
+    @overload
+    def getAttr(self, attrname: _ConstrInt) -> int: ...
+    @overload
+    def getAttr(self, attrname: _ConstrStr) -> str: ...
+    @overload
+    def setAttr(self, attrname: _ConstrFloatSet, newval: SupportsFloat) -> None: ...
+    @overload
+    def setAttr(self, attrname: _ConstrIntSet, newval: int) -> None: ...
+    @overload
+    def setAttr(self, attrname: _ConstrStrSet, newval: str) -> None: ...
+    # end
     def prefetchAttr(self, attrname: str) -> None: ...
     @property
     def index(self) -> int: ...
@@ -980,8 +1323,10 @@ class Constr:
     def __numrows__(self) -> int: ...
 
 class SOS:
-    IISSOS: int
+    # made by make_stub.py: SOS
+    IISSOS: Final[int]
     IISSOSForce: int
+    # end
     @property
     def _cmodel(self) -> object: ...
     @property
@@ -992,23 +1337,25 @@ class SOS:
     def _typeenum(self) -> int: ...
     def __init__(self, cmodel: object, sosno: SupportsInt) -> None: ...
     def __cindex__(self) -> int: ...
-    def __getattr__(self, name: str, /) -> Any: ...
-    def __setattr__(self, name: str, value: Any, /) -> None: ...
     def __delattr__(self, name: str, /) -> None: ...
     def __dir__(self) -> list[str]: ...
-    def getAttr(self, attrname: str) -> Any: ...
-    def setAttr(self, attrname: str, newval: _AttrValue) -> None: ...
+    # made by make_stub.py: SOS by name
+    def getAttr(self, attrname: _SOSInt) -> int: ...
+    def setAttr(self, attrname: _SOSIntSet, newval: int) -> None: ...
+    # end
     def prefetchAttr(self, attrname: str) -> None: ...
 
 class QConstr:
+    # made by make_stub.py: QConstr
     QCSense: str
     QCRHS: float
     QCName: str
-    IISQConstr: int
+    IISQConstr: Final[int]
     IISQConstrForce: int
-    QCPi: float
-    QCSlack: float
+    QCPi: Final[float]
+    QCSlack: Final[float]
     QCTag: str
+    # end
     @property
     def _cmodel(self) -> object: ...
     @property
@@ -1019,23 +1366,35 @@ class QConstr:
     def _typeenum(self) -> int: ...
     def __init__(self, cmodel: object, qconstrno: SupportsInt) -> None: ...
     def __cindex__(self) -> int: ...
-    def __getattr__(self, name: str, /) -> Any: ...
-    def __setattr__(self, name: str, value: Any, /) -> None: ...
     def __delattr__(self, name: str, /) -> None: ...
     def __dir__(self) -> list[str]: ...
-    def getAttr(self, attrname: str) -> Any: ...
-    def setAttr(self, attrname: str, newval: _AttrValue) -> None: ...
+    # made by make_stub.py: QConstr by name
+    @overload
+    def getAttr(self, attrname: _QConstrFloat) -> float: ...
+    @overload
+    def getAttr(self, attrname: _QConstrInt) -> int: ...
+    @overload
+    def getAttr(self, attrname: _QConstrStr) -> str: ...
+    @overload
+    def setAttr(self, attrname: _QConstrFloatSet, newval: SupportsFloat) -> None: ...
+    @overload
+    def setAttr(self, attrname: _QConstrIntSet, newval: int) -> None: ...
+    @overload
+    def setAttr(self, attrname: _QConstrStrSet, newval: str) -> None: ...
+    # end
     def prefetchAttr(self, attrname: str) -> None: ...
 
 class GenConstr:
-    GenConstrType: int
+    # made by make_stub.py: GenConstr
+    GenConstrType: Final[int]
     GenConstrName: str
-    IISGenConstr: int
+    IISGenConstr: Final[int]
     IISGenConstrForce: int
     FuncPieceError: float
     FuncPieceLength: float
     FuncPieceRatio: float
     FuncPieces: int
+    # end
     @property
     def _cmodel(self) -> object: ...
     @property
@@ -1046,13 +1405,33 @@ class GenConstr:
     def _typeenum(self) -> int: ...
     def __init__(self, cmodel: object, genconstrno: SupportsInt) -> None: ...
     def __cindex__(self) -> int: ...
-    def __getattr__(self, name: str, /) -> Any: ...
-    def __setattr__(self, name: str, value: Any, /) -> None: ...
     def __delattr__(self, name: str, /) -> None: ...
     def __dir__(self) -> list[str]: ...
-    def getAttr(self, attrname: str) -> Any: ...
-    def setAttr(self, attrname: str, newval: _AttrValue) -> None: ...
+    # made by make_stub.py: GenConstr by name
+    @overload
+    def getAttr(self, attrname: _GenConstrFloat) -> float: ...
+    @overload
+    def getAttr(self, attrname: _GenConstrInt) -> int: ...
+    @overload
+    def getAttr(self, attrname: _GenConstrStr) -> str: ...
+    @overload
+    def setAttr(self, attrname: _GenConstrFloatSet, newval: SupportsFloat) -> None: ...
+    @overload
+    def setAttr(self, attrname: _GenConstrIntSet, newval: int) -> None: ...
+    @overload
+    def setAttr(self, attrname: _GenConstrStrSet, newval: str) -> None: ...
+    # end
     def prefetchAttr(self, attrname: str) -> None: ...
+
+# One for all keys, by key, or in order, also nested as an array is.
+_Numbers: TypeAlias = (
+    SupportsFloat
+    | Mapping[Any, SupportsFloat]
+    | Iterable[SupportsFloat]
+    | Iterable[Iterable[SupportsFloat]]
+    | Iterable[Iterable[Iterable[SupportsFloat]]]
+)
+_Texts: TypeAlias = str | Mapping[Any, str] | Iterable[str] | Iterable[Iterable[str]]
 
 _Handle = Var | Constr | SOS | QConstr | GenConstr
 _Removable = _Handle | Sequence[_Removable] | Mapping[Any, _Removable]
@@ -1177,117 +1556,119 @@ def multidict(data: Mapping[Any, Any] | Iterable[tuple[Any, Any]]) -> list[Any]:
 def quicksum(list: Iterable[_Linear]) -> LinExpr: ...
 
 class Model:
-    NumConstrs: int
-    NumVars: int
-    NumSOS: int
-    NumQConstrs: int
-    NumGenConstrs: int
-    NumNZs: int
-    DNumNZs: float
-    NumQNZs: int
-    NumQCNZs: int
-    NumIntVars: int
-    NumBinVars: int
-    NumPWLObjVars: int
+    Params: ParamClass
+    params: ParamClass
+    # made by make_stub.py: Model
+    NumConstrs: Final[int]
+    NumVars: Final[int]
+    NumSOS: Final[int]
+    NumQConstrs: Final[int]
+    NumGenConstrs: Final[int]
+    NumNZs: Final[int]
+    DNumNZs: Final[float]
+    NumQNZs: Final[int]
+    NumQCNZs: Final[int]
+    NumIntVars: Final[int]
+    NumBinVars: Final[int]
+    NumPWLObjVars: Final[int]
     ModelName: str
     ModelSense: int
     ObjCon: float
-    IsMIP: int
-    IsQP: int
-    IsQCP: int
-    IsMultiObj: int
-    IISMinimal: int
-    Kappa: float
-    KappaExact: float
-    MaxCoeff: float
-    MinCoeff: float
-    MaxBound: float
-    MinBound: float
-    MaxObjCoeff: float
-    MinObjCoeff: float
-    MaxRHS: float
-    MinRHS: float
-    MaxQCRHS: float
-    MinQCRHS: float
-    MaxQCCoeff: float
-    MinQCCoeff: float
-    MaxQCLCoeff: float
-    MinQCLCoeff: float
-    MaxQObjCoeff: float
-    MinQObjCoeff: float
-    ObjVal: float
-    ObjBound: float
-    ObjBoundC: float
-    PoolObjBound: float
-    PoolObjVal: float
-    MIPGap: float
-    Runtime: float
-    Work: float
-    Status: int
-    SolCount: int
-    IterCount: float
-    NodeCount: float
-    BarIterCount: int
-    FarkasProof: float
+    IsMIP: Final[int]
+    IsQP: Final[int]
+    IsQCP: Final[int]
+    IsMultiObj: Final[int]
+    IISMinimal: Final[int]
+    Kappa: Final[float]
+    KappaExact: Final[float]
+    MaxCoeff: Final[float]
+    MinCoeff: Final[float]
+    MaxBound: Final[float]
+    MinBound: Final[float]
+    MaxObjCoeff: Final[float]
+    MinObjCoeff: Final[float]
+    MaxRHS: Final[float]
+    MinRHS: Final[float]
+    MaxQCRHS: Final[float]
+    MinQCRHS: Final[float]
+    MaxQCCoeff: Final[float]
+    MinQCCoeff: Final[float]
+    MaxQCLCoeff: Final[float]
+    MinQCLCoeff: Final[float]
+    MaxQObjCoeff: Final[float]
+    MinQObjCoeff: Final[float]
+    ObjVal: Final[float]
+    ObjBound: Final[float]
+    ObjBoundC: Final[float]
+    PoolObjBound: Final[float]
+    PoolObjVal: Final[float]
+    MIPGap: Final[float]
+    Runtime: Final[float]
+    Work: Final[float]
+    Status: Final[int]
+    SolCount: Final[int]
+    IterCount: Final[float]
+    NodeCount: Final[float]
+    BarIterCount: Final[int]
+    FarkasProof: Final[float]
     NumStart: int
-    TuneResultCount: int
-    Fingerprint: int
-    ConcurrentWinMethod: int
-    MaxVio: float
-    BoundVio: float
-    BoundSVio: float
-    BoundVioIndex: int
-    BoundSVioIndex: int
-    BoundVioSum: float
-    BoundSVioSum: float
-    ConstrVio: float
-    ConstrSVio: float
-    ConstrVioIndex: int
-    ConstrSVioIndex: int
-    ConstrVioSum: float
-    ConstrSVioSum: float
-    ConstrResidual: float
-    ConstrSResidual: float
-    ConstrResidualIndex: int
-    ConstrSResidualIndex: int
-    ConstrResidualSum: float
-    ConstrSResidualSum: float
-    DualVio: float
-    DualSVio: float
-    DualVioIndex: int
-    DualSVioIndex: int
-    DualVioSum: float
-    DualSVioSum: float
-    DualResidual: float
-    DualSResidual: float
-    DualResidualIndex: int
-    DualSResidualIndex: int
-    DualResidualSum: float
-    DualSResidualSum: float
-    ComplVio: float
-    ComplVioIndex: int
-    ComplVioSum: float
-    IntVio: float
-    IntVioIndex: int
-    IntVioSum: float
+    TuneResultCount: Final[int]
+    Fingerprint: Final[int]
+    ConcurrentWinMethod: Final[int]
+    MaxVio: Final[float]
+    BoundVio: Final[float]
+    BoundSVio: Final[float]
+    BoundVioIndex: Final[int]
+    BoundSVioIndex: Final[int]
+    BoundVioSum: Final[float]
+    BoundSVioSum: Final[float]
+    ConstrVio: Final[float]
+    ConstrSVio: Final[float]
+    ConstrVioIndex: Final[int]
+    ConstrSVioIndex: Final[int]
+    ConstrVioSum: Final[float]
+    ConstrSVioSum: Final[float]
+    ConstrResidual: Final[float]
+    ConstrSResidual: Final[float]
+    ConstrResidualIndex: Final[int]
+    ConstrSResidualIndex: Final[int]
+    ConstrResidualSum: Final[float]
+    ConstrSResidualSum: Final[float]
+    DualVio: Final[float]
+    DualSVio: Final[float]
+    DualVioIndex: Final[int]
+    DualSVioIndex: Final[int]
+    DualVioSum: Final[float]
+    DualSVioSum: Final[float]
+    DualResidual: Final[float]
+    DualSResidual: Final[float]
+    DualResidualIndex: Final[int]
+    DualSResidualIndex: Final[int]
+    DualResidualSum: Final[float]
+    DualSResidualSum: Final[float]
+    ComplVio: Final[float]
+    ComplVioIndex: Final[int]
+    ComplVioSum: Final[float]
+    IntVio: Final[float]
+    IntVioIndex: Final[int]
+    IntVioSum: Final[float]
     ObjNCon: float
     ObjNPriority: int
     ObjNWeight: float
     ObjNRelTol: float
     ObjNAbsTol: float
-    ObjNVal: float
+    ObjNVal: Final[float]
     ObjNName: str
     NumObj: int
     ScenNName: str
-    ScenNObjBound: float
-    ScenNObjVal: float
-    NumScenarios: int
-    BatchErrorCode: int
-    BatchErrorMessage: str
-    BatchID: str
-    BatchStatus: int
-    Params: ParamClass
-    params: ParamClass
+    ScenNObjBound: Final[float]
+    ScenNObjVal: Final[float]
+    NumScenarios: Final[int]
+    BatchErrorCode: Final[int]
+    BatchErrorMessage: Final[str]
+    BatchID: Final[str]
+    BatchStatus: Final[int]
+    # end
     @property
     def _cmodel(self) -> object: ...
     @property
@@ -1311,8 +1692,6 @@ class Model:
         traceback: types.TracebackType | None,
     ) -> Literal[False]: ...
     def __del__(self) -> None: ...
-    def __getattr__(self, name: str, /) -> Any: ...
-    def __setattr__(self, name: str, value: Any, /) -> None: ...
     def __delattr__(self, name: str, /) -> None: ...
     def __dir__(self) -> list[str]: ...
     def update(self) -> None: ...
@@ -1326,8 +1705,46 @@ class Model:
     def getVarByName(self, name: str) -> Var | None: ...
     def getConstrByName(self, name: str) -> Constr | None: ...
     def _owns(self, object: object, /) -> bool: ...
-    def getAttr(self, attrname: str, objs: Iterable[_Handle] | Mapping[Any, _Handle] | None = None) -> Any: ...
-    def setAttr(self, attrname: str, arg1: Any, arg2: Any = None) -> None: ...
+    @overload
+    def getAttr(self, attrname: _ModelFloat, objs: None = None) -> float: ...
+    @overload
+    def getAttr(self, attrname: _ModelInt, objs: None = None) -> int: ...
+    @overload
+    def getAttr(self, attrname: _ModelStr, objs: None = None) -> str: ...
+    @overload
+    def getAttr(self, attrname: _FloatName, objs: Mapping[_K, _Handle]) -> tupledict[_K, float]: ...  # type: ignore[overload-overlap]
+    @overload
+    def getAttr(self, attrname: _FloatName, objs: Iterable[_Handle] | None = None) -> list[float]: ...
+    @overload
+    def getAttr(self, attrname: _IntName, objs: Mapping[_K, _Handle]) -> tupledict[_K, int]: ...  # type: ignore[overload-overlap]
+    @overload
+    def getAttr(self, attrname: _IntName, objs: Iterable[_Handle] | None = None) -> list[int]: ...
+    @overload
+    def getAttr(self, attrname: _StrName, objs: Mapping[_K, _Handle]) -> tupledict[_K, str]: ...  # type: ignore[overload-overlap]
+    @overload
+    def getAttr(self, attrname: _StrName, objs: Iterable[_Handle] | None = None) -> list[str]: ...
+    @overload
+    def setAttr(self, attrname: _ModelFloatSet, arg1: SupportsFloat, arg2: None = None) -> None: ...
+    @overload
+    def setAttr(self, attrname: _ModelIntSet, arg1: int, arg2: None = None) -> None: ...
+    @overload
+    def setAttr(self, attrname: _ModelStrSet, arg1: str, arg2: None = None) -> None: ...
+    @overload
+    def setAttr(
+        self, attrname: _FloatSetName, arg1: _Handle | Iterable[_Handle], arg2: SupportsFloat | Iterable[SupportsFloat]
+    ) -> None: ...
+    @overload
+    def setAttr(
+        self, attrname: _FloatSetName, arg1: Mapping[_K, _Handle], arg2: SupportsFloat | Mapping[_K, SupportsFloat]
+    ) -> None: ...
+    @overload
+    def setAttr(self, attrname: _IntSetName, arg1: _Handle | Iterable[_Handle], arg2: int | Iterable[int]) -> None: ...
+    @overload
+    def setAttr(self, attrname: _IntSetName, arg1: Mapping[_K, _Handle], arg2: int | Mapping[_K, int]) -> None: ...
+    @overload
+    def setAttr(self, attrname: _StrSetName, arg1: _Handle | Iterable[_Handle], arg2: str | Iterable[str]) -> None: ...
+    @overload
+    def setAttr(self, attrname: _StrSetName, arg1: Mapping[_K, _Handle], arg2: str | Mapping[_K, str]) -> None: ...
     def prefetchAttr(self, attrname: str) -> None: ...
     def reset(self, clearall: SupportsInt = 0) -> None: ...
     def copy(self) -> Model: ...
@@ -1347,13 +1764,59 @@ class Model:
         name: str = "",
         column: Column | None = None,
     ) -> Var: ...
+    @overload
     def addVars(
-        self, *indexes: Any, lb: Any = 0.0, ub: Any = 1e100, obj: Any = 0.0, vtype: Any = "C", name: Any = ""
+        self,
+        index: SupportsIndex,
+        /,
+        *,
+        lb: _Numbers = 0.0,
+        ub: _Numbers = 1e100,
+        obj: _Numbers = 0.0,
+        vtype: _Texts = "C",
+        name: _Texts = "",
+    ) -> tupledict[int, Var]: ...
+    @overload
+    def addVars(
+        self,
+        index: Iterable[_K],
+        /,
+        *,
+        lb: _Numbers = 0.0,
+        ub: _Numbers = 1e100,
+        obj: _Numbers = 0.0,
+        vtype: _Texts = "C",
+        name: _Texts = "",
+    ) -> tupledict[_K, Var]: ...
+    @overload
+    def addVars(
+        self,
+        *indexes: SupportsIndex | Iterable[Any],
+        lb: _Numbers = 0.0,
+        ub: _Numbers = 1e100,
+        obj: _Numbers = 0.0,
+        vtype: _Texts = "C",
+        name: _Texts = "",
     ) -> tupledict[Any, Var]: ...
-    def addConstr(self, lhs: Any, sense: Any = None, rhs: Any = None, name: str = "") -> Any: ...
-    def addConstrs(self, constrs: Iterable[Any], name: Any = "") -> tupledict[Any, Any]: ...
-    def addLConstr(self, lhs: Any, sense: Any = None, rhs: Any = None, name: str = "") -> Constr: ...
-    def addQConstr(self, lhs: Any, sense: Any = None, rhs: Any = None, name: str = "") -> Any: ...
+    @overload
+    def addConstr(
+        self, lhs: TempConstr | bool, sense: str | None = None, rhs: None = None, name: str = ""
+    ) -> Constr: ...
+    @overload
+    def addConstr(self, lhs: _Linear, sense: str, rhs: _Linear, name: str = "") -> Constr: ...
+    def addConstrs(self, constrs: Iterable[TempConstr | bool], name: _Texts = "") -> tupledict[Any, Constr]: ...
+    @overload
+    def addLConstr(
+        self, lhs: TempConstr | bool, sense: str | None = None, rhs: None = None, name: str = ""
+    ) -> Constr: ...
+    @overload
+    def addLConstr(self, lhs: _Linear, sense: str, rhs: _Linear, name: str = "") -> Constr: ...
+    @overload
+    def addQConstr(
+        self, lhs: TempConstr | bool, sense: str | None = None, rhs: None = None, name: str = ""
+    ) -> Constr: ...
+    @overload
+    def addQConstr(self, lhs: _Linear, sense: str, rhs: _Linear, name: str = "") -> Constr: ...
     def addRange(self, expr: _Linear, lower: SupportsFloat, upper: SupportsFloat, name: str = "") -> Constr: ...
     def setObjective(self, expr: _Linear, sense: int | None = None) -> None: ...
     def setObjectiveN(
