@@ -23,6 +23,8 @@ class Case:
         self.m.Params.UpdateMode = 0
         self.m.update()
         self.new = self.m.addVar()
+        self.closed = zelvanpy.Env(params={"OutputFlag": 0})
+        self.closed.close()
 
     def models(self, names):
         return zip((self.m, self.other, self.gone), names)
@@ -39,6 +41,7 @@ def case(env_silent):
 STRANGER = "Var 'y' belongs to an unnamed model, this call is on another, model 'a'"
 FREED = "The model of the Var has been freed"
 PENDING = "A new Var waits for the update of model 'a'"
+STRICT = "A constraint takes <=, >= or ==, there are no strict ones"
 NUMBER = "must be a number, not "
 COMPARISON = "must be a comparison such as x + y <= 1, not "
 
@@ -128,6 +131,107 @@ TABLE = [
     (lambda k: k.m.setObjective(k.x, "max"), ValueError, None, "ZVN.MAXIMIZE (-1), not str 'max'", None),
     (lambda k: k.m.setObjective(k.x, []), TypeError, None, "argument 'sense' must be ZVN.MINIMIZE", None),
     (lambda k: k.m.setAttr("LB", [k.x], ["0"]), TypeError, None, "LB %sstr '0'" % NUMBER, None),
+    (
+        lambda k: setattr(k.m, "ModelSense", "max"),
+        AttributeError,
+        None,
+        "Attribute 'ModelSense' takes integer value",
+        "The value is str 'max'",
+    ),
+    (
+        lambda k: setattr(k.x, "LB", None),
+        AttributeError,
+        None,
+        "Attribute 'LB' takes double value",
+        "The value is None",
+    ),
+    (lambda k: k.x < 1, TypeError, None, "'<' not supported between instances of 'zelvanpy.Var' and 'int'. A ", None),
+    (lambda k: 1.0 < k.x, TypeError, None, "and 'float'. A constraint takes <=, >= or ==", None),
+    (lambda k: k.x > k.y, TypeError, None, "A constraint takes <=, >= or ==", None),
+    (lambda k: 2 * k.x < 1, NotImplementedError, None, "", STRICT),
+    (lambda k: k.x > 2 * k.y, NotImplementedError, None, "", STRICT),
+    (lambda k: k.x.UBB, AttributeError, None, "'zelvanpy.Var' object has no attribute 'UBB'", "Did you mean UB?"),
+    (
+        lambda k: setattr(k.x, "VarNmae", "z"),
+        AttributeError,
+        None,
+        "'zelvanpy.Var' object has no attribute 'VarNmae'",
+        "Did you mean VarName?",
+    ),
+    (
+        lambda k: k.m.optimise(),
+        AttributeError,
+        None,
+        "'zelvanpy.Model' object has no attribute 'optimise'",
+        "Did you mean optimize?",
+    ),
+    (
+        lambda k: k.m.getAttr("vbases", [k.x]),
+        AttributeError,
+        None,
+        "'zelvanpy.Model' object has no attribute 'vbases'",
+        "Did you mean VBasis?",
+    ),
+    (
+        lambda k: k.x.numvars,
+        AttributeError,
+        None,
+        "'zelvanpy.Var' object has no attribute 'numvars'",
+        "NumVars is an attribute of Model",
+    ),
+    (lambda k: k.x.lower, AttributeError, None, "'zelvanpy.Var' object has no attribute 'lower'", None),
+    (lambda k: k.x._lowr, AttributeError, None, "'zelvanpy.Var' object has no attribute '_lowr'", None),
+    (lambda k: k.g.UB, AttributeError, None, "'zelvanpy.Var' object has no attribute 'UB'", FREED),
+    (
+        lambda k: k.m.Params.TimeLimt,
+        AttributeError,
+        None,
+        "No parameter named 'TimeLimt'",
+        "Did you mean TimeLimit?",
+    ),
+    (lambda k: k.m.Params.nothinglike, AttributeError, None, "No parameter named 'nothinglike'", None),
+    (
+        lambda k: k.params.TimeLimit,
+        AttributeError,
+        None,
+        "No parameter named 'TimeLimit'",
+        "The model of the parameters has been freed",
+    ),
+    (
+        lambda k: setattr(k.params, "TimeLimit", 3),
+        ZelvanError,
+        -1,
+        "Invalid Environment",
+        "The model of the parameters has been freed",
+    ),
+    (
+        lambda k: k.closed.setParam("TimeLimit", 3),
+        ZelvanError,
+        -1,
+        "Invalid Environment",
+        "The environment has been closed",
+    ),
+    (
+        lambda k: zelvanpy.paramHelp("timlimit"),
+        ZelvanError,
+        0,
+        "No help found for parameter timlimit",
+        "Did you mean TimeLimit?",
+    ),
+    (
+        lambda k: zelvanpy.getParamInfo("mipgp"),
+        TypeError,
+        None,
+        "There is no parameter named 'mipgp'. Did you mean MIPGap?",
+        None,
+    ),
+    (
+        lambda k: k.gone.getJSONSolution(),
+        ZelvanError,
+        10002,
+        "The model handle is NULL",
+        "Model has already been freed",
+    ),
     (lambda k: k.gone.copy(), ZelvanError, -1, "Failed to create copy", "The model handle is NULL"),
 ]
 
@@ -144,6 +248,27 @@ def test_failing_calls(row, case):
         assert raised.__cause__ is None
     else:
         assert (str(raised), str(raised.__cause__)) == (text, cause)
+
+
+def test_hints_of_parameters_follow_in_the_log(capfd, tmp_path):
+    lost = "No parameters matching '%s' found\n"
+    hinted = lost % "TimeLimt" + "Did you mean TimeLimit?\n"
+    with zelvanpy.Env(empty=True) as env:
+        env.setParam("TimeLimt", 1)  # printed, as the environment isn't started
+        env.setParam("LogFile", tmp_path / "log")
+        assert capfd.readouterr().out == hinted
+        env.start()
+        capfd.readouterr()
+        m = Model("log", env)
+        m.Params.TimeLimt = 1
+        assert m.getParamInfo("TimeLimt") is None
+        m.setParam("nothinglike", 1)
+        m.setParam("Nothing*", 1)
+        assert capfd.readouterr().out == 2 * hinted + lost % "nothinglike" + lost % "Nothing*"
+        m.Params.OutputFlag = 0
+        m.Params.TimeLimt = 1
+        assert capfd.readouterr().out == ""
+        m.dispose()
 
 
 class Number:

@@ -401,7 +401,8 @@ def test_help_for_other_arguments(capsys):
         "Matching parameters: ['CloudAccessID', 'CloudSecretKey', 'CloudPool', 'CloudHost']\n"
     )
     assert help_of("MIP*Abs", capsys).startswith("  PARAMETER NAME:\n    MIPGapAbs\n")
-    for name in ("threads", "nix", ""):
+    assert help_of("threads", capsys) == help_of("Threads", capsys)
+    for name in ("nix", ""):
         with pytest.raises(ZelvanError, match=f"^No help found for parameter {name}$") as caught:
             zelvanpy.paramHelp(name)
         assert caught.value.errno == 0

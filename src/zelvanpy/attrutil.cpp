@@ -8,6 +8,7 @@
 
 #include "exception.h"
 #include "pyargs.h"
+#include "pynearest.h"
 
 namespace zelvanpy {
 
@@ -85,12 +86,67 @@ void raise_attribute(const char* format, py::handle name) {
     throw PythonError{};
 }
 
-void raise_no_attribute(py::handle object, py::handle name) {
-    const py::object type_name = object.attr("_typename");
-    PyErr_Format(PyExc_AttributeError, "'zelvanpy.%S' object has no attribute '%U'", type_name.ptr(),
-                 as_text(name).ptr());
-    throw PythonError{};
+namespace {
+
+void offer_methods(NearestName& nearest, PyTypeObject* type) {
+    const py::object bases = borrow(type->tp_mro);
+    for (Py_ssize_t i = 0; i < PyTuple_GET_SIZE(bases.ptr()); ++i) {
+        auto* base = reinterpret_cast<PyTypeObject*>(PyTuple_GET_ITEM(bases.ptr(), i));
+        PyObject *name, *value;
+        for (Py_ssize_t at = 0; base != &PyBaseObject_Type && PyDict_Next(base->tp_dict, &at, &name, &value);) {
+            const char* text = PyUnicode_Check(name) && !is_underscored(name) ? PyUnicode_AsUTF8(name) : nullptr;
+            if (text) nearest.offer(text);
+            PyErr_Clear();  // of surrogates
+        }
+    }
 }
+
+void offer_attributes(NearestName& nearest, ZVNmodel* model, const HandleKind* kind) {
+    for (int i = 0, count = ZVNgetnumattributes(model); i < count; ++i) {
+        char* name = nullptr;
+        AttrInfo info;
+        if (ZVNgetattrname(model, i, &name) || !ask_library(model, name, info)) continue;
+        if (!kind || info.kind == static_cast<int>(kind->kind)) nearest.offer(name);
+    }
+}
+
+// Why a Model or handle hasn't the attribute, or what may have been meant; empty where there is nothing to tell.
+py::object why_no_attribute(py::handle object, py::handle name) {
+    const HandleKind* kind = find_handle_kind(object.ptr());
+    if (is_underscored(name.ptr()) || (!kind && !is_model(object))) return {};
+    ZVNmodel* model = model_of(object);
+    if (!model)
+        return kind ? steal(PyUnicode_FromFormat("The model of the %s has been freed", kind->name)) : py::object();
+    AttrInfo info;
+    if (kind && find_info(model, name.ptr(), info) && info.kind != static_cast<int>(kind->kind)) {
+        const char* owner = info.kind ? handle_kind(static_cast<Kind>(info.kind)).name : "Model";
+        return steal(PyUnicode_FromFormat("%s is an attribute of %s", info.name, owner));
+    }
+    NearestName nearest(name);
+    offer_attributes(nearest, model, kind);
+    offer_methods(nearest, Py_TYPE(object.ptr()));
+    return nearest.hint();
+}
+
+}  // namespace
+
+void raise_no_attribute(py::handle object, py::handle name) {
+    const py::object type_name = object.attr("_typename"), asked = as_text(name);
+    const py::object text =
+        steal(PyUnicode_FromFormat("'zelvanpy.%S' object has no attribute '%U'", type_name.ptr(), asked.ptr()));
+    if (const py::object why = why_no_attribute(object, asked)) raise(PyExc_AttributeError, text, why);
+    raise(PyExc_AttributeError, text);
+}
+
+namespace {
+
+// Raises AttributeError with the name at the one %U; the cause tells of the value.
+[[noreturn]] void refuse_type(const char* format, py::handle name, py::handle value) {
+    const py::object text = steal(PyUnicode_FromFormat(format, name.ptr()));
+    raise(PyExc_AttributeError, text, steal(PyUnicode_FromFormat("The value is %U", shown_value(value).ptr())));
+}
+
+}  // namespace
 
 Attribute::Attribute(py::handle object, py::handle name) : text_(as_text(name)) {
     if (!find_info(model_of(object), text_.ptr(), info_)) raise_no_attribute(object, text_);
@@ -170,24 +226,24 @@ PyObject* read_model_value(py::handle object, ZVNmodel* model, const Attribute& 
 }
 
 char char_value(py::handle value, py::handle name) {
-    if (!PyUnicode_Check(value.ptr())) raise_attribute("Attribute '%U' takes character value", name);
+    if (!PyUnicode_Check(value.ptr())) refuse_type("Attribute '%U' takes character value", name, value);
     if (PyUnicode_GET_LENGTH(value.ptr()) == 0) raise(PyExc_IndexError, "string index out of range");
     return first_byte(value, name);
 }
 
 int exact_int_value(py::handle value, const Attribute& attribute) {
-    if (!PyLong_Check(value.ptr())) raise_attribute("Attribute '%U' takes integer value", attribute.text());
+    if (!PyLong_Check(value.ptr())) refuse_type("Attribute '%U' takes integer value", attribute.text(), value);
     return to_int(value, attribute->name);
 }
 
 double double_value(py::handle value, py::handle name) {
     double result;
-    if (!scalar_value(value, result)) raise_attribute("Attribute '%U' takes double value", name);
+    if (!scalar_value(value, result)) refuse_type("Attribute '%U' takes double value", name, value);
     return library_double(result);
 }
 
 void require_str(py::handle value, py::handle name) {
-    if (!PyUnicode_Check(value.ptr())) raise_attribute("Attribute '%U' takes string value", name);
+    if (!PyUnicode_Check(value.ptr())) refuse_type("Attribute '%U' takes string value", name, value);
 }
 
 // Converts before it looks at model and index: a conversion may run code that changes them.

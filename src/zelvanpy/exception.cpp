@@ -128,7 +128,12 @@ void raise_zelvan_from_set(int code, const char* text) {
     raise_from(new_error(code, to_str(text)), cause);
 }
 
-void raise_zelvan(int code, py::handle text_or_object) { raise(ZelvanError, new_error(code, text_or_object)); }
+void raise_zelvan(int code, py::handle text_or_object) {
+    const py::object error = new_error(code, text_or_object);
+    const py::object cmodel = code == ZVN_ERROR_NULL_ARGUMENT ? find_attribute(text_or_object, kCmodel) : py::object();
+    if (cmodel && cmodel.is_none()) raise_from(error, new_error(0, to_str("Model has already been freed")));
+    raise(ZelvanError, error);
+}
 
 void raise_zelvan(int code, const char* text) { raise_zelvan(code, to_str(text)); }
 

@@ -75,8 +75,8 @@ PyObject* LinExpr_compare(py::handle self, py::handle other, int op) {
         case Py_NE:
             raise_zelvan(0, "Inequality constraints not supported");
         default:
-            PyErr_SetNone(PyExc_NotImplementedError);
-            throw PythonError{};
+            raise_from(steal(PyObject_CallObject(PyExc_NotImplementedError, nullptr)),
+                       steal(PyObject_CallFunction(PyExc_TypeError, "s", kNoStrictConstraints)));
     }
 }
 

@@ -51,8 +51,10 @@ py::object Model_getParamInfo(Model& self, Args args) {
     if (num == 1) return public_param_info(env, PyList_GET_ITEM(names.ptr(), 0));
     if (num > 1)
         call_own(self, "_splitlongmessage", steal(PyUnicode_FromFormat("Matching parameters:%S", names.ptr())));
-    else
-        call_own(self, "message", no_matching_params(name));
+    if (num > 0) return none();
+    const py::object hint = param_hint(env, name);
+    call_own(self, "message", no_matching_params(name));
+    if (hint) call_own(self, "message", hint);
     return none();
 }
 

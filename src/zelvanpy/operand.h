@@ -5,6 +5,9 @@
 
 namespace zelvanpy {
 
+// What `<` and `>` of variables and expressions say.
+inline constexpr char kNoStrictConstraints[] = "A constraint takes <=, >= or ==, there are no strict ones";
+
 enum class Operand { kVar, kLinExpr, kScalar, kForeign };
 
 namespace operand_detail {

@@ -5,6 +5,7 @@
 
 #include "exception.h"
 #include "pyargs.h"
+#include "pynearest.h"
 #include "pytype.h"
 #include "zelvan.h"
 
@@ -78,8 +79,12 @@ void set_one(Env& env, py::handle info, py::handle value) {
         set(ZVNsetstrparam, CString(file_name(value)));
 }
 
+const char* why_closed(const Env& env) {
+    return env.cenv == Py_None ? "The environment has been closed" : "The model of the parameters has been freed";
+}
+
 void require_open(Env& env) {
-    if (!env_pointer(env)) raise_zelvan(-1, "Invalid Environment");  // closed, or that of a disposed model
+    if (!env_pointer(env)) raise_zelvan(-1, "Invalid Environment", -1, to_str(why_closed(env)));
 }
 
 // The info of the one parameter that `name` resolves to; otherwise a line to the log, and empty.
@@ -91,7 +96,9 @@ py::object resolve(Env& env, py::handle name) {
         return {};
     }
     if (num == 0) {
+        const py::object hint = param_hint(env, name);
         env_message(env, no_matching_params(name));
+        if (hint) env_message(env, hint);
         return {};
     }
     PyObject* real = PyList_GET_ITEM(names.ptr(), 0);
@@ -119,6 +126,15 @@ void for_main_models(Body body) {
 }
 
 }  // namespace
+
+py::object param_hint(Env& env, py::handle name) {
+    NearestName nearest(name);
+    for (int i = 0, num = ZVNgetnumparams(env_pointer(env)); i < num; ++i) {
+        char* known = nullptr;
+        if (!ZVNgetparamname(env_pointer(env), i, &known)) nearest.offer(known);
+    }
+    return nearest.hint();
+}
 
 py::object no_matching_params(py::handle name) {
     const py::object quoted = steal(PyUnicode_Concat(to_str("No parameters matching '").ptr(), name.ptr()));
@@ -180,7 +196,10 @@ py::object param_info(Env& env, py::handle paramname) {
 py::object public_param_info(Env& env, py::handle name) {
     const py::object info = param_info(env, name);
     if (info.is_none()) {
-        PyErr_Format(PyExc_TypeError, "There is no parameter named '%S'", name.ptr());
+        const py::object hint = param_hint(env, name);
+        PyErr_Format(PyExc_TypeError,
+                     hint ? "There is no parameter named '%S'. %S" : "There is no parameter named '%S'", name.ptr(),
+                     hint.ptr());
         throw PythonError{};
     }
     return steal(PyTuple_GetSlice(info.ptr(), 0, 6));
@@ -353,8 +372,10 @@ PyObject* value_of(Params& self, PyObject* name) {
     const ParamsEnv env(self);
     py::object value = holds_nul(name) ? py::object() : param_value(env_pointer(env), CString(name));
     if (!value) {
-        PyErr_Format(PyExc_AttributeError, "No parameter named '%S'", name);
-        throw PythonError{};
+        const py::object text = steal(PyUnicode_FromFormat("No parameter named '%S'", name));
+        if (!env_pointer(env)) raise(PyExc_AttributeError, text, to_str(why_closed(env)));
+        if (const py::object hint = param_hint(env, name)) raise(PyExc_AttributeError, text, hint);
+        raise(PyExc_AttributeError, text);
     }
     return value.release().ptr();
 }

@@ -18,6 +18,8 @@ void env_fix_tune_param(Env& env, py::handle name);
 void env_reset_params(Env& env);
 void env_read_params(Env& env, py::handle filename);
 void env_write_params(Env& env, py::handle filename);
+// "Did you mean TimeLimit?" for a misspelt name; empty when no name is near.
+py::object param_hint(Env& env, py::handle name);
 // "No parameters matching '...' found"
 py::object no_matching_params(py::handle name);
 // "Parameter changes: Name=value, ..." or "No parameter changes".

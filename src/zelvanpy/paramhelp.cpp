@@ -1,5 +1,7 @@
 // Functions of the module for the parameters of the default environment, and the help texts.
 
+#include <strings.h>
+
 #include <string>
 
 #include "constclass.h"
@@ -80,7 +82,16 @@ void help(py::handle, Args args) {
 // Parameters of services that are described elsewhere or not at all.
 constexpr const char* kWithoutHelp[] = {"DistributedMIPJobs", "CloudHost", "JobID", "JSONSolDetail", "MultiObjMethod"};
 
-// Whether `name` is spelled as in the table of parameters and has a help text.
+// The name as it is spelled in the table of parameters.
+std::string spelled(Env& env, const std::string& name) {
+    for (int i = 0, num = ZVNgetnumparams(env_pointer(env)); i < num; ++i) {
+        char* known = nullptr;
+        if (!ZVNgetparamname(env_pointer(env), i, &known) && strcasecmp(known, name.c_str()) == 0) return known;
+    }
+    return name;
+}
+
+// Whether the parameter has a help text.
 bool has_help(const std::string& name) {
     for (const char* without : kWithoutHelp)
         if (name == without) return false;
@@ -134,10 +145,14 @@ void paramHelp(py::handle, Args args) {
         return;
     }
     if (PyList_GET_SIZE(names.ptr()) == 1) {
-        const std::string real = CString(PyList_GET_ITEM(names.ptr(), 0)).get();
+        const std::string real = spelled(default_env_of(env), CString(PyList_GET_ITEM(names.ptr(), 0)).get());
         if (has_help(real)) return print_line(to_str(help_text(default_env_of(env), real).c_str()));
     }
-    raise_zelvan(0, steal(PyUnicode_Concat(to_str("No help found for parameter ").ptr(), name.ptr())));
+    const py::object text = steal(PyUnicode_Concat(to_str("No help found for parameter ").ptr(), name.ptr()));
+    const bool is_known = PyList_GET_SIZE(names.ptr()) == 1;
+    if (const py::object hint = is_known ? py::object() : param_hint(default_env_of(env), name))
+        raise_zelvan(0, text, 0, hint);
+    raise_zelvan(0, text);
 }
 
 PyMethodDef functions[] = {
@@ -169,7 +184,7 @@ PyMethodDef functions[] = {
      "paramHelp(paramname=None)\n--\n\n"
      "Print type, purpose, bounds and effect of a parameter, the names that a pattern matches, or, without an\n"
      "argument, the list of all parameters.\n\n"
-     "Raises ZelvanError for a name that isn't spelled as in that list."},
+     "The name is taken in any letter case. Raises ZelvanError for an unknown one."},
     {},
 };
 

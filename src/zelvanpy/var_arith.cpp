@@ -75,6 +75,14 @@ PyObject* Var_power(py::handle base, py::handle exponent, py::handle modulo) {
     return Var_multiply(base, base);
 }
 
+// What Python says where neither side knows < and >, and what to write instead; other types may know them.
+PyObject* refuse_strict(py::handle var, py::handle other, int op) {
+    if (!is_var(other) && !PyFloat_Check(other.ptr()) && !PyLong_Check(other.ptr())) return not_implemented();
+    return PyErr_Format(PyExc_TypeError, "'%c' not supported between instances of '%.100s' and '%.100s'. %s",
+                        op == Py_LT ? '<' : '>', Py_TYPE(var.ptr())->tp_name, Py_TYPE(other.ptr())->tp_name,
+                        kNoStrictConstraints);
+}
+
 PyObject* Var_compare(py::handle var, py::handle other, int op) {
     const auto comparison = [&](char sense) {
         return new_tempconstr(owned(linexpr_of_var(as_handle(var), 1.0)), sense, borrow(other));
@@ -90,7 +98,7 @@ PyObject* Var_compare(py::handle var, py::handle other, int op) {
             if (other.is_none()) return boolean(true).release().ptr();
             raise_zelvan(0, "Inequality constraints not supported");
         default:
-            return not_implemented();
+            return refuse_strict(var, other, op);
     }
 }
 
