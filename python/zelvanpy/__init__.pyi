@@ -31,6 +31,8 @@ _ParamInfo = (
 
 _FileName: TypeAlias = str | os.PathLike[str]
 
+__version__: str
+
 ZVNStringIO = io.StringIO
 
 class ZelvanError(Exception):
@@ -1183,6 +1185,7 @@ _IntSetName: TypeAlias = _VarIntSet | _ConstrIntSet | _SOSIntSet | _QConstrIntSe
 _StrSetName: TypeAlias = _VarStrSet | _ConstrStrSet | _QConstrStrSet | _GenConstrStrSet
 
 class Var:
+    def _repr_html_(self) -> str: ...
     # made by make_stub.py: Var
     LB: float
     UB: float
@@ -1273,6 +1276,7 @@ class Var:
     def __div__(self, constant: SupportsFloat, /) -> LinExpr: ...
 
 class Constr:
+    def _repr_html_(self) -> str: ...
     # made by make_stub.py: Constr
     Sense: str
     RHS: float
@@ -1437,6 +1441,7 @@ _Handle = Var | Constr | SOS | QConstr | GenConstr
 _Removable = _Handle | Sequence[_Removable] | Mapping[Any, _Removable]
 
 class LinExpr:
+    def _repr_html_(self) -> str: ...
     __array_priority__: ClassVar[float]
     def __add__(self, value: _Linear, /) -> LinExpr: ...
     def __radd__(self, expr: _Linear, /) -> LinExpr: ...
@@ -1479,6 +1484,7 @@ class LinExpr:
     def _normalize(self) -> None: ...
 
 class TempConstr:
+    def _repr_html_(self) -> str: ...
     @property
     def _lhs(self) -> Any: ...
     @property
@@ -1556,6 +1562,7 @@ def multidict(data: Mapping[Any, Any] | Iterable[tuple[Any, Any]]) -> list[Any]:
 def quicksum(list: Iterable[_Linear]) -> LinExpr: ...
 
 class Model:
+    def _repr_html_(self) -> str: ...
     Params: ParamClass
     params: ParamClass
     # made by make_stub.py: Model

@@ -25,6 +25,7 @@ def parse(arguments):
         description="Read a model file, solve it and print the answer.",
         epilog="Exit code: 0 optimal, 1 any other end of the solve, 2 fault in command line, parameter or file.",
     )
+    parser.add_argument("--version", action="version", version="zelvanpy " + zelvanpy.__version__)
     parser.add_argument("model", help="model file: .mps or .lp, also with .gz behind")
     parser.add_argument("parameters", nargs="*", metavar="Parameter=value", help="parameter setting, e.g. TimeLimit=10")
     parser.add_argument(

@@ -24,6 +24,7 @@ extern "C" PYBIND11_EXPORT PyObject* PyInit__zelvanpy() {
 // The extension is _zelvanpy inside the package; to users, pickles and the logger everything is `zelvanpy`.
 PYBIND11_MODULE(_zelvanpy, module) {
     module.attr("__name__") = "zelvanpy";
+    module.attr("__version__") = ZELVANPY_VERSION;
     try {
 #define ZELVAN_UNIT(unit) zelvanpy::init_##unit(module);
 #include "units.inc"

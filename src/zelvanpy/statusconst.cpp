@@ -37,6 +37,12 @@ constexpr char kIntro[] =
 
 void add_status_constants(PyTypeObject* type) { add_constants(type, kStatuses); }
 
+const char* status_name(int status) {
+    for (const IntConstant& row : kStatuses)
+        if (row.value == status) return row.name;
+    return "";
+}
+
 void init_statusconst(py::module_& module) {
     static std::string doc = kIntro;
     append_meanings(doc, std::begin(kStatuses), std::end(kStatuses));
