@@ -7,12 +7,11 @@ import subprocess
 import sysconfig
 
 import pytest
-
-import zelvanpy
+from native import PACKAGE
 
 SOURCES = pathlib.Path(__file__).resolve().parent / "c_api"
-PACKAGE = pathlib.Path(zelvanpy._zelvanpy.__file__).resolve().parent
 HEADERS = SOURCES.parent.parent / "src" / "zelvan100" / "include"
+WARNINGS = ("-Wall", "-Wextra", "-Wpedantic", "-Werror")
 SANITIZED = "ZELVAN_SANITIZED" in os.environ
 
 
@@ -36,7 +35,7 @@ def test_program(source, tmp_path):
     binary = tmp_path / "program"
     sanitize = ["-fsanitize=address,undefined", "-fno-sanitize-recover=undefined"] if SANITIZED else []
     run(
-        [*compiler_of(source), "-Wall", "-Wextra", "-Wpedantic", "-Werror", "-g", *sanitize, "-I", str(HEADERS)]
+        [*compiler_of(source), *WARNINGS, "-g", *sanitize, "-I", str(HEADERS)]
         + [str(SOURCES / source), "-o", str(binary), "-L", str(PACKAGE), "-lzelvan100", "-lm"]
         + ["-Wl,-rpath," + str(PACKAGE), "-Wl,-rpath-link," + library_path()]
     )
@@ -58,16 +57,4 @@ def library_path():
 def test_header_compiles_as_cxx(tmp_path):
     source = tmp_path / "header.cpp"
     source.write_text('#include "zelvan100.h"\nint main() { return ZVN_VERSION_MAJOR == 10 ? 0 : 1; }\n')
-    run(
-        [
-            *compiler_of(source.name),
-            "-Wall",
-            "-Wextra",
-            "-Wpedantic",
-            "-Werror",
-            "-fsyntax-only",
-            "-I",
-            str(HEADERS),
-            str(source),
-        ]
-    )
+    run([*compiler_of(source.name), *WARNINGS, "-fsyntax-only", "-I", str(HEADERS), str(source)])

@@ -413,6 +413,9 @@ def test_files(lp, env_silent, tmp_path, monkeypatch):
     lp.write("pending.lp")  # a model file shows queued changes
     again = zelvanpy.read("pend*.lp", env_silent)
     assert again.UB == [2.5, 4.0, 10.0]
+    late = again.addVar()
+    again.write("late.ord")  # and so does a file of attributes
+    assert again.getVars()[-1] is late and late.index == 3
     again.dispose()
 
     lp.Params.TimeLimit = 50

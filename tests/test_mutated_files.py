@@ -6,7 +6,8 @@ import re
 
 import pytest
 from native import Environment, LibraryError
-from test_model_files import FIXED, LP_TEXT, MPS, MPS_TEXT, SEVERAL_LP, SEVERAL_MPS
+from test_model_files import FIXED, MPS
+from test_written_model_files import LP_TEXT, MPS_TEXT, SEVERAL_LP, SEVERAL_MPS
 
 COUNT = 10000 if "ZELVAN_SANITIZED" in os.environ else 2000
 RANGES = "RANGES\n    RNG       c1        2.5          c3        -1\n"
