@@ -79,9 +79,10 @@ class Caller:
     def call(self, function, *arguments):
         self.check(getattr(lib, function)(self.handle, *arguments))
 
-    def refused(self, method, *arguments):
+    def refused(self, method, *arguments, **keywords):
+        """The failure of a method."""
         with pytest.raises(LibraryError) as caught:
-            getattr(self, method)(*arguments)
+            getattr(self, method)(*arguments, **keywords)
         return caught.value
 
 
@@ -194,8 +195,14 @@ class Model(Caller):
     def write(self, path):
         self.call("ZVNwrite", str(path).encode())
 
+    def read(self, path):
+        self.call("ZVNread", str(path).encode())
+
     def update(self):
         self.call("ZVNupdatemodel")
+
+    def optimize(self):
+        self.call("ZVNoptimize")
 
     def info(self, name):
         """Type, kind, settable of an attribute."""

@@ -9,7 +9,7 @@ import random
 from fractions import Fraction
 
 import pytest
-from native import INFINITY, Double, Environment, lib
+from native import INFINITY, Environment
 
 import zelvanpy
 from zelvanpy import ZVN
@@ -39,7 +39,7 @@ class Program:
                 model.add_row("c%d" % i, sense, rhs, [(j, a) for j, a in enumerate(coeffs) if a])
             for kind, cols in self.sets:
                 model.add_set(kind, [(j, float(weight)) for weight, j in enumerate(cols)])
-            model.call("ZVNoptimize")
+            model.optimize()
             status = model.get("Status")
             if not model.get("SolCount"):
                 return status, None, None
@@ -154,8 +154,7 @@ def least(cost, rows, bounds):
 
 @pytest.fixture(scope="module")
 def env():
-    env = Environment(OutputFlag=0, DualReductions=0)
-    env.check(lib.ZVNsetdblparam(env.handle, b"MIPGap", Double(0.0)))
+    env = Environment(OutputFlag=0, DualReductions=0, MIPGap=0.0)
     yield env
     env.close()
 
@@ -284,7 +283,7 @@ def test_a_bounded_objective_limited_by_another_one(env):
         model.update()
         model.set_objective_n(0, 2, 1.0, 0.0, 0.0, "first", 0.0, [(0, 1e14), (1, -1.0)])
         model.set_objective_n(1, 1, 1.0, 0.0, 0.0, "second", 0.0, [(0, -1.0)])
-        model.call("ZVNoptimize")
+        model.optimize()
         assert model.get("Status") == ZVN.OPTIMAL
 
 

@@ -9,7 +9,7 @@ import random
 import sys
 
 import pytest
-from native import INFINITY, Double, Environment, lib
+from native import INFINITY, Environment
 from solvable import Listener, knapsacks
 
 import zelvanpy
@@ -21,8 +21,7 @@ TOLERANCE = 1e-6
 
 @pytest.fixture(scope="module")
 def env():
-    env = Environment(OutputFlag=0, DualReductions=0)
-    env.check(lib.ZVNsetdblparam(env.handle, b"MIPGap", Double(0.0)))
+    env = Environment(OutputFlag=0, DualReductions=0, MIPGap=0.0)
     yield env
     env.close()
 
@@ -47,7 +46,7 @@ class Program:
 
     def solve(self, env):
         with self.build(env) as model:
-            model.call("ZVNoptimize")
+            model.optimize()
             return outcome(model), model.get("X", range(len(self.columns))) if has_point(model) else None
 
     def alternatives(self):
@@ -73,7 +72,7 @@ class Program:
         best = (ZVN.INFEASIBLE, None)
         for columns in self.alternatives():
             with self.build(env, columns, []) as model:
-                model.call("ZVNoptimize")
+                model.optimize()
                 status, objective = outcome(model)
             if status == ZVN.UNBOUNDED:
                 return ZVN.UNBOUNDED, None

@@ -9,7 +9,7 @@ import os
 import random
 
 import pytest
-from native import INFINITY, Double, Environment, Int, array, lib
+from native import INFINITY, Double, Environment, Int, array
 
 NUM_HISTORIES = int(os.environ.get("ZELVAN_RANDOM_HISTORIES", 1500))
 OPTIMAL = 2
@@ -223,7 +223,7 @@ def add_set(model, some, columns):
 
 def answer(model):
     """Status, and the objective of an optimal model."""
-    model.call("ZVNoptimize")
+    model.optimize()
     status = model.get("Status")
     return status, model.get("ObjVal") if status == OPTIMAL else 0.0
 
@@ -246,8 +246,7 @@ def check_history(env, seed):
 
 # Slow: the kept session goes wrong only in few of many histories.
 def test_kept_session_answers_as_a_fresh_one():
-    env = Environment(OutputFlag=0, UpdateMode=0, DualReductions=0)
-    env.check(lib.ZVNsetdblparam(env.handle, b"MIPGap", Double(0.0)))
+    env = Environment(OutputFlag=0, UpdateMode=0, DualReductions=0, MIPGap=0.0)
     ends = collections.Counter()
     for seed in range(NUM_HISTORIES):
         try:

@@ -80,7 +80,7 @@ def test_random_models_against_enumeration(env, seed):
         data = random_model(rng, rng.randint(3, 6))
         best = best_by_enumeration(*data)
         with build(env, *data) as model:
-            model.call("ZVNoptimize")
+            model.optimize()
             if best is None:
                 infeasible += 1
                 assert model.get("Status") in EITHER, data
@@ -99,21 +99,21 @@ def test_a_bound_that_only_rows_imply_is_enough(env):
     columns = [(0.0, INFINITY, -1.0), (0.0, INFINITY, -2.0), (0.0, INFINITY, -3.0)]
     rows = [([(0, 1.0), (1, 1.0), (2, 2.0)], 10.0)]
     with build(env, columns, rows, [(2, [(0, 1.0), (1, 2.0), (2, 3.0)])]) as model:
-        model.call("ZVNoptimize")
+        model.optimize()
         assert (model.get("Status"), model.get("ObjVal")) == (OPTIMAL, pytest.approx(-20.0))
 
 
 def test_sets_come_and_go_between_solves(env):
     columns = [(0.0, 4.0, -1.0), (0.0, 4.0, -2.0), (0.0, 4.0, -4.0)]
     with build(env, columns, [], []) as model:
-        model.call("ZVNoptimize")
+        model.optimize()
         assert model.get("ObjVal") == -28.0
         model.add_set(2, [(0, 3.0), (1, 1.0), (2, 2.0)])  # in the order 1, 2, 0
-        model.call("ZVNoptimize")
+        model.optimize()
         assert model.get("X", range(3)) == [0.0, 4.0, 4.0]
         model.add_set(1, [(1, 1.0), (2, 2.0)])
-        model.call("ZVNoptimize")
+        model.optimize()
         assert model.get("X", range(3)) == [4.0, 0.0, 4.0]
         model.call("ZVNdelsos", 2, array(Int, [0, 1]))
-        model.call("ZVNoptimize")
+        model.optimize()
         assert (model.get("ObjVal"), model.get("IsMIP")) == (-28.0, 0)
