@@ -250,6 +250,18 @@ def test_failing_calls(row, case):
         assert (str(raised), str(raised.__cause__)) == (text, cause)
 
 
+def test_hints_stay_with_their_kind(case):
+    """One answer is kept; it is that of the name and the kind of object."""
+    hints = []
+    for name, objects in (("VBasi", [case.x, case.c, case.x, case.m]), ("CBasi", [case.x, case.c, case.c])):
+        for holder in objects:
+            with pytest.raises(AttributeError) as caught:
+                getattr(holder, name)
+            hints.append(str(caught.value.__cause__))
+    wanted = "VBasis CBasis VBasis VBasis VBasis CBasis CBasis"
+    assert hints == ["Did you mean %s?" % name for name in wanted.split()]
+
+
 def test_hints_of_parameters_follow_in_the_log(capfd, tmp_path):
     lost = "No parameters matching '%s' found\n"
     hinted = lost % "TimeLimt" + "Did you mean TimeLimit?\n"

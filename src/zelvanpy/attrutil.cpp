@@ -110,13 +110,8 @@ void offer_attributes(NearestName& nearest, ZVNmodel* model, const HandleKind* k
     }
 }
 
-// Why a Model or handle hasn't the attribute, or what may have been meant; empty where there is nothing to tell.
-py::object why_no_attribute(py::handle object, py::handle name) {
-    const HandleKind* kind = find_handle_kind(object.ptr());
-    if (is_underscored(name.ptr()) || (!kind && !is_model(object))) return {};
-    ZVNmodel* model = model_of(object);
-    if (!model)
-        return kind ? steal(PyUnicode_FromFormat("The model of the %s has been freed", kind->name)) : py::object();
+// Whose attribute it is, or which name may have been meant; empty where there is nothing to tell.
+py::object hint_at_name(py::handle object, py::handle name, ZVNmodel* model, const HandleKind* kind) {
     AttrInfo info;
     if (kind && find_info(model, name.ptr(), info) && info.kind != static_cast<int>(kind->kind)) {
         const char* owner = info.kind ? handle_kind(static_cast<Kind>(info.kind)).name : "Model";
@@ -126,6 +121,28 @@ py::object why_no_attribute(py::handle object, py::handle name) {
     offer_attributes(nearest, model, kind);
     offer_methods(nearest, Py_TYPE(object.ptr()));
     return nearest.hint();
+}
+
+// The same. The latest answer is kept, as loops ask many objects for one name that they haven't.
+py::object kept_hint(py::handle object, py::handle name, ZVNmodel* model, const HandleKind* kind) {
+    static PyObject *last_name = nullptr, *last_hint = nullptr;
+    static const HandleKind* last_kind = nullptr;
+    const bool is_kept = Py_TYPE(object.ptr()) == (kind ? *kind->type : Model_Type) && PyUnicode_CheckExact(name.ptr());
+    if (is_kept && name.ptr() == last_name && kind == last_kind) return borrow(last_hint);
+    py::object hint = hint_at_name(object, name, model, kind);
+    if (!is_kept) return hint;
+    last_kind = kind;
+    Py_XSETREF(last_name, borrow(name).release().ptr());
+    Py_XSETREF(last_hint, borrow(hint).release().ptr());
+    return hint;
+}
+
+// Why a Model or handle hasn't the attribute; empty where there is nothing to tell.
+py::object why_no_attribute(py::handle object, py::handle name) {
+    const HandleKind* kind = find_handle_kind(object.ptr());
+    if (is_underscored(name.ptr()) || (!kind && !is_model(object))) return {};
+    if (ZVNmodel* model = model_of(object)) return kept_hint(object, name, model, kind);
+    return kind ? steal(PyUnicode_FromFormat("The model of the %s has been freed", kind->name)) : py::object();
 }
 
 }  // namespace

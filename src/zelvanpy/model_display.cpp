@@ -155,13 +155,13 @@ PyObject* Model_html(Model& self) {
     double objective = 0.0;
     char* name = nullptr;
     ZVNgetstrattr(model, "ModelName", &name);
+    const py::object title = name && *name ? message_to_str(name) : py::object(py::str("Unnamed"));
     row("Sense", int_attribute(model, "ModelSense") < 0 ? "maximize" : "minimize");
     row("Variables", count("NumVars") + " (" + count("NumIntVars") + " integer)");
     row("Constraints", count("NumConstrs"));
     row("Nonzeros", count("NumNZs"));
     row("Status", status_name(status));
     if (has_solution(model) && !ZVNgetdblattr(model, "ObjVal", &objective)) row("Objective", number(objective));
-    const py::object title = name && *name ? message_to_str(name) : py::object(py::str("Unnamed"));
     return html_of("<table><caption>" + code(title) + "</caption>" + rows + "</table>");
 }
 
