@@ -13,6 +13,7 @@
 #include "core/kinds.h"
 #include "core/names.h"
 #include "core/optional_values.h"
+#include "core/quad.h"
 #include "core/sparse.h"
 
 namespace zelvan {
@@ -70,6 +71,17 @@ struct SosSets : Identity, SparseRows {
     void push_back(int sos_type, std::string_view name);
 };
 
+// Quadratic constraints: linear terms in the sparse rows, then the quadratic terms of all of them one behind the other,
+// those of constraint i from quad_start[i] on.
+struct QuadRows : Identity, SparseRows {
+    QuadTerms quad;
+    std::vector<std::int64_t> quad_start{0};
+    std::vector<char> sense;  // '<', '>', '='
+    std::vector<double> rhs;
+
+    int size() const { return static_cast<int>(rhs.size()); }
+};
+
 // The matrix by columns, made on demand.
 struct ColumnMajor {
     std::vector<std::int64_t> start;
@@ -100,6 +112,7 @@ struct Families {
     Columns cols;
     Rows rows;
     SosSets sos;
+    QuadRows qrows;
 
     int size(Kind kind) const;
 };
@@ -108,6 +121,7 @@ struct ModelData : Families {
     std::string name;
     int sense = 1;  // 1 minimizes, -1 maximizes
     double obj_constant = 0.0;
+    QuadTerms quad_obj;  // of the main objective
     std::vector<Objective> objectives;  // empty, or objective 0 and the further ones
     std::map<int, PwlPoints> pwl_obj;   // by column; its obj is then 0
 

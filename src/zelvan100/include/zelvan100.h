@@ -240,6 +240,10 @@ ZVN_API int ZVNaddconstrs(ZVNmodel* model, int numconstrs, int numnz, const int*
  * its upper side. A row with one finite side becomes a one-sided row. lower > upper is refused. */
 ZVN_API int ZVNaddrangeconstr(ZVNmodel* model, int numnz, const int* ind, const double* val, double lower, double upper,
                               const char* name);
+/* Queue the quadratic constraint  sum lval[k] x[lind[k]] + sum qval[k] x[qrow[k]] x[qcol[k]]  sense  rhs, with sense
+ * '<', '>' or '='. Linear indices must be distinct; quadratic terms of one pair, in either order, are added up. */
+ZVN_API int ZVNaddqconstr(ZVNmodel* model, int numlnz, const int* lind, const double* lval, int numqnz, const int* qrow,
+                          const int* qcol, const double* qval, char sense, double rhs, const char* name);
 /* Merge duplicate indices (at the place of the first) and drop entries of value 0, in place. */
 ZVN_API int ZVNclean2(int* numnz, int* ind, double* val);
 /* The same for quadratic terms, (i, j) and (j, i) being one. */
@@ -256,22 +260,26 @@ ZVN_API int ZVNgetsos(ZVNmodel* model, int* nummembers, int* types, int* beg, in
 ZVN_API int ZVNdelvars(ZVNmodel* model, int num, const int* ind);
 ZVN_API int ZVNdelconstrs(ZVNmodel* model, int num, const int* ind);
 ZVN_API int ZVNdelsos(ZVNmodel* model, int num, const int* ind);
-/* These kinds can't be added yet, so every index is out of range. */
 ZVN_API int ZVNdelqconstrs(ZVNmodel* model, int num, const int* ind);
+/* This kind can't be added yet, so every index is out of range. */
 ZVN_API int ZVNdelgenconstrs(ZVNmodel* model, int num, const int* ind);
 /* Index of the variable or constraint of that name as of the last update, -1 when there is none. */
 ZVN_API int ZVNgetvarbyname(ZVNmodel* model, const char* name, int* index);
 ZVN_API int ZVNgetconstrbyname(ZVNmodel* model, const char* name, int* index);
+ZVN_API int ZVNgetqconstrbyname(ZVNmodel* model, const char* name, int* index);
 /* Rows start .. start+num-1. With ind or val NULL only *numnz and beg (if not NULL) are set. */
 ZVN_API int ZVNgetconstrs(ZVNmodel* model, int* numnz, int* beg, int* ind, double* val, int start, int num);
-/* Replace the objective: sense 1 or -1, 0 leaves ModelSense; duplicates are added up. Quadratic
- * terms are ZVN_ERROR_NOT_SUPPORTED. */
+/* Quadratic constraint `qconstr`. *numlnz and *numqnz receive the numbers of terms; each array may be NULL. */
+ZVN_API int ZVNgetqconstr(ZVNmodel* model, int qconstr, int* numlnz, int* lind, double* lval, int* numqnz, int* qrow,
+                          int* qcol, double* qval);
+/* Replace the objective by  constant + sum lval[k] x[lind[k]] + sum qval[k] x[qrow[k]] x[qcol[k]]: sense 1 or -1, 0
+ * leaves ModelSense; duplicates are added up. */
 ZVN_API int ZVNsetobjective(ZVNmodel* model, int sense, double constant, int lnz, const int* lind, const double* lval,
                             int qnz, const int* qrow, const int* qcol, const double* qval);
 /* Set objective number `index` of a model with several objectives; see the ObjN... attributes. */
 ZVN_API int ZVNsetobjectiven(ZVNmodel* model, int index, int priority, double weight, double abstol, double reltol,
                              const char* name, double constant, int lnz, const int* lind, const double* lval);
-/* Quadratic objective terms: *qnz is 0, there are none. */
+/* Quadratic objective terms. *qnz receives their number (attribute NumQNZs); each array may be NULL. */
 ZVN_API int ZVNgetq(ZVNmodel* model, int* qnz, int* qrow, int* qcol, double* qval);
 /* Piecewise-linear objective term of a variable: `count` points with x not decreasing; at most two
  * points share an x (a jump). count 0 removes the term. Setting Obj on the variable removes it too. */
