@@ -94,6 +94,25 @@ def test_an_order_that_lies_about_its_length():
     assert sorted(keys.keys()) == [1, 2]
 
 
+def test_keys_that_take_keys_away_while_values_are_read(env_silent):
+    class Key:
+        def __hash__(self):
+            return 7
+
+        def __eq__(self, other):
+            if len(x) > 2 and is_reading:
+                dict.popitem(x)
+            return self is other
+
+    m = Model(env=env_silent)
+    is_reading = False
+    x = tupledict((Key(), m.addVar()) for _ in range(4))
+    m.update()
+    is_reading = True
+    with pytest.raises(RuntimeError, match="changed during iteration"):
+        m.getAttr("UB", x)
+
+
 def test_methods_of_subclasses_get_their_argument(env_silent):
     class Noting(Model):
         def remove(self, items):

@@ -104,6 +104,12 @@ private:
 };
 
 py::object values_by_key(Model& model, const Attribute& attribute, PyObject* dict) {
+    if (is_tupledict(dict) && is_plain(as_tupledict(dict)) && !as_tupledict(dict).positions) {
+        const py::object handles = tupledict_values(as_tupledict(dict));
+        const auto indices = indices_of_kind(handles, attribute);
+        const py::object values = get_attribute_list(as_object(model), *attribute.operator->(), indices);
+        return new_tupledict_like(as_tupledict(dict), handles, values);
+    }
     const Pairs pairs(dict);
     const auto indices = indices_of_kind(pairs.values, attribute);
     const py::object values = get_attribute_list(as_object(model), *attribute.operator->(), indices);

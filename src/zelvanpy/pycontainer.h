@@ -200,4 +200,26 @@ private:
     int misses_ = 0;
 };
 
+// Sets each key of `from` to the value that stands at the place of its own, in a dict that holds none of them. Keys
+// aren't hashed again where the interpreter lets them be. `own` lists the values of `from` as they were found earlier.
+inline void set_keys_of(PyObject* to, PyObject* from, PyObject* own, PyObject* values) {
+    PyObject *key, *found;
+    Py_ssize_t position = 0, i = 0;
+    const auto is_next = [&] { return i < PyList_GET_SIZE(own) && PyList_GET_ITEM(own, i) == found; };
+#if PY_VERSION_HEX < 0x030D0000
+    Py_hash_t hash;
+    while (_PyDict_Next(from, &position, &key, &found, &hash) && is_next()) {
+        const py::object held = borrow(key);  // comparing keys may run code that changes the dict
+        checked(_PyDict_SetItem_KnownHash(to, key, PyList_GET_ITEM(values, i++), hash));
+    }
+#else
+    while (PyDict_Next(from, &position, &key, &found) && is_next()) {
+        const py::object held = borrow(key);
+        checked(PyDict_SetItem(to, key, PyList_GET_ITEM(values, i++)));
+    }
+#endif
+    if (i == PyList_GET_SIZE(own) && PyDict_Size(from) == i) return;
+    raise(PyExc_RuntimeError, "dictionary changed during iteration");
+}
+
 }  // namespace zelvanpy

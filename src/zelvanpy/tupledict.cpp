@@ -307,6 +307,12 @@ void tupledict_setord(TupleDict& t, py::handle ord) {
     Py_XSETREF(t.positions, positions.release().ptr());
 }
 
+py::object new_tupledict_like(TupleDict& source, py::handle own, py::handle values) {
+    py::object result = new_tupledict();
+    set_keys_of(result.ptr(), source.self().ptr(), own.ptr(), values.ptr());
+    return result;
+}
+
 py::object tupledict_keys(TupleDict& t) {
     const std::uint64_t version = version_of(t.dict);
     if (t.keys && t.keys_version == version && PyList_GET_SIZE(t.keys)) return borrow(t.keys);

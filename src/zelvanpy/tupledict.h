@@ -28,6 +28,9 @@ py::object new_tupledict();
 // A new tupledict from keys to values, two lists or tuples of equal length, as its constructor makes it: without
 // positions, so in the order in which the keys first come.
 py::object new_tupledict(py::handle keys, py::handle values);
+// A new tupledict with the keys of one without positions, whose own values were these, and other values in their
+// places.
+py::object new_tupledict_like(TupleDict& source, py::handle own, py::handle values);
 // t[key] = value.
 void tupledict_set(TupleDict& t, py::handle key, py::handle value);
 // Free of hashing where `ord` starts with the keys of the dict in its own order.
