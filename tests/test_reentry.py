@@ -100,7 +100,7 @@ def test_keys_that_take_keys_away_while_values_are_read(env_silent):
             return 7
 
         def __eq__(self, other):
-            if len(x) > 2 and is_reading:
+            if is_reading and len(x) > 2:
                 dict.popitem(x)
             return self is other
 

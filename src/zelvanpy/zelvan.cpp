@@ -43,7 +43,7 @@ py::object builtin_print() { return py::module_::import("builtins").attr("print"
 void print_line(py::handle object) { builtin_print()(object); }
 
 py::object matching_file(py::handle name) {
-    const py::object filename = file_name(name);
+    py::object filename = file_name(name);
     const auto holds = [&](const char* wildcard) { return filename.attr("find")(wildcard).cast<Py_ssize_t>() >= 0; };
     if (!holds("*") && !holds("?")) return filename;
     const py::list found(py::module_::import("glob").attr("glob")(filename));
