@@ -9,7 +9,8 @@ PYTEST_ARGS ?= -q
 PIP_INSTALL := $(BIN)/python -m pip install --quiet --disable-pip-version-check
 PIP_PACKAGE := $(PIP_INSTALL) --no-build-isolation --no-deps
 
-SOURCES := $(shell find src python licenses -type f -not -name '*.pyc') CMakeLists.txt pyproject.toml README.md
+SOURCES := $(shell find src python licenses -type f -not -name '*.pyc') CMakeLists.txt pyproject.toml README.md \
+	ci/highs_extras.py
 C_FILES := $(shell find src tests -name '*.cpp' -o -name '*.h' -o -name '*.c')
 
 .PHONY: demo test bench asan lint stubtest clean

@@ -3,7 +3,6 @@
 import ctypes
 import dataclasses
 import pathlib
-import sysconfig
 
 import pytest
 
@@ -289,7 +288,5 @@ class Model(Caller):
 
 
 def highs_library():
-    """HiGHS itself, for a second opinion: beside the library, or in the build's own environment."""
-    beside = PACKAGE / "libhighs.so"
-    box = pathlib.Path(sysconfig.get_path("platlib"), "highsbox", "highs_dist", "lib", "libhighs.so")
-    return ctypes.CDLL(str(beside if beside.exists() else box))
+    """HiGHS itself, for a second opinion."""
+    return ctypes.CDLL(str(PACKAGE / "libhighs.so"))
