@@ -11,6 +11,15 @@ namespace zelvanpy {
 
 constexpr std::uint32_t kBlockTerms = 200;  // a sum by `+` starts a new block at this size
 
+// Whether e is one of the older blocks of `of`. A new object, of which there is one reference, is none.
+template <class E>
+bool is_older_block(E* e, E* of) {
+    if (Py_REFCNT(e) == 1) return false;
+    E* block = of->tail;
+    while (block && block != e) block = block->tail;
+    return block;
+}
+
 // Gives a chain back block by block: a long one must not use the C stack.
 template <class E>
 void release_tail(E* tail, PyTypeObject* type) {

@@ -1,5 +1,6 @@
 #pragma once
-// The algebra of linear expressions; their methods are in linexpr_methods.cpp, operators in linexpr_ops.cpp.
+// The algebra of linear expressions; their methods are in linexpr_methods.cpp, operators in
+// linexpr_ops.cpp.
 
 #include "linexpr_memory.h"
 
@@ -11,9 +12,13 @@ LinExpr* linexpr_of_var(Handle* var, double coeff);
 // A copy of the head that shares the tail: LinExpr(e); with room for `extra` more terms.
 LinExpr* linexpr_copy(LinExpr* e, std::size_t extra = 0);
 void linexpr_flatten(LinExpr* e);
+// The sum of the constants of blocks, oldest first.
+double chain_constant(const std::vector<LinExpr*>& blocks);
 void linexpr_append(LinExpr* e, double coeff, Handle* var);
 // e += mult * other, where other is any LinExpr, left as it is.
 void linexpr_add(LinExpr* e, LinExpr* other, double mult);
+// Refuses a multiplier that is infinite or NaN.
+void check_multiplier(double mult);
 // e._mul(mult), behind the test that mult is a scalar.
 void linexpr_scale(LinExpr* e, double mult);
 // Merges terms of equal column and drops zeros.
@@ -31,13 +36,13 @@ inline bool add_known(LinExpr* e, PyObject* term) {
             return true;
         }
         if (e->size == e->capacity) Grow(e);
-        append_term(e, other->terms[0].coeff, other->terms[0].var);
+        append_term(e, other->terms[0]);
         e->constant += other->constant;
         return true;
     }
     if (type == Var_Type) {
         if (e->size == e->capacity) Grow(e);
-        append_term(e, 1.0, as_handle(term));
+        append_term(e, {1.0, as_handle(term)});
         return true;
     }
     if (type != &PyFloat_Type) return false;

@@ -11,13 +11,13 @@
 
 namespace zelvanpy {
 
-namespace {
-
-[[noreturn]] void raise_invalid(const char* text) { raise_zelvan(ZVN_ERROR_INVALID_ARGUMENT, text); }
+void raise_invalid(const char* text) { raise_zelvan(ZVN_ERROR_INVALID_ARGUMENT, text); }
 
 void check_coefficient(double coeff) {
     if (!std::isfinite(coeff)) raise_invalid("Coefficient is Nan or Inf");
 }
+
+namespace {
 
 py::object element_of_pair(py::handle pair, Py_ssize_t i) {
     if (PyTuple_CheckExact(pair.ptr()) && i < PyTuple_GET_SIZE(pair.ptr()))
@@ -33,14 +33,6 @@ void append_pair(LinExpr* e, py::handle pair) {
     const double coeff = as_double(number);
     check_coefficient(coeff);
     linexpr_append(e, coeff, as_handle(var));
-}
-
-// Whether e is one of the older blocks of `of`. A new object, of which there is one reference, is none.
-bool is_older_block(LinExpr* e, LinExpr* of) {
-    if (Py_REFCNT(e) == 1) return false;
-    LinExpr* block = of->tail;
-    while (block && block != e) block = block->tail;
-    return block;
 }
 
 void copy_into(LinExpr* e, LinExpr* source) {
@@ -147,12 +139,18 @@ void linexpr_add_any(LinExpr* e, py::handle arg, double mult) {
             return linexpr_add(e, as_linexpr(arg), mult);
         case Operand::kScalar:
             return linexpr_add_constant(e, mult * value);
+        case Operand::kQuadExpr:
         case Operand::kForeign:
             break;
     }
     const py::object type = py::str(py::type::handle_of(arg));
     raise_zelvan(ZVN_ERROR_INVALID_ARGUMENT,
                  steal(PyUnicode_FromFormat("Unsupported type (%U) for LinExpr addition argument", type.ptr())));
+}
+
+void linexpr_add_number(LinExpr* e, py::handle c) {
+    if (std::isnan(float_of(c))) raise_invalid("Constant is Nan");
+    linexpr_add_constant(e, as_double(c));
 }
 
 void linexpr_add_terms(LinExpr* e, py::handle coeffs, py::handle vars) {
@@ -172,14 +170,6 @@ void linexpr_add_terms(LinExpr* e, py::handle coeffs, py::handle vars) {
     const std::vector<double> values = checked_coefficients(coeff_list);
     reserve_terms(e, e->size + values.size());
     for (Py_ssize_t i = 0; i < size; ++i) linexpr_append(e, values[i], as_handle(PyList_GET_ITEM(var_list.ptr(), i)));
-}
-
-py::object simple_expr(py::handle arg) {
-    double value;
-    if (classify(arg, value) == Operand::kForeign) raise_zelvan(-1, "Unable to convert argument to an expression");
-    py::object e = owned(linexpr_from(arg));
-    linexpr_normalize(as_linexpr(e));
-    return e;
 }
 
 }  // namespace zelvanpy

@@ -1,34 +1,30 @@
 // The type LinExpr: its methods, texts, pickling.
 
-#include <climits>
 #include <cmath>
-#include <memory>
 #include <vector>
 
 #include "exception.h"
+#include "expr_methods.h"
+#include "expr_ops.h"
+#include "expr_pickle.h"
+#include "expr_value.h"
 #include "linexpr.h"
 #include "linexpr_build.h"
 #include "linexpr_ops.h"
-#include "linexpr_value.h"
-#include "operand.h"
+#include "linexpr_text.h"
 #include "pyargs.h"
-#include "pynumber.h"
-#include "pytype.h"
-#include "var.h"
 
 namespace zelvanpy {
 
 namespace {
 
-constexpr long kPickleFormat = 1;
-// pickle goes down a chain by recursion, and no deeper than this number of blocks.
-constexpr std::size_t kPickledBlocks = 20;
-
 PyObject* restore_function = nullptr;
 
 py::handle object_of(LinExpr& self) { return reinterpret_cast<PyObject*>(&self); }
 
-PyObject* LinExpr_new(PyTypeObject* type, py::handle, py::handle) { return as_result(allocate_linexpr(type)); }
+PyObject* LinExpr_new(PyTypeObject* type, py::handle, py::handle) {
+    return as_result(ExprMemory<LinExpr>::allocate(type));
+}
 
 void LinExpr_init(LinExpr& self, PyObject* args, PyObject* kwargs) {
     static const Signature<2> kInit{"LinExpr", 0, {Name("arg1"), Name("arg2")}};
@@ -52,8 +48,7 @@ void LinExpr_addMethod(LinExpr& self, Args args) {
 void LinExpr_addConstant(LinExpr& self, Args args) {
     static const Signature<1> kAddConstant{"addConstant", 1, {Name("c")}};
     const auto [c] = kAddConstant.parse(args);
-    if (std::isnan(float_of(c))) raise_zelvan(ZVN_ERROR_INVALID_ARGUMENT, "Constant is Nan");
-    linexpr_add_constant(&self, as_double(c));
+    linexpr_add_number(&self, c);
 }
 
 void LinExpr_addTerms(LinExpr& self, Args args) {
@@ -72,12 +67,7 @@ PyObject* LinExpr_getConstant(LinExpr& self) {
     return PyFloat_FromDouble(self.constant);
 }
 
-std::size_t position_of(LinExpr& self, py::handle index) {
-    linexpr_flatten(&self);
-    const Py_ssize_t i = list_index(index);
-    linexpr_flatten(&self);
-    return list_position(i, self.size);
-}
+std::size_t position_of(LinExpr& self, py::handle index) { return expr_position<linexpr_flatten>(&self, index); }
 
 PyObject* LinExpr_getCoeff(LinExpr& self, Args args) {
     static const Signature<1> kGetCoeff{"getCoeff", 1, {Name("i")}};
@@ -95,39 +85,15 @@ py::object LinExpr_getVar(LinExpr& self, Args args) {
 
 PyObject* LinExpr_getValue(LinExpr& self) { return PyFloat_FromDouble(linexpr_value(&self)); }
 
-// var.sameAs(other), without a call where the handles themselves decide.
-bool is_same(Handle* var, Handle* other) {
-    if (var == other) return true;
-    if (is_inert(var) && is_inert(other)) return var->cmodel == other->cmodel && var->index == other->index;
-    static const Name kSameAs("sameAs");
-    const py::object same = steal(PyObject_CallMethodObjArgs(reinterpret_cast<PyObject*>(var), kSameAs.get(),
-                                                             reinterpret_cast<PyObject*>(other), nullptr));
-    return checked(PyObject_IsTrue(same.ptr()));
-}
-
-// Terms are copied before any is looked at: sameAs() may be a subclass's own and change the expression.
-void remove_var(LinExpr& self, Handle* var) {
-    TermBuffer<Term> all, kept;
-    for (std::uint32_t i = 0; i < self.size; ++i) all.append(self.terms[i]);
-    for (const Term& term : all.terms())
-        if (!is_same(term.var, var)) kept.append(term);
-    swap_terms(&self, kept);
-}
-
 void LinExpr_remove(LinExpr& self, Args args) {
     static const Signature<1> kRemove{"remove", 1, {Name("item")}};
     const auto [item] = kRemove.parse(args);
     linexpr_flatten(&self);
-    if (is_var(item)) return remove_var(self, as_handle(item));
-    if (!PyLong_Check(item)) return;
-    const std::size_t position = position_of(self, item);
-    Handle* var = self.terms[position].var;
-    std::copy(self.terms + position + 1, self.terms + self.size, self.terms + position);
-    --self.size;
-    Py_DECREF(var);
+    if (is_var(item)) return remove_variable(&self, as_handle(item));
+    if (PyLong_Check(item)) remove_term(&self, position_of(self, item));
 }
 
-void LinExpr_clear(LinExpr& self) { linexpr_clear(&self); }
+void LinExpr_clear(LinExpr& self) { clear_expr(&self); }
 PyObject* LinExpr_copy(LinExpr& self) { return as_result(linexpr_copy(&self)); }
 
 void LinExpr_mul(LinExpr& self, Args args) {
@@ -143,48 +109,7 @@ void LinExpr_flatten(LinExpr& self) { linexpr_flatten(&self); }
 void LinExpr_normalize(LinExpr& self) { linexpr_normalize(&self); }
 PyObject* LinExpr_isNested(LinExpr& self) { return PyBool_FromLong(self.tail != nullptr); }
 
-PyObject* LinExpr_radd(LinExpr& self, py::handle expr) { return PyNumber_Add(object_of(self).ptr(), expr.ptr()); }
-PyObject* LinExpr_rmul(LinExpr& self, py::handle expr) { return PyNumber_Multiply(object_of(self).ptr(), expr.ptr()); }
-PyObject* LinExpr_rsub(LinExpr& self, py::handle expr) {
-    const py::object negative = owned(linexpr_copy(&self));
-    linexpr_scale(as_linexpr(negative), -1.0);
-    return PyNumber_Add(expr.ptr(), negative.ptr());
-}
-
-py::object number_text(double value, char format, int precision, int flags) {
-    const std::unique_ptr<char, decltype(&PyMem_Free)> text(
-        PyOS_double_to_string(value, format, precision, flags, nullptr), PyMem_Free);
-    if (!text) throw PythonError{};
-    return py::str(text.get());
-}
-py::object repr_text(double value) { return number_text(value, 'r', 0, Py_DTSF_ADD_DOT_0); }
-
-py::object var_text(Handle* var) {
-    const SafeName name = safe_name(var);
-    if (!name.pending && !name.removed) return name.text;
-    return steal(PyObject_Repr(reinterpret_cast<PyObject*>(var)));
-}
-
-py::object LinExpr_asprettystring(LinExpr& self) {
-    linexpr_flatten(&self);
-    py::list pieces;
-    if (self.constant != 0.0)
-        pieces.append(repr_text(self.constant));
-    else if (self.size == 0)
-        return py::str("0.0");
-    // The text of a variable may be made by Python code that changes the expression.
-    for (std::uint32_t i = 0; i < self.size; ++i) {
-        const Term term = self.terms[i];
-        const py::object keep = borrow(reinterpret_cast<PyObject*>(term.var));
-        if (i > 0 || self.constant != 0.0) pieces.append(py::str(" + "));
-        if (term.coeff != 1.0) {
-            pieces.append(repr_text(term.coeff));
-            pieces.append(py::str(" "));
-        }
-        pieces.append(var_text(term.var));
-    }
-    return py::str("").attr("join")(pieces);
-}
+py::object LinExpr_asprettystring(LinExpr& self) { return linexpr_text(&self); }
 
 py::object LinExpr_repr(LinExpr& self) {
     return steal(PyUnicode_FromFormat("<zelvan.LinExpr: %U>", LinExpr_asprettystring(self).ptr()));
@@ -205,80 +130,32 @@ void LinExpr_dbgprint(LinExpr& self) {
     py::print(py::str("").attr("join")(pieces));
 }
 
-PyObject* LinExpr_sizeof(LinExpr& self) {
-    const std::size_t array = self.terms == self.inline_terms ? 0 : self.capacity * sizeof(Term);
-    return PyLong_FromSize_t(Py_TYPE(object_of(self).ptr())->tp_basicsize + array);
-}
-
-// Older blocks that are pickled before the state, oldest first, so that each finds those below it done: every
-// kPickledBlocks-th, counted from the oldest. A block between two of them names the one below it, which names the rest.
-void append_milestones(LinExpr& self, py::list& args) {
-    if (!self.tail) return;
-    const std::vector<LinExpr*> blocks = blocks_of(self.tail);
-    if (blocks.size() <= kPickledBlocks) return;
-    const std::size_t above = blocks.size() % kPickledBlocks;
-    for (std::size_t i = above ? blocks.size() - above : 0; i < blocks.size(); i += kPickledBlocks)
-        args.append(object_of(*blocks[i]));
-}
+PyObject* LinExpr_sizeof(LinExpr& self) { return expr_sizeof(&self); }
 
 py::object LinExpr_reduce(LinExpr& self) {
-    PyTypeObject* type = Py_TYPE(object_of(self).ptr());
-    py::list coeffs, vars, args;
-    args.append(py::handle(reinterpret_cast<PyObject*>(type)));
-    args.append(kPickleFormat);
-    append_milestones(self, args);
+    py::list coeffs, vars;
     for (std::uint32_t i = 0; i < self.size; ++i) {
         coeffs.append(self.terms[i].coeff);
         vars.append(py::handle(reinterpret_cast<PyObject*>(self.terms[i].var)));
     }
     const py::object tail = self.tail ? borrow(object_of(*self.tail)) : none();
-    args.append(py::make_tuple(coeffs, self.constant, tail, vars));
-    static const Name kDict("__dict__");
-    if (type != LinExpr_Type)
-        if (const py::object fields = find_attribute(object_of(self), kDict))
-            return py::make_tuple(py::handle(restore_function), py::tuple(args), fields);
-    return py::make_tuple(py::handle(restore_function), py::tuple(args));
-}
-
-[[noreturn]] void raise_bad_pickle() { raise(PyExc_ValueError, "not the pickled state of a LinExpr"); }
-
-// Terms from parallel lists of floats and variables.
-void read_state_terms(TermBuffer<Term>& buffer, py::handle coeffs, py::handle vars) {
-    if (!PyList_CheckExact(coeffs.ptr()) || !PyList_CheckExact(vars.ptr()) ||
-        PyList_GET_SIZE(coeffs.ptr()) != PyList_GET_SIZE(vars.ptr()))
-        raise_bad_pickle();
-    for (Py_ssize_t i = 0; i < PyList_GET_SIZE(coeffs.ptr()); ++i) {
-        const py::handle coeff = PyList_GET_ITEM(coeffs.ptr(), i), var = PyList_GET_ITEM(vars.ptr(), i);
-        if (!PyFloat_CheckExact(coeff.ptr()) || !is_var(var)) raise_bad_pickle();
-        buffer.append({PyFloat_AS_DOUBLE(coeff.ptr()), as_handle(var)});
-    }
+    return reduced_expr(&self, restore_function, py::make_tuple(coeffs, self.constant, tail, vars));
 }
 
 PyObject* restore_linexpr(py::handle, py::handle args) {
-    const Py_ssize_t count = PyTuple_GET_SIZE(args.ptr());
-    if (count < 3) raise_bad_pickle();
-    PyObject* type = PyTuple_GET_ITEM(args.ptr(), 0);
-    PyObject* state = PyTuple_GET_ITEM(args.ptr(), count - 1);
-    if (checked(PyLong_AsLong(PyTuple_GET_ITEM(args.ptr(), 1))) != kPickleFormat || !PyType_Check(type) ||
-        !PyType_IsSubtype(reinterpret_cast<PyTypeObject*>(type), LinExpr_Type) || !PyTuple_Check(state))
-        raise_bad_pickle();
+    const PickledExpr pickled(args, LinExpr_Type);
     PyObject *coeffs, *tail, *vars;
     double constant;
-    if (!PyArg_ParseTuple(state, "OdOO", &coeffs, &constant, &tail, &vars)) throw PythonError{};
+    if (!PyArg_ParseTuple(pickled.state, "OdOO", &coeffs, &constant, &tail, &vars)) throw PythonError{};
     if (tail != Py_None && !is_linexpr(tail)) raise_bad_pickle();
     TermBuffer<Term> buffer;
-    read_state_terms(buffer, coeffs, vars);
-    py::object e = owned(allocate_linexpr(reinterpret_cast<PyTypeObject*>(type)));
+    const Py_ssize_t size = pickled_size(coeffs, {vars});
+    for (Py_ssize_t i = 0; i < size; ++i) buffer.append({pickled_coefficient(coeffs, i), pickled_variable(vars, i)});
+    py::object e = owned(ExprMemory<LinExpr>::allocate(pickled.type));
     swap_terms(as_linexpr(e), buffer);
     as_linexpr(e)->constant = constant;
     set_tail(as_linexpr(e), tail == Py_None ? nullptr : as_linexpr(tail));
     return e.release().ptr();
-}
-
-py::object simpleexpr_function(py::handle, Args args) {
-    static const Signature<1> kSimpleExpr{"__simpleexpr", 1, {Name("arg")}};
-    const auto [arg] = kSimpleExpr.parse(args);
-    return simple_expr(arg);
 }
 
 PyMethodDef methods[] = {
@@ -322,10 +199,10 @@ PyMethodDef methods[] = {
      "_asprettystring($self)\n--\n\nThe expression as text: constant, then coefficients and names."},
     {"_dbgprint", method<LinExpr_dbgprint>, METH_NOARGS,
      "_dbgprint($self)\n--\n\nPrint the number of terms and the constant of every block."},
-    {"__radd__", method<LinExpr_radd>, METH_O | METH_COEXIST, "__radd__($self, expr, /)\n--\n\nReturn self + expr."},
-    {"__rsub__", method<LinExpr_rsub>, METH_O | METH_COEXIST,
+    {"__radd__", method<expr_radd>, METH_O | METH_COEXIST, "__radd__($self, expr, /)\n--\n\nReturn self + expr."},
+    {"__rsub__", method<linexpr_rsub>, METH_O | METH_COEXIST,
      "__rsub__($self, expr, /)\n--\n\nReturn expr + (-1 * self)."},
-    {"__rmul__", method<LinExpr_rmul>, METH_O | METH_COEXIST, "__rmul__($self, expr, /)\n--\n\nReturn self * expr."},
+    {"__rmul__", method<expr_rmul>, METH_O | METH_COEXIST, "__rmul__($self, expr, /)\n--\n\nReturn self * expr."},
     {"__reduce__", method<LinExpr_reduce>, METH_NOARGS, "__reduce__($self)\n--\n\nState for pickling."},
     {"__sizeof__", method<LinExpr_sizeof>, METH_NOARGS,
      "__sizeof__($self)\n--\n\nBytes of the object with its terms, without older blocks of a long sum."},
@@ -342,9 +219,6 @@ const char kDoc[] =
     "Terms of equal variables are not merged. `==`, `<=` and `>=` build a constraint.";
 
 PyMethodDef functions[] = {
-    {"__simpleexpr", method<simpleexpr_function>, kKeywords,
-     "__simpleexpr($module, arg)\n--\n\n"
-     "A normalised copy (LinExpr) of a number, variable or expression. Raises ZelvanError for anything else."},
     {"_restore_linexpr", reinterpret_cast<PyCFunction>(slot<restore_linexpr>()), METH_VARARGS,
      "_restore_linexpr(type, format, *older, state)\n--\n\n"
      "A LinExpr from its pickled state. `older` are blocks of it that had to be restored before."},
@@ -353,30 +227,18 @@ PyMethodDef functions[] = {
 
 void make_linexpr_type(py::module_& module) {
     std::vector<PyType_Slot> slots = {
-        {Py_tp_doc, const_cast<char*>(kDoc)},
-        {Py_tp_new, slot<LinExpr_new>()},
-        {Py_tp_init, slot<LinExpr_init>()},
-        {Py_tp_dealloc, reinterpret_cast<void*>(LinExpr_dealloc)},
-        {Py_tp_traverse, reinterpret_cast<void*>(LinExpr_traverse)},
-        {Py_tp_clear, reinterpret_cast<void*>(LinExpr_tp_clear)},
-        {Py_tp_repr, slot<LinExpr_repr>()},
-        {Py_tp_str, slot<LinExpr_asprettystring>()},
-        {Py_tp_hash, reinterpret_cast<void*>(PyObject_HashNotImplemented)},
-        {Py_tp_methods, methods},
+        {Py_tp_doc, const_cast<char*>(kDoc)},        {Py_tp_new, slot<LinExpr_new>()},
+        {Py_tp_init, slot<LinExpr_init>()},          {Py_tp_repr, slot<LinExpr_repr>()},
+        {Py_tp_str, slot<LinExpr_asprettystring>()}, {Py_tp_methods, methods},
     };
-    slots.insert(slots.end(), linexpr_operator_slots, linexpr_operator_slots + num_linexpr_operator_slots);
-    slots.push_back({0, nullptr});
-    PyType_Spec spec{"zelvanpy.LinExpr", sizeof(LinExpr), 0,
-                     Py_TPFLAGS_DEFAULT | Py_TPFLAGS_BASETYPE | Py_TPFLAGS_HAVE_GC, slots.data()};
-    LinExpr_Type = make_type(module, spec);
+    append_linexpr_slots(slots);
+    make_expr_type<LinExpr>(module, "zelvanpy.LinExpr", slots, LinExpr_Type);
 }
 
 }  // namespace
 
 void init_linexpr_methods(py::module_& module) {
     make_linexpr_type(module);
-    register_linexpr_memory();
-    prefer_to_numpy_scalars(LinExpr_Type);
     checked(PyModule_AddFunctions(module.ptr(), functions));
     restore_function = steal(PyObject_GetAttrString(module.ptr(), "_restore_linexpr")).release().ptr();
 }

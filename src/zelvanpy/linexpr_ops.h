@@ -1,5 +1,5 @@
 #pragma once
-// Operators and comparisons of linear expressions. Operands come in source order: either may be the LinExpr.
+// Operators of linear expressions. Operands come in source order: either may be the LinExpr.
 
 #include "linexpr.h"
 
@@ -10,15 +10,12 @@ namespace zelvanpy {
 PyObject* linexpr_iadd(py::handle e, py::handle operand);
 PyObject* linexpr_isub(py::handle e, py::handle operand);
 PyObject* linexpr_imul(py::handle e, py::handle operand);
-// left + right, left * right, where one of them is a LinExpr.
-PyObject* linexpr_plus(py::handle left, py::handle right);
+// left * right by the rules of linear expressions, for operands of any kind
 PyObject* linexpr_multiply(py::handle left, py::handle right);
 
-// The product of two expressions of which neither is constant.
-py::object product_of_expressions(py::handle left, py::handle right);
-
+// e.__rsub__(operand)
+PyObject* linexpr_rsub(py::handle e, py::handle operand);
 // Slots of LinExpr for operators and comparisons.
-extern PyType_Slot linexpr_operator_slots[];
-extern const int num_linexpr_operator_slots;
+void append_linexpr_slots(std::vector<PyType_Slot>& slots);
 
 }  // namespace zelvanpy

@@ -50,6 +50,35 @@ void append_terms(const Model& model, const LinExpr* expr, double mult, LibraryT
     }
 }
 
+void append_terms(const Model& model, const QuadExpr* expr, double mult, LibraryQuadTerms& buffer) {
+    const std::size_t size = buffer.val.size() + expr->size;
+    buffer.row.reserve(size);
+    buffer.col.reserve(size);
+    buffer.val.reserve(size);
+    const QuadTerm* const end = expr->terms + expr->size;
+    for (const QuadTerm* term = expr->terms; term != end; ++term) {
+        if (end - term > kAhead) term[kAhead].variables([](Handle* var) { __builtin_prefetch(var); });
+        buffer.row.push_back(index_in(model, term->var1));
+        buffer.col.push_back(index_in(model, term->var2));
+        buffer.val.push_back(mult * term->coeff);
+    }
+}
+
+bool owns_terms(const Model& model, const QuadExpr* expr) {
+    bool owned = true;
+    for (std::uint32_t i = 0; i < expr->size; ++i)
+        expr->terms[i].variables(
+            [&](const Handle* var) { owned = owned && var->cindex() >= 0 && model_owns(model, var); });
+    return owned;
+}
+
+void append_quadratic(const Model& model, const LibraryQuadTerms& terms, QuadExpr* expr) {
+    reserve_terms(expr, std::size_t{expr->size} + terms.val.size());
+    for (int k = 0; k < terms.size(); ++k)
+        append_term(expr, {terms.val[k], as_handle(PyList_GET_ITEM(model.vars, terms.row[k])),
+                           as_handle(PyList_GET_ITEM(model.vars, terms.col[k]))});
+}
+
 py::object flat_copy(py::handle expr) {
     LinExpr* source = as_linexpr(expr);
     if (!source->tail) return borrow(expr);

@@ -3,8 +3,8 @@
 
 #include <vector>
 
-#include "linexpr.h"
 #include "model.h"
+#include "quadexpr.h"
 
 namespace zelvanpy {
 
@@ -34,6 +34,14 @@ private:
     std::vector<double> val_;
 };
 
+// Library indices and coefficients of quadratic terms.
+struct LibraryQuadTerms {
+    std::vector<int> row, col;
+    std::vector<double> val;
+
+    int size() const { return static_cast<int>(val.size()); }
+};
+
 // The terms of the call that is running, in the memory of the call before; a buffer that grew large is given back
 // when the call ends.
 class CallBuffer {
@@ -53,6 +61,13 @@ private:
 // ZelvanError(NOT_IN_MODEL).
 void append_terms(const Model& model, const LinExpr* expr, double mult, LibraryTerms& buffer);
 void append_var(const Model& model, const Handle* var, double mult, LibraryTerms& buffer);
-// The expression itself when it is flat, otherwise a flattened copy.
+// The same for quadratic terms.
+void append_terms(const Model& model, const QuadExpr* expr, double mult, LibraryQuadTerms& buffer);
+// Whether all variables of the quadratic terms have an index in the model.
+bool owns_terms(const Model& model, const QuadExpr* expr);
+// Appends terms that the library has given, each index being that of one of the model's variables.
+void append_quadratic(const Model& model, const LibraryQuadTerms& terms, QuadExpr* expr);
+// The LinExpr itself when it is flat, otherwise a flattened copy.
 py::object flat_copy(py::handle expr);
+
 }  // namespace zelvanpy

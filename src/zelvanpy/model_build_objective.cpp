@@ -7,19 +7,19 @@
 #include "linexpr_build.h"
 #include "model.h"
 #include "model_build.h"
+#include "model_lists.h"
 #include "model_stranger.h"
 #include "pyargs.h"
 #include "pynumber.h"
+#include "quadexpr_build.h"
 
 namespace zelvanpy {
 
 namespace {
 
-// The expression as a flat LinExpr; anything but a LinExpr goes through simple_expr.
-py::object linear_form(py::handle expr) {
-    if (!is_linexpr(expr)) return simple_expr(expr);
-    linexpr_flatten(as_linexpr(expr));
-    return borrow(expr);
+// Anything but an expression as one, by simple_expr.
+py::object expression_of(py::handle expr) {
+    return is_linexpr(expr) || is_quadexpr(expr) ? borrow(expr) : simple_expr(expr);
 }
 
 void require_var(py::handle var) {
@@ -49,23 +49,51 @@ const Signature<1> kGetObjective{"getObjective", 0, {Name("index")}};
 const Signature<3> kSetPWLObj{"setPWLObj", 3, {Name("var"), Name("x"), Name("y")}};
 const Signature<1> kGetPWLObj{"getPWLObj", 1, {Name("var")}};
 
+// The quadratic terms of a flat expression. Where one has a stranger, terms that cancel don't count; the library merges
+// the others.
+LibraryQuadTerms quadratic_terms(Model& self, QuadExpr* expr) {
+    LibraryQuadTerms buffer;
+    if (owns_terms(self, expr)) {
+        append_terms(self, expr, 1.0, buffer);
+        return buffer;
+    }
+    const py::object merged = owned(quadexpr_copy(expr));
+    quadexpr_normalize(as_quadexpr(merged));
+    append_terms(self, as_quadexpr(merged), 1.0, buffer);
+    return buffer;
+}
+
+// The linear part of an expression; both become flat.
+py::object flat_linear_part(const py::object& expr) {
+    py::object linear = expr;
+    if (is_quadexpr(expr)) {
+        quadexpr_flatten(as_quadexpr(expr));
+        linear = borrow(as_result(linear_part(as_quadexpr(expr))));
+    }
+    linexpr_flatten(as_linexpr(linear));
+    return linear;
+}
+
 void Model_setObjective(Model& self, Args args) {
     const auto [expr, sense] = kSetObjective.parse(args);
     model_setup(self);
-    const py::object linear = linear_form(expr);
-    const LinExpr* terms = as_linexpr(linear);
+    const py::object expression = expression_of(expr);
     const int objsense = sense && sense != Py_None ? sense_of(sense) : 0;
+    const py::object linear = flat_linear_part(expression);
     CallBuffer buffer;
-    append_terms(self, terms, 1.0, *buffer);
-    check(ZVNsetobjective(model_pointer(self), objsense, terms->constant, buffer->size(), buffer->ind(), buffer->val(),
-                          0, nullptr, nullptr, nullptr),
+    append_terms(self, as_linexpr(linear), 1.0, *buffer);
+    LibraryQuadTerms quad;
+    if (is_quadexpr(expression)) quad = quadratic_terms(self, as_quadexpr(expression));
+    check(ZVNsetobjective(model_pointer(self), objsense, as_linexpr(linear)->constant, buffer->size(), buffer->ind(),
+                          buffer->val(), quad.size(), quad.row.data(), quad.col.data(), quad.val.data()),
           as_object(self));
 }
 
 void Model_setObjectiveN(Model& self, Args args) {
     const auto [expr, index, priority, weight, abstol, reltol, name] = kSetObjectiveN.parse(args);
     model_setup(self);
-    const py::object linear = linear_form(expr);
+    if (is_quadexpr(expr)) raise_zelvan(-1, "Objective must be linear for multi-objective model");
+    const py::object linear = flat_linear_part(expression_of(expr));
     const LinExpr* terms = as_linexpr(linear);
     const double constant = terms->constant;
     CallBuffer buffer;
@@ -109,12 +137,24 @@ private:
     int before_ = 0;
 };
 
+// The objective with its quadratic terms, where it has any; the lists of handles are there.
+py::object with_quadratic_terms(Model& self, py::object linear) {
+    if (count_of(self, "NumQNZs") == 0) return linear;
+    py::object result = owned(quadexpr_of_linear(std::move(linear)));
+    require_lists(self);  // making an object may run code of the caller
+    int size = count_of(self, "NumQNZs");
+    LibraryQuadTerms terms{std::vector<int>(size), std::vector<int>(size), std::vector<double>(size)};
+    check(ZVNgetq(model_pointer(self), &size, terms.row.data(), terms.col.data(), terms.val.data()), as_object(self));
+    append_quadratic(self, terms, as_quadexpr(result));
+    return result;
+}
+
 py::object Model_getObjective(Model& self, Args args) {
     const auto [index] = kGetObjective.parse(args);
     model_setup(self);
     const bool is_main = !index || index == Py_None;
     const int number = is_main ? 0 : int_of(index);
-    py::object result = steal(reinterpret_cast<PyObject*>(new_linexpr()));
+    py::object result = owned(new_linexpr());
     require_lists(self);  // converting and making an object may run code of the caller
     if (is_main) {
         read_objective(self, "ObjCon", "Obj", as_linexpr(result));
@@ -122,7 +162,7 @@ py::object Model_getObjective(Model& self, Args args) {
         const ObjNumberScope scope(self, number);
         read_objective(self, "ObjNCon", "ObjN", as_linexpr(result));
     }
-    return result;
+    return number > 0 ? result : with_quadratic_terms(self, std::move(result));
 }
 
 void Model_setPWLObj(Model& self, Args args) {
@@ -176,7 +216,7 @@ PyMethodDef model_build_objective_methods[] = {
     {"getObjective", method<Model_getObjective>, kKeywords,
      "getObjective($self, index=None)\n--\n\n"
      "The objective as of the last update, or objective number `index`, as an expression with one term for each\n"
-     "variable of non-zero coefficient."},
+     "variable of non-zero coefficient: a QuadExpr where it has quadratic terms, otherwise a LinExpr."},
     {"setPWLObj", method<Model_setPWLObj>, kKeywords,
      "setPWLObj($self, var, x, y)\n--\n\n"
      "Set a piecewise-linear objective term for a variable: the function through the points (x[i], y[i]), its\n"

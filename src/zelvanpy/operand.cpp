@@ -14,6 +14,7 @@ Operand classify_other(py::handle operand, double& value) {
     }
     if (PyType_IsSubtype(type, Var_Type)) return Operand::kVar;
     if (PyType_IsSubtype(type, LinExpr_Type)) return Operand::kLinExpr;
+    if (PyType_IsSubtype(type, QuadExpr_Type)) return Operand::kQuadExpr;
     return scalar_value(operand, value) ? Operand::kScalar : Operand::kForeign;
 }
 

@@ -1,7 +1,7 @@
 #include "quicksum.h"
 
-#include "linexpr.h"
 #include "pyargs.h"
+#include "quadexpr.h"
 #include "tupledict.h"
 
 namespace zelvanpy {
@@ -10,27 +10,57 @@ namespace {
 
 const Name kValues("values");
 
-bool add_to_sum(py::handle result, PyObject* term) {
-    return Py_TYPE(result.ptr()) == LinExpr_Type && add_known<double_linexpr>(as_linexpr(result), term);
+// Adds a term of known class; `result` becomes a QuadExpr with the first quadratic term. False for any other term.
+bool add_to_sum(py::object& result, PyObject* term) {
+    if (Py_TYPE(result.ptr()) == LinExpr_Type) {
+        if (Py_TYPE(term) != QuadExpr_Type) return add_known<double_terms<LinExpr>>(as_linexpr(result), term);
+        result = owned(quadexpr_of_linear(std::move(result)));
+    }
+    return Py_TYPE(result.ptr()) == QuadExpr_Type &&
+           add_known<double_terms<QuadExpr>, double_terms<LinExpr>>(as_quadexpr(result), term);
 }
 
-// A product that only the sum holds gives its variable away; false for any other term.
-bool take_term(py::handle result, const py::object& term) {
-    LinExpr* const from = as_linexpr(term);
-    if (Py_TYPE(term.ptr()) != LinExpr_Type || Py_REFCNT(term.ptr()) != 1 || from->size != 1 || from->tail ||
-        Py_TYPE(result.ptr()) != LinExpr_Type)
-        return false;
-    LinExpr* const to = as_linexpr(result);
-    if (to->size == to->capacity) double_linexpr(to);
+// The only term of an expression that nobody else has goes over to the sum without its variables being counted.
+template <class E>
+void take_only_term(E* to, E* from) {
+    if (to->size == to->capacity) double_terms(to);
     to->terms[to->size++] = from->terms[0];
     from->size = 0;
-    to->constant += from->constant;
-    if (!is_inert(to->terms[to->size - 1].var)) wake_linexpr(to);
+    if (!has_inert_variables(to->terms[to->size - 1])) ExprMemory<E>::wake(to);
+}
+
+template <class E>
+bool is_one_free_term(const py::object& term) {
+    const E* e = reinterpret_cast<E*>(term.ptr());
+    return Py_TYPE(term.ptr()) == E::type() && Py_REFCNT(term.ptr()) == 1 && e->size == 1 && !e->tail;
+}
+
+// A product that only the sum holds gives its variables away; false for any other term.
+bool take_term(py::handle result, const py::object& term) {
+    PyTypeObject* type = Py_TYPE(result.ptr());
+    if (type == QuadExpr_Type && is_one_free_term<QuadExpr>(term) && !as_quadexpr(term)->lin) {
+        take_only_term(as_quadexpr(result), as_quadexpr(term));
+        return true;
+    }
+    if (type != LinExpr_Type || !is_one_free_term<LinExpr>(term)) return false;
+    take_only_term(as_linexpr(result), as_linexpr(term));
+    as_linexpr(result)->constant += as_linexpr(term)->constant;
     return true;
 }
 
+void shrink_quadexpr(QuadExpr* e) {
+    shrink_terms(e);
+    if (e->lin) shrink_terms(e->lin);
+}
+
 void sum_list(py::object& result, PyObject* list) {
-    reserve_terms(as_linexpr(result), PyList_GET_SIZE(list));
+    const Py_ssize_t size = PyList_GET_SIZE(list);
+    if (size > 0 && Py_TYPE(PyList_GET_ITEM(list, 0)) == QuadExpr_Type) {
+        result = owned(quadexpr_of_linear(std::move(result)));
+        reserve_terms(as_quadexpr(result), size);
+    } else {
+        reserve_terms(as_linexpr(result), size);
+    }
     for (Py_ssize_t i = 0; i < PyList_GET_SIZE(list); ++i) {
         PyObject* term = PyList_GET_ITEM(list, i);
         if (i + kTermsAhead < PyList_GET_SIZE(list)) __builtin_prefetch(PyList_GET_ITEM(list, i + kTermsAhead), 1);
@@ -66,6 +96,7 @@ py::object quicksum(py::handle terms) {
     else
         sum_iterable(result, terms);
     if (Py_TYPE(result.ptr()) == LinExpr_Type) shrink_terms(as_linexpr(result));
+    if (Py_TYPE(result.ptr()) == QuadExpr_Type) shrink_quadexpr(as_quadexpr(result));
     return result;
 }
 

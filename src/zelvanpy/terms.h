@@ -24,6 +24,25 @@ struct Term {
     void variables(Visit&& visit) const {
         visit(var);
     }
+    Term scaled(double mult) const { return {mult * coeff, var}; }
+    // Equal for terms that can be merged.
+    std::uint64_t key() const { return static_cast<std::uint32_t>(var->index); }
+};
+
+struct QuadTerm {
+    double coeff;
+    Handle *var1, *var2;  // owned
+
+    template <class Visit>
+    void variables(Visit&& visit) const {
+        visit(var1);
+        visit(var2);
+    }
+    QuadTerm scaled(double mult) const { return {mult * coeff, var1, var2}; }
+    std::uint64_t key() const {
+        return static_cast<std::uint64_t>(static_cast<std::uint32_t>(var1->index)) << 32 |
+               static_cast<std::uint32_t>(var2->index);
+    }
 };
 
 template <class E>

@@ -197,8 +197,8 @@ public:
 private:
     void append(double coeff, PyObject* var) {
         if (native_->size == 0) reserve_terms(native_, expected_);
-        if (native_->size == native_->capacity) grow_linexpr(native_);
-        append_term(native_, coeff, as_handle(var));
+        if (native_->size == native_->capacity) grow_terms(native_);
+        append_term(native_, {coeff, as_handle(var)});
     }
     static bool read_coeff(PyObject* coeff, double& c) {
         if (PyFloat_CheckExact(coeff)) {

@@ -6,6 +6,7 @@
 #include "operand.h"
 #include "pynumber.h"
 #include "pytype.h"
+#include "quadexpr.h"
 #include "tempconstr.h"
 #include "var.h"
 
@@ -34,7 +35,8 @@ PyObject* Var_subtract(py::handle left, py::handle right) {
 bool converts_to_float(py::handle operand, double& value) {
     const Operand kind = classify(operand, value);
     if (kind == Operand::kScalar) return true;
-    if (Py_TYPE(operand.ptr()) == Var_Type || Py_TYPE(operand.ptr()) == LinExpr_Type) return false;
+    PyTypeObject* type = Py_TYPE(operand.ptr());
+    if (type == Var_Type || type == LinExpr_Type || type == QuadExpr_Type) return false;
     PyObject* number = PyNumber_Float(operand.ptr());
     if (!number) {
         PyErr_Clear();
@@ -47,11 +49,13 @@ bool converts_to_float(py::handle operand, double& value) {
 PyObject* Var_multiply(py::handle left, py::handle right) {
     if (PyFloat_CheckExact(left.ptr()))
         return as_result(linexpr_of_var(as_handle(right), PyFloat_AS_DOUBLE(left.ptr())));
+    if (Py_TYPE(left.ptr()) == Var_Type && Py_TYPE(right.ptr()) == Var_Type)
+        return as_result(product_of_expressions(left, right));
     const bool is_left = is_var(left);
     const py::handle var = is_left ? left : right, operand = is_left ? right : left;
     double value;
     if (converts_to_float(operand, value)) return as_result(linexpr_of_var(as_handle(var), value));
-    return on_expression<linexpr_imul>(var, 1.0, operand);
+    return linexpr_multiply(left, right);
 }
 
 PyObject* Var_imul(py::handle var, py::handle operand) { return on_expression<linexpr_imul>(var, 1.0, operand); }

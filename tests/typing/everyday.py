@@ -3,7 +3,7 @@
 import pathlib
 
 import zelvanpy
-from zelvanpy import ZVN, Constr, LinExpr, Var, tupledict
+from zelvanpy import ZVN, Constr, LinExpr, QuadExpr, Var, tupledict
 
 goods = ["bread", "milk"]
 demand = {"bread": 3.0, "milk": 4}
@@ -27,6 +27,11 @@ with zelvanpy.Env(empty=True) as env:
         m.addRange(y + 1, 0, 9)
         cost: LinExpr = zelvanpy.quicksum(demand[g] * buy[g] for g in goods) + 3 * y / 2 - 1
         m.setObjective(cost, ZVN.MAXIMIZE)
+        risk: QuadExpr = zelvanpy.quicksum(demand[g] * buy[g] * buy[g] for g in goods) + (y - 1) ** 2 - cost
+        risk += y * one[0] / 2
+        risk.addTerms([1.0], [y], [one[0]])
+        part: LinExpr = risk.getLinExpr()
+        m.setObjective(part + risk)
         m.ModelSense = ZVN.MINIMIZE
         m.Params.TimeLimit = 10
         m.Params.MIPGap = 1e-3

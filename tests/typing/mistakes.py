@@ -24,5 +24,6 @@ y.setAttr("LB", "0")  # mistake
 m.setObjective("x")  # mistake
 m.addVar(vtype=ZVN.CONTINOUS)  # mistake
 m.write(3)  # mistake
+print(x[0] * y * "2")  # mistake
 total: str = zelvanpy.quicksum(x.values())  # mistake
 objective: str = m.getAttr("ObjVal")  # mistake
