@@ -19,7 +19,9 @@ def highs_version():
     import highsbox
 
     header = pathlib.Path(highsbox.highs_dist_dir(), "include", "highs", "HConfig.h").read_text()
-    return ".".join(re.search(r"HIGHS_VERSION_%s (\d+)" % part, header).group(1) for part in ("MAJOR", "MINOR", "PATCH"))
+    return ".".join(
+        re.search(r"HIGHS_VERSION_%s (\d+)" % part, header).group(1) for part in ("MAJOR", "MINOR", "PATCH")
+    )
 
 
 def fetch(version, folder):

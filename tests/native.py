@@ -12,7 +12,7 @@ PACKAGE = pathlib.Path(zelvanpy._zelvanpy.__file__).resolve().parent
 INFINITY, UNDEFINED = 1e100, 1e101
 NULL_ARGUMENT, INVALID, UNKNOWN_ATTR, NOT_AVAILABLE = 10002, 10003, 10004, 10005
 BAD_INDEX, UNKNOWN_PARAM, BAD_VALUE, FILE_READ, FILE_WRITE = 10006, 10007, 10008, 10012, 10013
-MODEL, VAR, CONSTR, SOS = range(4)
+MODEL, VAR, CONSTR, SOS, QCONSTR = range(5)
 
 lib = ctypes.CDLL(str(PACKAGE / "libzelvan100.so"))
 Handle = ctypes.c_void_p
@@ -38,6 +38,16 @@ def texts(values):
     return array(Text, [value.encode() for value in values])
 
 
+def linear(entries):
+    cols, values = zip(*entries) if entries else ((), ())
+    return len(cols), array(Int, cols), array(Double, values)
+
+
+def quadratic(terms):
+    rows, cols, values = zip(*terms) if terms else ((), (), ())
+    return len(rows), array(Int, rows), array(Int, cols), array(Double, values)
+
+
 def decoded(value):
     return value.decode() if isinstance(value, bytes) else value
 
@@ -58,7 +68,8 @@ class LibraryError(Exception):
 @dataclasses.dataclass
 class Content:
     """What a model says, for comparison: columns as (name, type, lb, ub, obj), rows as (name, sense, rhs, entries),
-    special ordered sets as (type, members)."""
+    special ordered sets as (type, members), quadratic terms as (row, col, value), quadratic rows as (name, sense, rhs,
+    entries, terms)."""
 
     name: str
     sense: int
@@ -66,6 +77,8 @@ class Content:
     columns: list
     rows: list
     sets: list = dataclasses.field(default_factory=list)
+    quadratic: list = dataclasses.field(default_factory=list)
+    quadratic_rows: list = dataclasses.field(default_factory=list)
 
 
 class Caller:
@@ -242,8 +255,7 @@ class Model(Caller):
 
     def add_row(self, name, sense, rhs, entries, lower=None):
         """`rhs` of a two-sided row is its upper side."""
-        cols, values = zip(*entries) if entries else ((), ())
-        head = (len(cols), array(Int, cols), array(Double, values))
+        head = linear(entries)
         if sense == "R":
             self.call("ZVNaddrangeconstr", *head, Double(lower), Double(rhs), name.encode())
         else:
@@ -254,11 +266,16 @@ class Model(Caller):
         begin = (array(Int, [kind]), array(Int, [0]))
         self.call("ZVNaddsos", 1, len(cols), *begin, array(Int, cols), array(Double, weights))
 
+    def add_quadratic_row(self, name, sense, rhs, entries, terms):
+        sides = (ctypes.c_char(sense.encode()), Double(rhs), name.encode())
+        self.call("ZVNaddqconstr", *linear(entries), *quadratic(terms), *sides)
+
+    def set_objective(self, entries=(), terms=(), sense=0, constant=0.0):
+        self.call("ZVNsetobjective", sense, Double(constant), *linear(entries), *quadratic(terms))
+
     def set_objective_n(self, index, priority, weight, abstol, reltol, name, constant, entries):
-        cols, values = zip(*entries) if entries else ((), ())
         fields = [Double(value) for value in (weight, abstol, reltol)]
-        terms = (Double(constant), len(cols), array(Int, cols), array(Double, values))
-        self.call("ZVNsetobjectiven", index, priority, *fields, name.encode(), *terms)
+        self.call("ZVNsetobjectiven", index, priority, *fields, name.encode(), Double(constant), *linear(entries))
 
     def set_pwl(self, col, points):
         x, y = zip(*points)
@@ -278,13 +295,38 @@ class Model(Caller):
         types = (Int * self.get("NumSOS"))()
         return list(zip(types, self.entries(len(types), "ZVNgetsos", types))) if types else []
 
+    def quadratic_terms(self):
+        """Those of the objective, as (row, col, value)."""
+        count = Int()
+        self.call("ZVNgetq", ctypes.byref(count), None, None, None)
+        arrays = [(kind * max(1, count.value))() for kind in (Int, Int, Double)]
+        self.call("ZVNgetq", ctypes.byref(count), *arrays)
+        return list(zip(*arrays))[: count.value]
+
+    def quadratic_row(self, i):
+        """Entries and terms of a quadratic constraint."""
+        counts = Int(), Int()
+        self.call("ZVNgetqconstr", i, ctypes.byref(counts[0]), None, None, ctypes.byref(counts[1]), None, None, None)
+        linear, terms = (
+            [(kind * max(1, count.value))() for kind in kinds]
+            for count, kinds in zip(counts, [(Int, Double), (Int, Int, Double)])
+        )
+        self.call("ZVNgetqconstr", i, ctypes.byref(counts[0]), *linear, ctypes.byref(counts[1]), *terms)
+        return tuple(list(zip(*arrays))[: count.value] for count, arrays in zip(counts, (linear, terms)))
+
+    def quadratic_rows(self):
+        every = range(self.get("NumQConstrs"))
+        sides = [self.get(attr, every) for attr in ("QCName", "QCSense", "QCRHS")]
+        return [(*side, *self.quadratic_row(i)) for i, side in enumerate(zip(*sides))]
+
     def content(self):
         cols, rows = self.get("NumVars"), self.get("NumConstrs")
         columns = [self.get(attr, range(cols)) for attr in ("VarName", "VType", "LB", "UB", "Obj")]
         sides = [self.get(attr, range(rows)) for attr in ("ConstrName", "Sense", "RHS")]
         sides += [[sorted(e) for e in self.entries(rows)] if rows else []]
         head = [self.get(attr) for attr in ("ModelName", "ModelSense", "ObjCon")]
-        return Content(*head, list(zip(*columns)), list(zip(*sides)), self.sets())
+        parts = [list(zip(*columns)), list(zip(*sides)), self.sets(), self.quadratic_terms(), self.quadratic_rows()]
+        return Content(*head, *parts)
 
 
 def highs_library():

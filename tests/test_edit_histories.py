@@ -44,13 +44,23 @@ class Set:
     weights: dict  # by column
 
 
+@dataclasses.dataclass(eq=False)
+class QuadraticRow:
+    entries: dict  # coefficients by column
+    terms: dict  # by pairs of columns in the order of their indices
+    sense: str
+    rhs: float
+    name: str
+
+
 class Plain:
     """What the edited model must be after its next update, and the random edits, each done to both."""
 
-    def __init__(self, rng, model, integers):
+    def __init__(self, rng, model, integers=False, quadratic=False):
         self.rng, self.model = rng, model
-        self.integers = integers
-        self.columns, self.rows, self.sets, self.deleted = [], [], [], []
+        self.integers, self.quadratic = integers, quadratic
+        self.columns, self.rows, self.sets, self.quadratic_rows, self.deleted = [], [], [], [], []
+        self.products = {}  # of the objective, as those of a quadratic row
         self.sense, self.constant, self.named = 1, 0.0, 0
 
     def name(self, letter):
@@ -77,11 +87,13 @@ class Plain:
         nulls = [column for column in self.columns if column.null]
         entries.update((column, self.rng.choice(TINY)) for column in self.some(nulls))
         rhs = float(self.rng.randint(-2, 8))
-        return Row(entries, self.rng.choice("<<<>>=R"), rhs, rhs - self.rng.randint(0, 4), self.name("r"))
+        senses = "<<<>>=" if self.quadratic else "<<<>>=R"
+        return Row(entries, self.rng.choice(senses), rhs, rhs - self.rng.randint(0, 4), self.name("r"))
 
     def index(self, thing):
         """By the numbering of the last update, with what is new behind."""
-        return {Column: self.columns, Row: self.rows, Set: self.sets}[type(thing)].index(thing)
+        lists = {Column: self.columns, Row: self.rows, Set: self.sets, QuadraticRow: self.quadratic_rows}
+        return lists[type(thing)].index(thing)
 
     def bounded(self):
         """Columns with two finite bounds."""
@@ -121,8 +133,45 @@ class Plain:
             for column in some:
                 column.bounded = True
 
+    def new_terms(self):
+        """Quadratic terms as they are passed, with repeated pairs, and what they come to."""
+        if not self.columns:
+            return [], {}
+        passed = [(*self.rng.choices(self.columns, k=2), float(self.rng.randint(-2, 2))) for _ in range(6)]
+        terms = {}
+        for one, other, value in passed:
+            pair = tuple(sorted((one, other), key=self.index))
+            terms[pair] = terms.get(pair, 0.0) + value
+        indexed = [(self.index(one), self.index(other), value) for one, other, value in passed]
+        return indexed, {pair: value for pair, value in terms.items() if value}
+
+    def add_quadratic_row(self):
+        entries = {column: float(self.rng.choice([-1, 1, 2])) for column in self.some(self.columns, 4)}
+        passed, terms = self.new_terms()
+        row = QuadraticRow(entries, terms, self.rng.choice("<>="), float(self.rng.randint(-2, 8)), self.name("q"))
+        linear = [(self.index(column), value) for column, value in entries.items()]
+        self.model.add_quadratic_row(row.name, row.sense, row.rhs, linear, passed)
+        self.quadratic_rows.append(row)
+
+    def set_objective(self):
+        costs = {column: float(self.rng.randint(1, 4)) for column in self.some(self.columns, 4)}
+        for column in self.columns:
+            column.obj = costs.get(column, 0.0)
+        passed, self.products = self.new_terms() if self.rng.random() < 0.7 else ([], {})
+        self.constant = float(self.rng.randint(-9, 9))
+        linear = [(self.index(column), value) for column, value in costs.items()]
+        self.model.set_objective(linear, passed, 0, self.constant)
+
+    def set_quadratic_side(self):
+        for row in self.some(self.quadratic_rows):
+            row.rhs = float(self.rng.randint(-3, 9))
+            row.sense = self.rng.choice("<>=")
+            self.write("dbl", "QCRHS", row, Double(row.rhs))
+            self.write("char", "QCSense", row, char(row.sense))
+
     def delete(self):
         calls = (self.columns, "ZVNdelvars"), (self.rows, "ZVNdelconstrs"), (self.sets, "ZVNdelsos")
+        calls += ((self.quadratic_rows, "ZVNdelqconstrs"),)
         for things, call in calls:
             some = self.rng.sample(things, min(len(things), self.rng.choice([0, 1, 1, 2])))
             self.model.call(call, len(some), array(Int, [self.index(thing) for thing in some]))
@@ -160,8 +209,9 @@ class Plain:
                 self.write("char", "Sense", row, char(row.sense))
 
     def rename(self):
-        for thing in self.some(self.columns) + self.some(self.rows):
-            attr = "VarName" if isinstance(thing, Column) else "ConstrName"
+        attrs = {Column: "VarName", Row: "ConstrName", QuadraticRow: "QCName"}
+        for thing in self.some(self.columns) + self.some(self.rows) + self.some(self.quadratic_rows):
+            attr = attrs[type(thing)]
             thing.name = self.name("n")
             self.write("str", attr, thing, thing.name.encode())
 
@@ -181,6 +231,8 @@ class Plain:
         edits = [self.add_column, self.add_columns, self.add_row, self.add_row, self.add_set, self.delete]
         edits += [self.set_bounds, self.set_costs, self.set_type, self.set_side, self.set_sense, self.set_model]
         edits += [self.rename]
+        if self.quadratic:
+            edits += [self.add_quadratic_row, self.add_quadratic_row, self.set_objective, self.set_quadratic_side]
         for edit in self.rng.choices(edits, k=self.rng.randint(1, 4)):
             edit()
 
@@ -191,8 +243,12 @@ class Plain:
         self.columns = [column for column in self.columns if column not in gone]
         self.rows = [row for row in self.rows if row not in gone]
         self.sets = [some for some in self.sets if some not in gone]
-        for row in self.rows:
+        self.quadratic_rows = [row for row in self.quadratic_rows if row not in gone]
+        for row in self.rows + self.quadratic_rows:
             row.entries = {column: value for column, value in row.entries.items() if column not in gone}
+        for row in self.quadratic_rows:
+            row.terms = {pair: value for pair, value in row.terms.items() if not gone & {*pair}}
+        self.products = {pair: value for pair, value in self.products.items() if not gone & {*pair}}
         for some in self.sets:
             some.weights = {column: weight for column, weight in some.weights.items() if column not in gone}
 
@@ -203,9 +259,15 @@ class Plain:
             add_row(model, row, self.columns)
         for some in self.sets:
             add_set(model, some, self.columns)
-        model.call("ZVNsetintattr", b"ModelSense", self.sense)
-        model.call("ZVNsetdblattr", b"ObjCon", Double(self.constant))
+        for row in self.quadratic_rows:
+            linear = [(self.index(column), value) for column, value in row.entries.items()]
+            model.add_quadratic_row(row.name, row.sense, row.rhs, linear, self.indexed(row.terms))
+        linear = [(j, column.obj) for j, column in enumerate(self.columns)]
+        model.set_objective(linear, self.indexed(self.products), self.sense, self.constant)
         return model
+
+    def indexed(self, terms):
+        return [(self.index(one), self.index(other), value) for (one, other), value in terms.items()]
 
 
 def char(letter):
@@ -231,7 +293,7 @@ def answer(model):
 def check_history(env, seed):
     rng = random.Random(seed)
     with env.new() as model:
-        plain = Plain(rng, model, integers=seed % 2)
+        plain = Plain(rng, model, seed % 2)
         for _ in range(rng.randint(2, 6)):
             plain.edit()
             kept = answer(model)
@@ -242,6 +304,36 @@ def check_history(env, seed):
                 assert kept[1] == pytest.approx(objective, rel=1e-6, abs=1e-6)
                 assert model.content() == fresh.content()
         return status
+
+
+@pytest.mark.parametrize("mode", [0, 1])
+def test_quadratic_objects_are_edited_as_the_others(mode):
+    env = Environment(OutputFlag=0, UpdateMode=mode)
+    found = 0
+    for seed in range(200):
+        rng = random.Random(seed)
+        with env.new() as model:
+            plain = Plain(rng, model, quadratic=True)
+            for _ in range(rng.randint(2, 6)):
+                plain.edit()
+                model.update()
+                plain.update()
+                with plain.build(env) as fresh:
+                    fresh.update()
+                    assert model.content() == fresh.content(), seed
+                    assert model.get("Fingerprint") == fresh.get("Fingerprint")
+                    content = fresh.content()
+                    assert content.quadratic == plain.indexed(plain.products), seed
+                    assert [row[4] for row in content.quadratic_rows] == [
+                        plain.indexed(row.terms) for row in plain.quadratic_rows
+                    ], seed
+                    found += len(content.quadratic_rows) + len(content.quadratic)
+                for row in plain.quadratic_rows:
+                    index = Int()
+                    model.call("ZVNgetqconstrbyname", row.name.encode(), ctypes.byref(index))
+                    assert index.value == plain.index(row)
+    assert found > 500
+    env.close()
 
 
 # Slow: the kept session goes wrong only in few of many histories.

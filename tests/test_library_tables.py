@@ -25,6 +25,7 @@ from native import (
     MODEL,
     NOT_AVAILABLE,
     NULL_ARGUMENT,
+    QCONSTR,
     SOS,
     STRING,
     UNDEFINED,
@@ -326,7 +327,7 @@ def test_calls_of_the_wrong_shape_type_or_index_are_refused(small):
         ("ZVNgetdblattrelement", (None, 0, ctypes.byref(value)), NULL_ARGUMENT),
         ("ZVNgetdblattrlist", (b"LB", -1, None, None), INVALID),
         ("ZVNgetdblattrlist", (b"LB", 1, None, None), NULL_ARGUMENT),
-        ("ZVNsetdblattrelement", (b"QCRHS", 0, ctypes.c_double(1)), NOT_AVAILABLE),
+        ("ZVNsetdblattrelement", (b"FuncPieceError", 0, ctypes.c_double(1)), NOT_AVAILABLE),
         ("ZVNprefetchattr", (b"Nope",), UNKNOWN_ATTR),
     ]:
         error = small.refused("call", function, *args)
@@ -339,7 +340,7 @@ def test_what_is_not_there_is_said_by_name_and_never_invented(small):
         available = lib.ZVNisattravailable(small.handle, name.encode())
         where = None if objects == MODEL else 0
         if available:
-            small.get(name, [] if objects == SOS else where)
+            small.get(name, [] if objects in (SOS, QCONSTR) else where)
         else:
             error = small.refused("get", name, where)
             assert error.code == NOT_AVAILABLE and "'%s'" % name in error.text, name

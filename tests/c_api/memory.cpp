@@ -42,6 +42,7 @@ void operator delete(void* memory, std::size_t) noexcept { std::free(memory); }
 namespace {
 
 using Call = int (*)(ZVNmodel*);
+using Base = ZVNmodel* (*)(ZVNenv*);
 
 template <class Body>
 int without_memory(long allocation, bool lasting, Body&& body) {
@@ -124,13 +125,36 @@ std::string sets(ZVNmodel* model) {
     return state;
 }
 
+std::string quadratic_terms(int count, const int* row, const int* col, const double* val) {
+    std::string state;
+    for (int k = 0; k < count; ++k)
+        state += " " + std::to_string(row[k]) + "*" + std::to_string(col[k]) + ":" + text_of(val[k]);
+    return state;
+}
+
+std::string quadratic(ZVNmodel* model) {
+    int row[9], col[9], ind[9], count = 0, entries = 0;
+    double val[9], linear[9];
+    OK(model, ZVNgetq(model, &count, row, col, val));
+    std::string state = "\nquadratic" + quadratic_terms(count, row, col, val);
+    for (int i = 0; i < int_attr(model, "NumQConstrs"); ++i) {
+        OK(model, ZVNgetqconstr(model, i, &entries, ind, linear, &count, row, col, val));
+        state += " |";
+        for (int k = 0; k < entries; ++k) state += " " + std::to_string(ind[k]) + ":" + text_of(linear[k]);
+        state += quadratic_terms(count, row, col, val);
+    }
+    return state;
+}
+
 std::string found_names(ZVNmodel* model) {
     std::string state = "\nfound";
-    for (const char* name : {"x", "y", "z", "renamed", "extra", "many1", "r0", "r1", "r2", "row", "rows1", "range"}) {
-        int col = -2, row = -2;
+    for (const char* name :
+         {"x", "y", "z", "renamed", "extra", "many1", "r0", "r1", "r2", "row", "rows1", "range", "q1"}) {
+        int col = -2, row = -2, quadratic = -2;
         OK(model, ZVNgetvarbyname(model, name, &col));
         OK(model, ZVNgetconstrbyname(model, name, &row));
-        state += " " + std::to_string(col) + "/" + std::to_string(row);
+        OK(model, ZVNgetqconstrbyname(model, name, &quadratic));
+        state += " " + std::to_string(col) + "/" + std::to_string(row) + "/" + std::to_string(quadratic);
     }
     return state;
 }
@@ -155,7 +179,7 @@ std::string describe(ZVNmodel* model) {
         state += attributes(model);
     }
     OK(model, ZVNsetintparam(ZVNgetenv(model), "ObjNumber", 0));
-    return state + rows(model) + sets(model) + found_names(model) + points(model);
+    return state + rows(model) + sets(model) + quadratic(model) + found_names(model) + points(model);
 }
 
 // ---- The changes
@@ -169,8 +193,11 @@ struct Change {
     Call call;
 };
 
-// Three columns, three rows and a set, solved.
-ZVNmodel* base_model(ZVNenv* env) {
+const int kAll[] = {0, 1, 2};
+const double kNumbers[] = {1, 2, 3};
+
+// Three columns, three rows and a set.
+ZVNmodel* unsolved_model(ZVNenv* env) {
     ZVNmodel* model = nullptr;
     const double obj[] = {5, 4, 3}, ub[] = {4, 4, 4};
     char* cols[] = {text("x"), text("y"), text("z")};
@@ -183,12 +210,24 @@ ZVNmodel* base_model(ZVNenv* env) {
     const int type = 2;
     OK(model, ZVNaddsos(model, 1, 3, &type, beg, ind, rhs));
     OK(model, ZVNsetstrattrelement(model, "VTag", 1, "tag"));
+    return model;
+}
+
+ZVNmodel* linear_model(ZVNenv* env) {
+    ZVNmodel* model = unsolved_model(env);
     OK(model, ZVNoptimize(model));
     return model;
 }
 
-const int kAll[] = {0, 1, 2};
-const double kNumbers[] = {1, 2, 3};
+// With a quadratic objective and two quadratic constraints.
+ZVNmodel* quadratic_model(ZVNenv* env) {
+    ZVNmodel* model = unsolved_model(env);
+    OK(model, ZVNsetobjective(model, 0, 0, 3, kAll, kNumbers, 3, kAll, kAll, kNumbers));
+    for (const char* name : {"q0", "q1"})
+        OK(model, ZVNaddqconstr(model, 2, kAll, kNumbers, 3, kAll, kAll, kNumbers, ZVN_LESS_EQUAL, 9, name));
+    OK(model, ZVNupdatemodel(model));
+    return model;
+}
 
 const Change kChanges[] = {
     {"ZVNaddvar", [](ZVNmodel* m) { return ZVNaddvar(m, 3, kAll, kNumbers, 1, -1, 7, ZVN_INTEGER, "extra"); }},
@@ -241,6 +280,33 @@ const Change kChanges[] = {
     {"constant", [](ZVNmodel* m) { return ZVNsetdblattr(m, "ObjCon", 4.5); }},
 };
 
+int add_products(ZVNmodel* m) {
+    const int row[] = {2, 1, 1, 0}, col[] = {0, 1, 1, 2};
+    const double val[] = {1, 2, 3, 4};
+    return ZVNaddqconstr(m, 2, kAll, kNumbers, 4, row, col, val, ZVN_EQUAL, 1, "row");
+}
+
+const Change kQuadraticChanges[] = {
+    {"ZVNaddqconstr", add_products},
+    {"ZVNaddqconstr again", add_products},
+    {"ZVNaddvar", kChanges[0].call},
+    {"ZVNdelvars", [](ZVNmodel* m) { return ZVNdelvars(m, 1, kAll + 1); }},
+    {"ZVNdelqconstrs", [](ZVNmodel* m) { return ZVNdelqconstrs(m, 1, kAll); }},
+    {"quadratic objective",
+     [](ZVNmodel* m) { return ZVNsetobjective(m, 1, 2.5, 3, kAll, kNumbers, 2, kAll, kAll + 1, kNumbers); }},
+    {"linear objective",
+     [](ZVNmodel* m) { return ZVNsetobjective(m, 1, 2.5, 3, kAll, kNumbers, 0, nullptr, nullptr, nullptr); }},
+    {"senses", [](ZVNmodel* m) { return ZVNsetcharattrlist(m, "QCSense", 2, kAll, "=>"); }},
+    {"right-hand side", [](ZVNmodel* m) { return ZVNsetdblattrelement(m, "QCRHS", 1, 8.5); }},
+    {"names",
+     [](ZVNmodel* m) {
+         char* names[] = {text("renamed"), text(kLong)};
+         return ZVNsetstrattrlist(m, "QCName", 2, kAll, names);
+     }},
+    {"tag", [](ZVNmodel* m) { return ZVNsetstrattrelement(m, "QCTag", 1, kLong); }},
+    {"forces", [](ZVNmodel* m) { return ZVNsetintattrlist(m, "IISQConstrForce", 2, kAll, kAll); }},
+};
+
 // ---- The tests
 
 void check_state(ZVNmodel* model, const std::string& expected, const char* change, const char* when, long allocation) {
@@ -259,7 +325,7 @@ void check_state(ZVNmodel* model, const std::string& expected, const char* chang
 
 // What the solver, which follows the changes of the model that it holds, makes of it.
 std::string answer(ZVNmodel* model) {
-    OK(model, ZVNoptimize(model));
+    if (const int code = ZVNoptimize(model)) return "refused with " + std::to_string(code);
     const int status = int_attr(model, "Status");
     double objective = 0.0;
     if (status == ZVN_OPTIMAL) OK(model, ZVNgetdblattr(model, "ObjVal", &objective));
@@ -273,7 +339,7 @@ struct End {
     std::string state, answer;
 };
 
-End end_of(ZVNenv* env, const std::vector<Change>& changes) {
+End end_of(ZVNenv* env, Base base_model, const std::vector<Change>& changes) {
     ZVNmodel* model = base_model(env);
     for (const Change& change : changes) OK(model, change.call(model));
     OK(model, ZVNupdatemodel(model));
@@ -285,8 +351,8 @@ End end_of(ZVNenv* env, const std::vector<Change>& changes) {
 
 // Each allocation of the call that queues a change. Half of the runs update before they call again: what a failed call
 // left behind would show there, and in the others as done twice.
-void fail_in_call(ZVNenv* env, const Change& change, bool lasting) {
-    const std::string before = end_of(env, {}).state, after = end_of(env, {change}).state;
+void fail_in_call(ZVNenv* env, Base base_model, const Change& change, bool lasting) {
+    const std::string before = end_of(env, base_model, {}).state, after = end_of(env, base_model, {change}).state;
     for (long allocation = 0;; ++allocation) {
         ZVNmodel* model = base_model(env);
         const int code = without_memory(allocation, lasting, [&] { return change.call(model); });
@@ -308,9 +374,9 @@ void fail_in_call(ZVNenv* env, const Change& change, bool lasting) {
 }
 
 // Each allocation of the update.
-void fail_in_update(ZVNenv* env, const char* name, const std::vector<Change>& changes, bool lasting) {
-    const std::string before = end_of(env, {}).state;
-    const End after = end_of(env, changes);
+void fail_in_update(ZVNenv* env, Base base_model, const char* name, const std::vector<Change>& changes, bool lasting) {
+    const std::string before = end_of(env, base_model, {}).state;
+    const End after = end_of(env, base_model, changes);
     for (long allocation = 0;; ++allocation) {
         ZVNmodel* model = base_model(env);
         for (const Change& change : changes) OK(model, change.call(model));
@@ -333,17 +399,22 @@ void fail_in_update(ZVNenv* env, const char* name, const std::vector<Change>& ch
     }
 }
 
+void fail_in_all(ZVNenv* env, Base base_model, const std::vector<Change>& changes, bool lasting) {
+    for (const Change& change : changes) {
+        fail_in_call(env, base_model, change, lasting);
+        fail_in_update(env, base_model, change.name, {change}, lasting);
+    }
+    fail_in_update(env, base_model, "all changes", changes, lasting);
+}
+
 }  // namespace
 
 int main() {
     setvbuf(stdout, nullptr, _IOLBF, BUFSIZ);  // what was found stays when a fault ends the program
     ZVNenv* env = silent_env();
     for (bool lasting : {false, true}) {
-        for (const Change& change : kChanges) {
-            fail_in_call(env, change, lasting);
-            fail_in_update(env, change.name, {change}, lasting);
-        }
-        fail_in_update(env, "all changes", {std::begin(kChanges), std::end(kChanges)}, lasting);
+        fail_in_all(env, linear_model, {std::begin(kChanges), std::end(kChanges)}, lasting);
+        fail_in_all(env, quadratic_model, {std::begin(kQuadraticChanges), std::end(kQuadraticChanges)}, lasting);
     }
     ZVNfreeenv(env);
     return failures != 0;

@@ -1,4 +1,4 @@
-// Adding, removing and finding columns and rows; objectives.
+// Adding, removing and finding columns, rows and sets; objectives.
 
 #include <algorithm>
 
@@ -63,6 +63,54 @@ int ZVNaddrangeconstr(ZVNmodel* model, int numnz, const int* ind, const double* 
             require(val, "val");
         }
         m.add_range_row(numnz, ind, val, lower, upper, name);
+    });
+}
+
+namespace {
+
+void require_quadratic(int num, const int* qrow, const int* qcol, const double* qval) {
+    if (num <= 0) return;
+    require(qrow, "qrow");
+    require(qcol, "qcol");
+    require(qval, "qval");
+}
+
+// `count` terms from `first` on, into those arrays that there are.
+void get_quadratic(const QuadTerms& terms, std::int64_t first, int count, int* qrow, int* qcol, double* qval) {
+    if (qrow) std::copy_n(terms.row.begin() + first, count, qrow);
+    if (qcol) std::copy_n(terms.col.begin() + first, count, qcol);
+    if (qval) std::copy_n(terms.val.begin() + first, count, qval);
+}
+
+}  // namespace
+
+int ZVNaddqconstr(ZVNmodel* model, int numlnz, const int* lind, const double* lval, int numqnz, const int* qrow,
+                  const int* qcol, const double* qval, char sense, double rhs, const char* name) {
+    return change_model(model, [&](Model& m) {
+        if (numlnz > 0) {
+            require(lind, "lind");
+            require(lval, "lval");
+        }
+        require_quadratic(numqnz, qrow, qcol, qval);
+        m.add_quad_row(numlnz, lind, lval, numqnz, qrow, qcol, qval, sense, rhs, name);
+    });
+}
+
+int ZVNgetqconstr(ZVNmodel* model, int qconstr, int* numlnz, int* lind, double* lval, int* numqnz, int* qrow, int* qcol,
+                  double* qval) {
+    return read_model(model, [&](Model& m) {
+        require(numlnz, "numlnz");
+        require(numqnz, "numqnz");
+        const QuadRows& rows = m.data.qrows;
+        if (qconstr < 0 || qconstr >= rows.size())
+            throw Error(ZVN_ERROR_INDEX_OUT_OF_RANGE,
+                        "Quadratic constraint " + std::to_string(qconstr) + " is not in the model");
+        const std::int64_t first = rows.start[qconstr];
+        *numlnz = static_cast<int>(rows.start[qconstr + 1] - first);
+        if (lind) std::copy_n(rows.col.begin() + first, *numlnz, lind);
+        if (lval) std::copy_n(rows.val.begin() + first, *numlnz, lval);
+        *numqnz = static_cast<int>(rows.quad_start[qconstr + 1] - rows.quad_start[qconstr]);
+        get_quadratic(rows.quad, rows.quad_start[qconstr], *numqnz, qrow, qcol, qval);
     });
 }
 
@@ -152,20 +200,28 @@ int ZVNgetsos(ZVNmodel* model, int* nummembers, int* types, int* beg, int* ind, 
     });
 }
 
-int ZVNgetvarbyname(ZVNmodel* model, const char* name, int* index) {
+namespace {
+
+int find_by_name(ZVNmodel* model, Kind kind, const char* name, int* index) {
     return read_model(model, [&](Model& m) {
         require(name, "name");
         require(index, "index");
-        *index = m.find_col(name);
+        *index = m.find(kind, name);
     });
 }
 
+}  // namespace
+
+int ZVNgetvarbyname(ZVNmodel* model, const char* name, int* index) {
+    return find_by_name(model, Kind::kColumn, name, index);
+}
+
 int ZVNgetconstrbyname(ZVNmodel* model, const char* name, int* index) {
-    return read_model(model, [&](Model& m) {
-        require(name, "name");
-        require(index, "index");
-        *index = m.find_row(name);
-    });
+    return find_by_name(model, Kind::kRow, name, index);
+}
+
+int ZVNgetqconstrbyname(ZVNmodel* model, const char* name, int* index) {
+    return find_by_name(model, Kind::kQuadRow, name, index);
 }
 
 int ZVNgetconstrs(ZVNmodel* model, int* numnz, int* beg, int* ind, double* val, int start, int num) {
@@ -174,17 +230,17 @@ int ZVNgetconstrs(ZVNmodel* model, int* numnz, int* beg, int* ind, double* val, 
 }
 
 int ZVNsetobjective(ZVNmodel* model, int sense, double constant, int lnz, const int* lind, const double* lval, int qnz,
-                    const int*, const int*, const double*) {
+                    const int* qrow, const int* qcol, const double* qval) {
     return change_model(model, [&](Model& m) {
-        if (qnz != 0)
-            throw Error(ZVN_ERROR_NOT_SUPPORTED, "Quadratic objective terms are not supported by this version");
         if (lnz > 0) {
             require(lind, "lind");
             require(lval, "lval");
         }
+        require_quadratic(qnz, qrow, qcol, qval);
         Objective fields;
         fields.constant = constant;
-        m.set_objective(-1, sense, std::move(fields), lnz, lind, lval);
+        m.set_objective(-1, sense, std::move(fields), lnz, lind, lval,
+                        m.checked_quad("the objective", qnz, qrow, qcol, qval));
     });
 }
 
@@ -210,10 +266,12 @@ int ZVNsetobjectiven(ZVNmodel* model, int index, int priority, double weight, do
     });
 }
 
-int ZVNgetq(ZVNmodel* model, int* qnz, int*, int*, double*) {
-    return with_model(model, [&](Model&) {
+int ZVNgetq(ZVNmodel* model, int* qnz, int* qrow, int* qcol, double* qval) {
+    return read_model(model, [&](Model& m) {
         require(qnz, "qnz");
-        *qnz = 0;
+        const QuadTerms& terms = m.data.quad_obj;
+        *qnz = static_cast<int>(terms.size());
+        get_quadratic(terms, 0, *qnz, qrow, qcol, qval);
     });
 }
 

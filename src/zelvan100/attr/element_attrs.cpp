@@ -24,10 +24,8 @@ Values objective_coeffs(const Model& m) { return Values::of(m.data.cols.obj); }
 Values types(const Model& m) { return Values::of(m.data.cols.type); }
 Values senses(const Model& m) { return Values::of(m.data.rows.sense); }
 Values right_sides(const Model& m) { return Values::of(m.data.rows.rhs); }
-Texts column_names(const Model& m) { return {&m.data.cols.names, spec_of(Kind::kColumn).prefix}; }
-Texts column_tags(const Model& m) { return {&m.data.cols.tags, nullptr}; }
-Texts row_names(const Model& m) { return {&m.data.rows.names, spec_of(Kind::kRow).prefix}; }
-Texts row_tags(const Model& m) { return {&m.data.rows.tags, nullptr}; }
+Values quad_senses(const Model& m) { return Values::of(m.data.qrows.sense); }
+Values quad_right_sides(const Model& m) { return Values::of(m.data.qrows.rhs); }
 
 double pwl_convex(const Model& m, int col) {
     const auto found = m.data.pwl_obj.find(col);

@@ -36,6 +36,18 @@ std::uint64_t row_hash(const SparseRows& rows, int i) {
     return sum;
 }
 
+std::uint64_t quad_hash(const QuadTerms& terms, std::size_t begin, std::size_t end) {
+    std::uint64_t sum = 0;
+    for (std::size_t k = begin; k < end; ++k) {
+        Hash term;
+        term.add(static_cast<std::uint64_t>(terms.row[k]));
+        term.add(static_cast<std::uint64_t>(terms.col[k]));
+        term.add(terms.val[k]);
+        sum += term.value;
+    }
+    return sum;
+}
+
 }  // namespace
 
 // Depends on what the model says, not on names, parameters, starts or hints.
@@ -59,6 +71,13 @@ double fingerprint(const Model& m) {
     for (int k = 0; k < data.sos.size(); ++k) {
         hash.add(static_cast<std::uint64_t>(data.sos.type[k]));
         hash.add(row_hash(data.sos, k));
+    }
+    hash.add(quad_hash(data.quad_obj, 0, data.quad_obj.size()));
+    for (int i = 0; i < data.qrows.size(); ++i) {
+        hash.add(static_cast<std::uint64_t>(data.qrows.sense[i]));
+        hash.add(data.qrows.rhs[i]);
+        hash.add(row_hash(data.qrows, i));
+        hash.add(quad_hash(data.qrows.quad, data.qrows.quad_start[i], data.qrows.quad_start[i + 1]));
     }
     for (std::size_t k = 0; k < data.objectives.size(); ++k) {
         const Objective& objective = data.objectives[k];

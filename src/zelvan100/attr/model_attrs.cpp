@@ -51,13 +51,25 @@ double num_vars(const Model& m) { return m.num_cols(); }
 
 double num_sos(const Model& m) { return m.data.sos.size(); }
 
-double num_nonzeros(const Model& m) {
-    const std::int64_t count = m.data.rows.num_entries();
+namespace {
+
+double checked_count(std::int64_t count, const char* attribute, const char* instead) {
     if (count > ZVN_MAXINT)
-        throw Error(ZVN_ERROR_EXCEED_2B_NONZEROS, "Attribute 'NumNZs' doesn't fit an int: the model has " +
-                                                      std::to_string(count) + " nonzeros. Use attribute 'DNumNZs'");
+        throw Error(ZVN_ERROR_EXCEED_2B_NONZEROS, std::string("Attribute '") + attribute +
+                                                      "' doesn't fit an int: the model has " + std::to_string(count) +
+                                                      " nonzeros" + instead);
     return static_cast<double>(count);
 }
+
+}  // namespace
+
+double num_nonzeros(const Model& m) {
+    return checked_count(m.data.rows.num_entries(), "NumNZs", ". Use attribute 'DNumNZs'");
+}
+
+double num_quad_rows(const Model& m) { return m.data.qrows.size(); }
+double num_quad_objective_terms(const Model& m) { return static_cast<double>(m.data.quad_obj.size()); }
+double num_quad_row_terms(const Model& m) { return checked_count(m.data.qrows.quad_start.back(), "NumQCNZs", ""); }
 
 double num_nonzeros_dbl(const Model& m) { return static_cast<double>(m.data.rows.num_entries()); }
 
@@ -85,6 +97,10 @@ double objective_constant(const Model& m) { return m.data.obj_constant; }
 
 double is_mip(const Model& m) { return m.data.is_mip(); }
 
+double is_qp(const Model& m) { return !m.data.quad_obj.empty() && m.data.qrows.size() == 0; }
+
+double is_qcp(const Model& m) { return m.data.qrows.size() > 0; }
+
 double max_coeff(const Model& m) { return range_of({&m.data.rows.val}).largest; }
 double min_coeff(const Model& m) { return range_of({&m.data.rows.val}).minimum(); }
 double max_bound(const Model& m) { return bound_range(m).largest; }
@@ -93,5 +109,13 @@ double max_obj_coeff(const Model& m) { return range_of({&m.data.cols.obj}).large
 double min_obj_coeff(const Model& m) { return range_of({&m.data.cols.obj}).minimum(); }
 double max_rhs(const Model& m) { return rhs_range(m).largest; }
 double min_rhs(const Model& m) { return rhs_range(m).minimum(); }
+double max_quad_rhs(const Model& m) { return range_of({&m.data.qrows.rhs}).largest; }
+double min_quad_rhs(const Model& m) { return range_of({&m.data.qrows.rhs}).minimum(); }
+double max_quad_coeff(const Model& m) { return range_of({&m.data.qrows.quad.val}).largest; }
+double min_quad_coeff(const Model& m) { return range_of({&m.data.qrows.quad.val}).minimum(); }
+double max_quad_linear_coeff(const Model& m) { return range_of({&m.data.qrows.val}).largest; }
+double min_quad_linear_coeff(const Model& m) { return range_of({&m.data.qrows.val}).minimum(); }
+double max_quad_obj_coeff(const Model& m) { return range_of({&m.data.quad_obj.val}).largest; }
+double min_quad_obj_coeff(const Model& m) { return range_of({&m.data.quad_obj.val}).minimum(); }
 
 }  // namespace zelvan

@@ -14,12 +14,17 @@ double num_nonzeros_dbl(const Model&);
 double num_integer_vars(const Model&);  // binary ones included
 double num_binary_vars(const Model&);
 double num_pwl_vars(const Model&);
+double num_quad_rows(const Model&);
+double num_quad_objective_terms(const Model&);
+double num_quad_row_terms(const Model&);  // quadratic ones
 double num_starts(const Model&);
 double none(const Model&);  // 0: a count or range over objects that no model has
 const char* model_name(const Model&);
 double model_sense(const Model&);
 double objective_constant(const Model&);
 double is_mip(const Model&);
+double is_qp(const Model&);  // with quadratic constraints it is a QCP instead
+double is_qcp(const Model&);
 
 // Smallest and largest magnitude, zeros and infinities left out; 0 when nothing is left.
 double max_coeff(const Model&);
@@ -30,6 +35,14 @@ double max_obj_coeff(const Model&);
 double min_obj_coeff(const Model&);
 double max_rhs(const Model&);
 double min_rhs(const Model&);
+double max_quad_rhs(const Model&);
+double min_quad_rhs(const Model&);
+double max_quad_coeff(const Model&);
+double min_quad_coeff(const Model&);
+double max_quad_linear_coeff(const Model&);
+double min_quad_linear_coeff(const Model&);
+double max_quad_obj_coeff(const Model&);
+double min_quad_obj_coeff(const Model&);
 
 // --- fingerprint.cpp
 double fingerprint(const Model&);
@@ -55,6 +68,8 @@ Values pool_values(const Model&);
 Values reduced_costs(const Model&);
 Values duals(const Model&);
 Values slacks(const Model&);
+Values quad_duals(const Model&);
+Values quad_slacks(const Model&);
 Values column_basis(const Model&);
 Values row_basis(const Model&);
 Values unbounded_ray(const Model&);
@@ -73,30 +88,28 @@ double objective_n_abs_tol(const Model&);
 double objective_n_value(const Model&);
 const char* objective_n_name(const Model&);
 
-// --- element_attrs.cpp: columns and rows
+// --- element_attrs.cpp: columns, rows, quadratic constraints
 Values lower_bounds(const Model&);
 Values upper_bounds(const Model&);
 Values objective_coeffs(const Model&);
 Values types(const Model&);
 Values senses(const Model&);
 Values right_sides(const Model&);
-Texts column_names(const Model&);
-Texts column_tags(const Model&);
-Texts row_names(const Model&);
-Texts row_tags(const Model&);
+Values quad_senses(const Model&);
+Values quad_right_sides(const Model&);
+template <Kind kind>
+Texts names(const Model& m) {
+    return {&m.data.family(kind).names, spec_of(kind).prefix};
+}
+template <Kind kind>
+Texts tags(const Model& m) {
+    return {&m.data.family(kind).tags, nullptr};
+}
 double pwl_convex(const Model&, int col);
 Values option_values(const Identity&, Option);
-template <Option option>
-Values column_option(const Model& m) {
-    return option_values(m.data.cols, option);
-}
-template <Option option>
-Values row_option(const Model& m) {
-    return option_values(m.data.rows, option);
-}
-template <Option option>
-Values sos_option(const Model& m) {
-    return option_values(m.data.sos, option);
+template <Kind kind, Option option>
+Values option_of(const Model& m) {
+    return option_values(m.data.family(kind), option);
 }
 
 // --- quality.cpp: how far the solution is off. A measure gives the largest amount, the index where it

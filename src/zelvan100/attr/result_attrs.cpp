@@ -8,6 +8,7 @@ namespace {
 constexpr const char* kNoSolution = "no solution is available";
 constexpr const char* kNoBasisMatrix = "it takes a linear model with constraints, solved to a basis";
 constexpr const char* kNoDuals = "no dual solution is available";
+constexpr const char* kNoQuadDuals = "no dual values of quadratic constraints are available";
 
 // A result that the latest solve, of which the status is told, didn't leave.
 Error no_result(const Model& m, const char* why) {
@@ -86,6 +87,8 @@ Values pool_values(const Model& m) {
 Values reduced_costs(const Model& m) { return present(m.solution.rc, m.num_cols(), m, kNoDuals); }
 Values duals(const Model& m) { return present(m.solution.pi, m.num_rows(), m, kNoDuals); }
 Values slacks(const Model& m) { return present(m.solution.slack, m.num_rows(), m, kNoSolution); }
+Values quad_duals(const Model& m) { return present(m.solution.qcpi, m.data.qrows.size(), m, kNoQuadDuals); }
+Values quad_slacks(const Model& m) { return present(m.solution.qcslack, m.data.qrows.size(), m, kNoSolution); }
 
 Values column_basis(const Model& m) { return basis(m, Kind::kColumn); }
 

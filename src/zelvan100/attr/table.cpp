@@ -80,12 +80,12 @@ constexpr AttrSpec kAttrs[] = {
     model_int("NumConstrs", num_constrs),
     model_int("NumVars", num_vars),
     model_int("NumSOS", num_sos),
-    model_int("NumQConstrs", none),
+    model_int("NumQConstrs", num_quad_rows),
     model_int("NumGenConstrs", none),
     model_int("NumNZs", num_nonzeros),
     model_dbl("DNumNZs", num_nonzeros_dbl),
-    model_int("NumQNZs", none),
-    model_int("NumQCNZs", none),
+    model_int("NumQNZs", num_quad_objective_terms),
+    model_int("NumQCNZs", num_quad_row_terms),
     model_int("NumIntVars", num_integer_vars),
     model_int("NumBinVars", num_binary_vars),
     model_int("NumPWLObjVars", num_pwl_vars),
@@ -93,8 +93,8 @@ constexpr AttrSpec kAttrs[] = {
     model_int("ModelSense", model_sense).set(-1, 1, rules::kModelSense),
     model_dbl("ObjCon", objective_constant).set(-kLargestFinite, kLargestFinite, rules::kConstant),
     model_int("IsMIP", is_mip),
-    model_int("IsQP", none),
-    model_int("IsQCP", none),
+    model_int("IsQP", is_qp),
+    model_int("IsQCP", is_qcp),
     model_int("IsMultiObj", is_multi_objective_number),
     absent("IISMinimal", kInt, Kind::kModel, kNoIis),
     model_dbl("Kappa", condition_estimate).when(has_basis),
@@ -107,14 +107,14 @@ constexpr AttrSpec kAttrs[] = {
     model_dbl("MinObjCoeff", min_obj_coeff),
     model_dbl("MaxRHS", max_rhs),
     model_dbl("MinRHS", min_rhs),
-    model_dbl("MaxQCRHS", none),
-    model_dbl("MinQCRHS", none),
-    model_dbl("MaxQCCoeff", none),
-    model_dbl("MinQCCoeff", none),
-    model_dbl("MaxQCLCoeff", none),
-    model_dbl("MinQCLCoeff", none),
-    model_dbl("MaxQObjCoeff", none),
-    model_dbl("MinQObjCoeff", none),
+    model_dbl("MaxQCRHS", max_quad_rhs),
+    model_dbl("MinQCRHS", min_quad_rhs),
+    model_dbl("MaxQCCoeff", max_quad_coeff),
+    model_dbl("MinQCCoeff", min_quad_coeff),
+    model_dbl("MaxQCLCoeff", max_quad_linear_coeff),
+    model_dbl("MinQCLCoeff", min_quad_linear_coeff),
+    model_dbl("MaxQObjCoeff", max_quad_obj_coeff),
+    model_dbl("MinQObjCoeff", min_quad_obj_coeff),
     model_dbl("ObjVal", objective_value),
     model_dbl("ObjBound", objective_bound),
     model_dbl("ObjBoundC", objective_bound),
@@ -139,30 +139,32 @@ constexpr AttrSpec kAttrs[] = {
     column("UB", kDouble, upper_bounds).set(-kLargestFinite, kInfinity, rules::kUpperBound),
     column("Obj", kDouble, objective_coeffs).set(-kLargestFinite, kLargestFinite, rules::kCost),
     column("VType", kChar, types).set("CBISN", rules::kType),
-    texts("VarName", Kind::kColumn, column_names).set_text(ZVN_MAX_NAMELEN, rules::kColumnName),
+    texts("VarName", Kind::kColumn, names<Kind::kColumn>).set_text(ZVN_MAX_NAMELEN, rules::kColumnName),
     column("X", kDouble, primal_values),
     column("RC", kDouble, reduced_costs),
     column("Xn", kDouble, pool_values),
     absent("BarX", kDouble, Kind::kColumn, kNoBarX),
-    column("Start", kDouble, column_option<Option::kStart>)
-        .set(-kUndefined, kUndefined, rules::kColumnOption<Option::kStart>),
-    column("VarHintVal", kDouble, column_option<Option::kHintValue>)
-        .set(-kUndefined, kUndefined, rules::kColumnOption<Option::kHintValue>),
-    column("VarHintPri", kInt, column_option<Option::kHintPriority>)
-        .set(-kMaxInt, kMaxInt, rules::kColumnOption<Option::kHintPriority>),
-    column("BranchPriority", kInt, column_option<Option::kBranchPriority>)
-        .set(-kMaxInt, kMaxInt, rules::kColumnOption<Option::kBranchPriority>),
-    column("Partition", kInt, column_option<Option::kPartition>)
-        .set(-1, kMaxInt, rules::kColumnOption<Option::kPartition>),
-    column("VBasis", kInt, column_basis).set(ZVN_SUPERBASIC, ZVN_BASIC, rules::kColumnOption<Option::kColumnBasis>),
+    column("Start", kDouble, option_of<Kind::kColumn, Option::kStart>)
+        .set(-kUndefined, kUndefined, rules::kOption<Kind::kColumn, Option::kStart>),
+    column("VarHintVal", kDouble, option_of<Kind::kColumn, Option::kHintValue>)
+        .set(-kUndefined, kUndefined, rules::kOption<Kind::kColumn, Option::kHintValue>),
+    column("VarHintPri", kInt, option_of<Kind::kColumn, Option::kHintPriority>)
+        .set(-kMaxInt, kMaxInt, rules::kOption<Kind::kColumn, Option::kHintPriority>),
+    column("BranchPriority", kInt, option_of<Kind::kColumn, Option::kBranchPriority>)
+        .set(-kMaxInt, kMaxInt, rules::kOption<Kind::kColumn, Option::kBranchPriority>),
+    column("Partition", kInt, option_of<Kind::kColumn, Option::kPartition>)
+        .set(-1, kMaxInt, rules::kOption<Kind::kColumn, Option::kPartition>),
+    column("VBasis", kInt, column_basis)
+        .set(ZVN_SUPERBASIC, ZVN_BASIC, rules::kOption<Kind::kColumn, Option::kColumnBasis>),
     {"PWLObjCvx", kInt, Kind::kColumn, false, nullptr, nullptr, nullptr, pwl_convex},
-    column("PoolIgnore", kInt, column_option<Option::kPoolIgnore>).set(0, 1, rules::kColumnOption<Option::kPoolIgnore>),
+    column("PoolIgnore", kInt, option_of<Kind::kColumn, Option::kPoolIgnore>)
+        .set(0, 1, rules::kOption<Kind::kColumn, Option::kPoolIgnore>),
     absent("IISLB", kInt, Kind::kColumn, kNoIis),
     absent("IISUB", kInt, Kind::kColumn, kNoIis),
-    column("IISLBForce", kInt, column_option<Option::kIisLowerForce>)
-        .set(-1, 1, rules::kColumnOption<Option::kIisLowerForce>),
-    column("IISUBForce", kInt, column_option<Option::kIisUpperForce>)
-        .set(-1, 1, rules::kColumnOption<Option::kIisUpperForce>),
+    column("IISLBForce", kInt, option_of<Kind::kColumn, Option::kIisLowerForce>)
+        .set(-1, 1, rules::kOption<Kind::kColumn, Option::kIisLowerForce>),
+    column("IISUBForce", kInt, option_of<Kind::kColumn, Option::kIisUpperForce>)
+        .set(-1, 1, rules::kOption<Kind::kColumn, Option::kIisUpperForce>),
     absent("SAObjLow", kDouble, Kind::kColumn, kNoSensitivity),
     absent("SAObjUp", kDouble, Kind::kColumn, kNoSensitivity),
     absent("SALBLow", kDouble, Kind::kColumn, kNoSensitivity),
@@ -170,43 +172,45 @@ constexpr AttrSpec kAttrs[] = {
     absent("SAUBLow", kDouble, Kind::kColumn, kNoSensitivity),
     absent("SAUBUp", kDouble, Kind::kColumn, kNoSensitivity),
     column("UnbdRay", kDouble, unbounded_ray),
-    column("PStart", kDouble, column_option<Option::kPrimalStart>)
-        .set(-kUndefined, kUndefined, rules::kColumnOption<Option::kPrimalStart>),
+    column("PStart", kDouble, option_of<Kind::kColumn, Option::kPrimalStart>)
+        .set(-kUndefined, kUndefined, rules::kOption<Kind::kColumn, Option::kPrimalStart>),
     absent("PreFixVal", kDouble, Kind::kColumn, kNoPresolved),
     absent("VarPreStat", kInt, Kind::kColumn, kNoPresolved),
-    texts("VTag", Kind::kColumn, column_tags).set_text(ZVN_MAX_TAGLEN, rules::kColumnTag),
+    texts("VTag", Kind::kColumn, tags<Kind::kColumn>).set_text(ZVN_MAX_TAGLEN, rules::kColumnTag),
 
     // Linear constraints
     row("Sense", kChar, senses).set("<>=", rules::kSense),
     row("RHS", kDouble, right_sides).set(-kInfinity, kInfinity, rules::kRightSide),
-    texts("ConstrName", Kind::kRow, row_names).set_text(ZVN_MAX_NAMELEN, rules::kRowName),
+    texts("ConstrName", Kind::kRow, names<Kind::kRow>).set_text(ZVN_MAX_NAMELEN, rules::kRowName),
     row("Pi", kDouble, duals),
     row("Slack", kDouble, slacks),
-    row("CBasis", kInt, row_basis).set(ZVN_SUPERBASIC, ZVN_BASIC, rules::kRowOption<Option::kRowBasis>),
+    row("CBasis", kInt, row_basis).set(ZVN_SUPERBASIC, ZVN_BASIC, rules::kOption<Kind::kRow, Option::kRowBasis>),
     absent("IISConstr", kInt, Kind::kRow, kNoIis),
-    row("IISConstrForce", kInt, row_option<Option::kIisForce>).set(-1, 1, rules::kRowOption<Option::kIisForce>),
+    row("IISConstrForce", kInt, option_of<Kind::kRow, Option::kIisForce>)
+        .set(-1, 1, rules::kOption<Kind::kRow, Option::kIisForce>),
     absent("SARHSLow", kDouble, Kind::kRow, kNoSensitivity),
     absent("SARHSUp", kDouble, Kind::kRow, kNoSensitivity),
     row("FarkasDual", kDouble, farkas_dual),
-    row("DStart", kDouble, row_option<Option::kDualStart>)
-        .set(-kUndefined, kUndefined, rules::kRowOption<Option::kDualStart>),
-    row("Lazy", kInt, row_option<Option::kLazy>).set(-1, 3, rules::kRowOption<Option::kLazy>),
-    texts("CTag", Kind::kRow, row_tags).set_text(ZVN_MAX_TAGLEN, rules::kRowTag),
+    row("DStart", kDouble, option_of<Kind::kRow, Option::kDualStart>)
+        .set(-kUndefined, kUndefined, rules::kOption<Kind::kRow, Option::kDualStart>),
+    row("Lazy", kInt, option_of<Kind::kRow, Option::kLazy>).set(-1, 3, rules::kOption<Kind::kRow, Option::kLazy>),
+    texts("CTag", Kind::kRow, tags<Kind::kRow>).set_text(ZVN_MAX_TAGLEN, rules::kRowTag),
 
     // SOS
     absent("IISSOS", kInt, Kind::kSos, kNoIis),
-    column("IISSOSForce", kInt, sos_option<Option::kIisForce>, Kind::kSos)
-        .set(-1, 1, rules::kSosOption<Option::kIisForce>),
+    column("IISSOSForce", kInt, option_of<Kind::kSos, Option::kIisForce>, Kind::kSos)
+        .set(-1, 1, rules::kOption<Kind::kSos, Option::kIisForce>),
 
     // Quadratic constraints
-    absent("QCSense", kChar, Kind::kQuadRow, kNoObject, true),
-    absent("QCRHS", kDouble, Kind::kQuadRow, kNoObject, true),
-    absent("QCName", kString, Kind::kQuadRow, kNoObject, true),
-    absent("IISQConstr", kInt, Kind::kQuadRow, kNoObject),
-    absent("IISQConstrForce", kInt, Kind::kQuadRow, kNoObject, true),
-    absent("QCPi", kDouble, Kind::kQuadRow, kNoObject),
-    absent("QCSlack", kDouble, Kind::kQuadRow, kNoObject),
-    absent("QCTag", kString, Kind::kQuadRow, kNoObject, true),
+    column("QCSense", kChar, quad_senses, Kind::kQuadRow).set("<>=", rules::kQuadSense),
+    column("QCRHS", kDouble, quad_right_sides, Kind::kQuadRow).set(-kInfinity, kInfinity, rules::kQuadRightSide),
+    texts("QCName", Kind::kQuadRow, names<Kind::kQuadRow>).set_text(ZVN_MAX_NAMELEN, rules::kQuadRowName),
+    absent("IISQConstr", kInt, Kind::kQuadRow, kNoIis),
+    column("IISQConstrForce", kInt, option_of<Kind::kQuadRow, Option::kIisForce>, Kind::kQuadRow)
+        .set(-1, 1, rules::kOption<Kind::kQuadRow, Option::kIisForce>),
+    column("QCPi", kDouble, quad_duals, Kind::kQuadRow),
+    column("QCSlack", kDouble, quad_slacks, Kind::kQuadRow),
+    texts("QCTag", Kind::kQuadRow, tags<Kind::kQuadRow>).set_text(ZVN_MAX_TAGLEN, rules::kQuadRowTag),
 
     // General constraints
     absent("GenConstrType", kInt, Kind::kGeneral, kNoObject),

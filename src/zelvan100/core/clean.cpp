@@ -1,8 +1,10 @@
 #include "core/clean.h"
 
 #include <algorithm>
+#include <bit>
 #include <cstdint>
 #include <unordered_map>
+#include <utility>
 #include <vector>
 
 namespace zelvan {
@@ -73,6 +75,42 @@ int drop_zeros(int num, int* ind, double* val) {
     return kept;
 }
 
+// Places of pairs of indices in a list that is being merged.
+class FirstPairs {
+public:
+    explicit FirstPairs(int num) {
+        if (num > kShort) slots_.assign(std::bit_ceil(2 * static_cast<std::size_t>(num)), -1);
+    }
+    // The place of the pair of term k among the first `size` ones, or `size`, where it is to go then. A pair with a
+    // negative index is like no other.
+    int find_or_add(const int* row, const int* col, int k, int size) {
+        const auto [low, high] = std::minmax(row[k], col[k]);
+        if (low < 0) return size;
+        const auto fits = [&](int at) {
+            return std::minmax(row[at], col[at]) == std::pair<const int&, const int&>(low, high);
+        };
+        if (slots_.empty()) {
+            int at = 0;
+            while (at < size && !fits(at)) ++at;
+            return at;
+        }
+        const std::size_t mask = slots_.size() - 1;
+        std::size_t slot = hash(low, high) & mask;
+        while (slots_[slot] >= 0 && !fits(slots_[slot])) slot = (slot + 1) & mask;
+        if (slots_[slot] < 0) slots_[slot] = size;
+        return slots_[slot];
+    }
+
+private:
+    static std::size_t hash(int low, int high) {
+        const std::uint64_t pair = static_cast<std::uint64_t>(low) << 32 | static_cast<std::uint32_t>(high);
+        const std::uint64_t product = pair * 0x9E3779B97F4A7C15u;
+        return product ^ product >> 32;
+    }
+
+    std::vector<int> slots_;  // at most half of them taken; empty for a short list, which is searched instead
+};
+
 }  // namespace
 
 int merge_terms(int num, int* ind, double* val) {
@@ -95,15 +133,12 @@ int merge_terms(int num, int* ind, double* val) {
 }
 
 int merge_quadratic_terms(int num, int* row, int* col, double* val) {
-    std::unordered_map<std::uint64_t, int> first;
+    FirstPairs first(num);
     int merged = 0;
     for (int k = 0; k < num; ++k) {
-        const auto [low, high] = std::minmax(row[k], col[k]);
-        const std::uint64_t pair =
-            static_cast<std::uint64_t>(static_cast<std::uint32_t>(low)) << 32 | static_cast<std::uint32_t>(high);
-        const auto [found, added] = first.try_emplace(pair, merged);
-        if (!added && low >= 0) {
-            val[found->second] += val[k];
+        const int place = first.find_or_add(row, col, k, merged);
+        if (place < merged) {
+            val[place] += val[k];
             continue;
         }
         row[merged] = row[k];
@@ -118,6 +153,17 @@ int merge_quadratic_terms(int num, int* row, int* col, double* val) {
         val[kept++] = val[k];
     }
     return kept;
+}
+
+QuadTerms merged_terms(int num, const int* row, const int* col, const double* val) {
+    QuadTerms terms{{row, row + num}, {col, col + num}, {val, val + num}};
+    for (int k = 0; k < num; ++k)
+        if (terms.row[k] > terms.col[k]) std::swap(terms.row[k], terms.col[k]);
+    const int kept = merge_quadratic_terms(num, terms.row.data(), terms.col.data(), terms.val.data());
+    terms.row.resize(kept);
+    terms.col.resize(kept);
+    terms.val.resize(kept);
+    return terms;
 }
 
 }  // namespace zelvan

@@ -1,5 +1,7 @@
 #pragma once
-// Term lists with repeated indices, merged in place.
+// Term lists with repeated indices, merged.
+
+#include "core/quad.h"
 
 namespace zelvan {
 
@@ -8,5 +10,7 @@ namespace zelvan {
 int merge_terms(int num, int* ind, double* val);
 // The same for quadratic terms; (i, j) and (j, i) are one.
 int merge_quadratic_terms(int num, int* row, int* col, double* val);
+// The same for terms that stay as they are; a place of its own for what they come to.
+QuadTerms merged_terms(int num, const int* row, const int* col, const double* val);
 
 }  // namespace zelvan

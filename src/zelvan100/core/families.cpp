@@ -1,51 +1,51 @@
 #include "core/families.h"
 
-#include <algorithm>
+#include <span>
 
 namespace zelvan {
 
-void compact(SparseRows& rows, const std::vector<char>& keep) noexcept {
-    std::int64_t to = 0;
-    std::size_t next = 0;
-    for (std::size_t i = 0; i < keep.size(); ++i) {
-        const std::int64_t first = rows.start[i], length = rows.start[i + 1] - first;
-        if (!keep[i]) continue;
-        std::copy_n(rows.col.begin() + first, length, rows.col.begin() + to);
-        std::copy_n(rows.val.begin() + first, length, rows.val.begin() + to);
-        rows.start[next++] = to;  // not above i, so the starts still to be read stay
-        to += length;
+namespace {
+
+// Entries of several lists, whose values are `val`; each of `col` holds one column of an entry.
+template <class... Columns>
+void renumber_lists(std::span<std::int64_t> start, const std::vector<int>& number, std::vector<double>& val,
+                    Columns&... col) noexcept {
+    std::int64_t to = 0, from = 0;
+    for (std::size_t i = 0; i + 1 < start.size(); ++i) {
+        for (; from < start[i + 1]; ++from) {
+            if (((number[col[from]] < 0) || ...)) continue;
+            ((col[to] = number[col[from]]), ...);
+            val[to++] = val[from];
+        }
+        start[i + 1] = to;
     }
-    rows.start.resize(next + 1);
-    rows.start[next] = to;
-    rows.col.resize(to);
-    rows.val.resize(to);
+    (col.resize(to), ...);
+    val.resize(to);
 }
 
+template <class... Columns>
+void renumber_list(const std::vector<int>& number, std::vector<double>& val, Columns&... col) noexcept {
+    std::int64_t start[] = {0, static_cast<std::int64_t>(val.size())};
+    renumber_lists(start, number, val, col...);
+}
+
+}  // namespace
+
 void renumber(SparseRows& rows, const std::vector<int>& number) noexcept {
-    std::int64_t to = 0, from = 0;
-    for (std::size_t i = 0; i + 1 < rows.start.size(); ++i) {
-        for (; from < rows.start[i + 1]; ++from) {
-            const int col = number[rows.col[from]];
-            if (col < 0) continue;
-            rows.col[to] = col;
-            rows.val[to++] = rows.val[from];
-        }
-        rows.start[i + 1] = to;
-    }
-    rows.col.resize(to);
-    rows.val.resize(to);
+    renumber_lists(rows.start, number, rows.val, rows.col);
+}
+
+void renumber(QuadRows& rows, const std::vector<int>& number) noexcept {
+    renumber(static_cast<SparseRows&>(rows), number);
+    renumber_lists(rows.quad_start, number, rows.quad.val, rows.quad.row, rows.quad.col);
 }
 
 void renumber(SparseVector& vector, const std::vector<int>& number) noexcept {
-    std::size_t to = 0;
-    for (std::size_t k = 0; k < vector.col.size(); ++k) {
-        const int col = number[vector.col[k]];
-        if (col < 0) continue;
-        vector.col[to] = col;
-        vector.val[to++] = vector.val[k];
-    }
-    vector.col.resize(to);
-    vector.val.resize(to);
+    renumber_list(number, vector.val, vector.col);
+}
+
+void renumber(QuadTerms& terms, const std::vector<int>& number) noexcept {
+    renumber_list(number, terms.val, terms.row, terms.col);
 }
 
 }  // namespace zelvan

@@ -19,12 +19,6 @@ int default_index(std::string_view name, Kind kind) {
     return fault == std::errc() && end == digits.data() + digits.size() ? index : -1;
 }
 
-int find(const Names& names, std::string_view name, Kind kind, NameFinder& finder) {
-    if (const int found = finder.find(names, name); found >= 0) return found;
-    const int i = default_index(name, kind);
-    return i >= 0 && i < names.size() && !names.has(i) ? i : -1;
-}
-
 }  // namespace
 
 Model::Model(const Env& parent) : env(parent) { env.error.clear(); }
@@ -33,9 +27,12 @@ Model::~Model() = default;
 
 void Model::discard_solution() { solution = Solution(); }
 
-int Model::find_col(std::string_view name) { return find(data.cols.names, name, Kind::kColumn, col_finder_); }
-
-int Model::find_row(std::string_view name) { return find(data.rows.names, name, Kind::kRow, row_finder_); }
+int Model::find(Kind kind, std::string_view name) {
+    const Names& names = data.family(kind).names;
+    if (const int found = finders_[static_cast<int>(kind)].find(names, name); found >= 0) return found;
+    const int i = default_index(name, kind);
+    return i >= 0 && i < names.size() && !names.has(i) ? i : -1;
+}
 
 Model::BasisStatuses Model::basis_statuses(Kind kind) const {
     const bool cols = kind == Kind::kColumn;

@@ -33,6 +33,7 @@ struct ObjectiveWrite {
     Objective fields;      // constant, and for number >= 0 the other fields; for number > 0 the coefficients too
     std::vector<int> col;  // the terms of the main objective
     std::vector<double> val;
+    QuadTerms quad;
 };
 struct PwlWrite {
     int col;
@@ -84,9 +85,9 @@ public:
     // Objectives that a change may name: with the queued ones, 0 while there is only the main one.
     int objective_limit() const;
     // One past the last index that a change may name: queued objects count.
-    int col_limit() const;
-    int row_limit() const;
-    int sos_limit() const;
+    int limit(Kind kind) const { return data.size(kind) + queue.size(kind); }
+    int col_limit() const { return limit(Kind::kColumn); }
+    int row_limit() const { return limit(Kind::kRow); }
 
     // Changes are queued. Each of these throws Error, with nothing queued, when an argument is refused.
     // Arrays as in zelvan100.h.
@@ -104,9 +105,15 @@ public:
     void add_range_row(int num, const int* col, const double* val, double lower, double upper, const char* name);
     // `num` sets of type 1 or 2; beg[k] is the start of set k in col and weight.
     void add_sos(int num, int num_members, const int* type, const int* beg, const int* col, const double* weight);
+    void add_quad_row(int num, const int* col, const double* val, int num_quad, const int* qrow, const int* qcol,
+                      const double* qval, char sense, double rhs, const char* name);
     void delete_objects(Kind kind, int num, const int* index);
     // number: see ObjectiveWrite.
-    void set_objective(int number, int sense, Objective fields, int num, const int* col, const double* val);
+    void set_objective(int number, int sense, Objective fields, int num, const int* col, const double* val,
+                       QuadTerms quad = {});
+    // The terms as the store holds them, for variables that a change may name. `what` they belong to is for messages.
+    QuadTerms checked_quad(const std::string& what, int num, const int* qrow, const int* qcol,
+                           const double* qval) const;
     void set_pwl_obj(int col, PwlPoints points);
     // One value of column or row `index`, or of the model (-1). The caller has checked index and value. `number` is
     // that of the objective, for values that each objective has.
@@ -138,9 +145,10 @@ public:
     };
     BasisStatuses basis_statuses(Kind kind) const;
 
-    // Index of the column or row of that name, -1 when there is none.
-    int find_col(std::string_view name);
-    int find_row(std::string_view name);
+    // Index of the object of that name, -1 when there is none.
+    int find(Kind kind, std::string_view name);
+    int find_col(std::string_view name) { return find(Kind::kColumn, name); }
+    int find_row(std::string_view name) { return find(Kind::kRow, name); }
     // The model was changed: solution and session values no longer belong to it.
     void discard_solution();
 
@@ -148,13 +156,13 @@ private:
     friend class Update;
 
     void check_entries(const char* row_or_col, const char* name, int num, const int* ind, const double* val, int limit);
-    void append_entries(int num, const int* col, const double* val);
+    void append_entries(SparseRows& rows, int num, const int* col, const double* val);
     std::string_view kept_name(const char* name) const;  // empty under IgnoreNames
     void drop_replaced_texts();
 
     std::vector<int> mark_;  // of the call that saw an index last, to find duplicates
     int call_ = 0;
-    NameFinder col_finder_, row_finder_;
+    std::array<NameFinder, kNumKinds> finders_;
 };
 
 // Why a row can't have this sense and right-hand side, nullptr when it can. `lower` is that of a two-sided row.

@@ -38,17 +38,40 @@ void SosSets::push_back(int sos_type, std::string_view name) {
     optional.resize(size());
 }
 
+void QuadRows::push_back(char row_sense, double right, std::string_view name) {
+    close_row();
+    quad_start.push_back(static_cast<std::int64_t>(quad.size()));
+    sense.push_back(row_sense);
+    rhs.push_back(right);
+    names.push_back(name);
+    tags.resize(size());
+    optional.resize(size());
+}
+
 int Families::size(Kind kind) const {
-    switch (kind) {
-        case Kind::kColumn:
-            return cols.size();
-        case Kind::kRow:
-            return rows.size();
-        case Kind::kSos:
-            return sos.size();
-        default:
-            return 0;
-    }
+    int size = 0;
+    for_each_family(*this, [&](const auto& family) {
+        if (family.kKind == kind) size = family.size();
+    });
+    return size;
+}
+
+bool Families::has_objects() const {
+    bool any = false;
+    for_each_family(*this, [&](const auto& family) { any = any || family.size() > 0; });
+    return any;
+}
+
+const Identity& Families::family(Kind kind) const {
+    const Identity* found = &cols;
+    for_each_family(*this, [&](const auto& family) {
+        if (family.kKind == kind) found = &family;
+    });
+    return *found;
+}
+
+Identity& Families::family(Kind kind) {
+    return const_cast<Identity&>(static_cast<const Families*>(this)->family(kind));
 }
 
 const char* point_fault(const PwlPoints& points, std::size_t k) {
@@ -81,25 +104,16 @@ ColumnMajor ModelData::by_columns() const {
     return matrix;
 }
 
-namespace {
-
-std::string name_of(const Identity& family, Kind kind, int i) {
-    const char* name = family.names.get(i);
-    return name ? name : ModelData::default_name(kind, i);
+std::string ModelData::name_of(Kind kind, int i) const {
+    const char* name = family(kind).names.get(i);
+    return name ? name : default_name(kind, i);
 }
 
-}  // namespace
-
-std::string ModelData::col_name(int j) const { return name_of(cols, Kind::kColumn, j); }
-std::string ModelData::row_name(int i) const { return name_of(rows, Kind::kRow, i); }
-std::string ModelData::sos_name(int k) const { return name_of(sos, Kind::kSos, k); }
-
 void ModelData::drop_names() {
-    for (Names* names : {&cols.names, &rows.names, &sos.names}) {
-        const int size = names->size();
-        names->clear();
-        names->resize(size);
-    }
+    for_each_family(*this, [](auto& family) {
+        family.names.clear();
+        family.names.resize(family.size());
+    });
 }
 
 }  // namespace zelvan

@@ -27,6 +27,7 @@ struct Identity {
 
 // Columns as parallel arrays. Bounds of magnitude kInfinityThreshold and above are stored as +-kInfinity.
 struct Columns : Identity {
+    static constexpr Kind kKind = Kind::kColumn;
     std::vector<double> lb, ub, obj;
     std::vector<char> type;  // 'C', 'B', 'I', 'S', 'N'
 
@@ -37,6 +38,7 @@ struct Columns : Identity {
 // Rows in one row-major store. sense 'R' marks a two-sided row: lower[i] <= row <= rhs[i]; `lower` of other rows is
 // -kInfinity and means nothing.
 struct Rows : Identity, SparseRows {
+    static constexpr Kind kKind = Kind::kRow;
     std::vector<char> sense;  // '<', '>', '=', 'R'
     std::vector<double> rhs;
     std::vector<double> lower;
@@ -64,6 +66,7 @@ struct Rows : Identity, SparseRows {
 // Special ordered sets: of type 1 at most one member is not 0, of type 2 at most two, which are neighbours in the
 // order of the weights. Members lie in the sparse rows, with their weights as values.
 struct SosSets : Identity, SparseRows {
+    static constexpr Kind kKind = Kind::kSos;
     std::vector<char> type;  // 1 or 2
 
     int size() const { return static_cast<int>(type.size()); }
@@ -74,12 +77,15 @@ struct SosSets : Identity, SparseRows {
 // Quadratic constraints: linear terms in the sparse rows, then the quadratic terms of all of them one behind the other,
 // those of constraint i from quad_start[i] on.
 struct QuadRows : Identity, SparseRows {
+    static constexpr Kind kKind = Kind::kQuadRow;
     QuadTerms quad;
     std::vector<std::int64_t> quad_start{0};
     std::vector<char> sense;  // '<', '>', '='
     std::vector<double> rhs;
 
     int size() const { return static_cast<int>(rhs.size()); }
+    // Closes a constraint whose terms were pushed to col and val and to quad.
+    void push_back(char row_sense, double right, std::string_view name);
 };
 
 // The matrix by columns, made on demand.
@@ -115,13 +121,25 @@ struct Families {
     QuadRows qrows;
 
     int size(Kind kind) const;
+    bool has_objects() const;
+    // What the objects of a kind have; the kind is one of those that are kept here.
+    Identity& family(Kind kind);
+    const Identity& family(Kind kind) const;
 };
+
+template <class F, class Body>
+void for_each_family(F& families, Body&& body) {
+    body(families.cols);
+    body(families.rows);
+    body(families.sos);
+    body(families.qrows);
+}
 
 struct ModelData : Families {
     std::string name;
     int sense = 1;  // 1 minimizes, -1 maximizes
     double obj_constant = 0.0;
-    QuadTerms quad_obj;  // of the main objective
+    QuadTerms quad_obj;                 // of the main objective
     std::vector<Objective> objectives;  // empty, or objective 0 and the further ones
     std::map<int, PwlPoints> pwl_obj;   // by column; its obj is then 0
 
@@ -131,9 +149,10 @@ struct ModelData : Families {
     static std::string default_col_name(int j) { return default_name(Kind::kColumn, j); }
     static std::string default_row_name(int i) { return default_name(Kind::kRow, i); }
     static std::string default_name(Kind kind, int i) { return spec_of(kind).prefix + std::to_string(i); }
-    std::string col_name(int j) const;
-    std::string row_name(int i) const;
-    std::string sos_name(int k) const;
+    std::string col_name(int j) const { return name_of(Kind::kColumn, j); }
+    std::string row_name(int i) const { return name_of(Kind::kRow, i); }
+    // The object's name, or its default one.
+    std::string name_of(Kind kind, int i) const;
     void drop_names();  // of all objects
 };
 

@@ -6,6 +6,7 @@
 #include <limits>
 #include <unordered_set>
 
+#include "core/clean.h"
 #include "core/families.h"
 #include "core/model.h"
 #include "core/number_text.h"
@@ -54,15 +55,9 @@ void check_column(const char* name, int index, double obj, double lb, double ub,
 }  // namespace
 
 bool Queue::empty() const {
-    return cols.size() == 0 && rows.size() == 0 && sos.size() == 0 && entries.empty() && writes.empty() &&
+    return !has_objects() && entries.empty() && writes.empty() &&
            std::all_of(deleted.begin(), deleted.end(), [](const auto& list) { return list.empty(); });
 }
-
-int Model::col_limit() const { return num_cols() + queue.cols.size(); }
-
-int Model::row_limit() const { return num_rows() + queue.rows.size(); }
-
-int Model::sos_limit() const { return data.sos.size() + queue.sos.size(); }
 
 const char* side_fault(char sense, double right, double lower) {
     if (sense == '=' && std::abs(right) == kInfinity) return "it must be finite";
@@ -165,25 +160,25 @@ void Model::check_entries(const char* what, const char* name, int num, const int
     }
 }
 
-void Model::append_entries(int num, const int* col, const double* val) {
+void Model::append_entries(SparseRows& rows, int num, const int* col, const double* val) {
     for (int k = 0; k < num; ++k) {
         if (val[k] == 0.0) continue;
-        queue.rows.col.push_back(col[k]);
-        queue.rows.val.push_back(val[k]);
+        rows.col.push_back(col[k]);
+        rows.val.push_back(val[k]);
     }
 }
 
 namespace {
 
-void check_row(const char* name, int index, char sense, double rhs) {
+void check_row(Kind kind, const char* name, int index, char sense, double rhs) {
+    const char* what = spec_of(kind).singular;
     if (sense != '<' && sense != '>' && sense != '=')
         throw Error(ZVN_ERROR_INVALID_ARGUMENT, std::string("Sense '") + sense + "' of " +
-                                                    described("constraint", name, index) + " is none of '<', '>', '='");
+                                                    described(what, name, index) + " is none of '<', '>', '='");
     if (std::isnan(rhs) || side_fault(sense, clipped(rhs), -kInfinity))
         throw Error(ZVN_ERROR_VALUE_OUT_OF_RANGE, "Right-hand side " + number_text(rhs) + " of " +
-                                                      described("constraint", name, index) + " with sense '" + sense +
-                                                      "'");
-    check_name("a constraint", name);
+                                                      described(what, name, index) + " with sense '" + sense + "'");
+    check_name((std::string("a ") + what).c_str(), name);
 }
 
 }  // namespace
@@ -196,21 +191,21 @@ void Model::add_rows(int num, int num_entries, const int* beg, const int* col, c
     const int first = num_rows() + queue.rows.size();
     for (int i = 0; i < num; ++i) {
         const char* name = names ? names[i] : nullptr;
-        check_row(name, first + i, sense[i], rhs[i]);
+        check_row(Kind::kRow, name, first + i, sense[i], rhs[i]);
         check_entries("constraint", name, length(i), col + start(i), val + start(i), col_limit());
     }
     make_room(queue.rows, num, bytes_of_names(num, names), num_entries);
     for (int i = 0; i < num; ++i) {
-        append_entries(length(i), col + start(i), val + start(i));
+        append_entries(queue.rows, length(i), col + start(i), val + start(i));
         queue.rows.push_back(sense[i], clipped(rhs[i]), kept_name(names ? names[i] : nullptr));
     }
 }
 
 void Model::add_row(int num, const int* col, const double* val, char sense, double rhs, const char* name) {
-    check_row(name, num_rows() + queue.rows.size(), sense, rhs);
+    check_row(Kind::kRow, name, row_limit(), sense, rhs);
     check_entries("constraint", name, num, col, val, col_limit());
     make_room(queue.rows, 1, bytes_of_names(1, &name), num);
-    append_entries(num, col, val);
+    append_entries(queue.rows, num, col, val);
     queue.rows.push_back(sense, clipped(rhs), kept_name(name));
 }
 
@@ -230,7 +225,7 @@ void Model::add_range_row(int num, const int* col, const double* val, double low
     check_entries("constraint", name, num, col, val, col_limit());
     make_room(queue.rows, 1, bytes_of_names(1, &name), num);
     make_room(queue.helpers, 1);
-    append_entries(num, col, val);
+    append_entries(queue.rows, num, col, val);
     const std::string_view row_name = kept_name(name);
     if (env.params.get_int(Param::UpdateMode) != 1) {
         queue.rows.push_back_range(has_lower ? lower : -kInfinity, has_upper ? upper : kInfinity, row_name);
@@ -248,7 +243,7 @@ void Model::add_sos(int num, int num_members, const int* type, const int* beg, c
     for (int k = 0; k < num; ++k) {
         if (type[k] != 1 && type[k] != 2)
             throw Error(ZVN_ERROR_INVALID_ARGUMENT, "Type " + std::to_string(type[k]) + " of new SOS constraint " +
-                                                        std::to_string(sos_limit() + k) + " is neither 1 nor 2");
+                                                        std::to_string(limit(Kind::kSos) + k) + " is neither 1 nor 2");
         check_entries("SOS constraint", nullptr, length(k), col + start(k), weight + start(k), col_limit());
     }
     make_room(queue.sos, num, 0, num_members);
@@ -259,10 +254,51 @@ void Model::add_sos(int num, int num_members, const int* type, const int* beg, c
     }
 }
 
-void Model::delete_objects(Kind kind, int num, const int* index) {
-    const int limit = data.size(kind) + queue.size(kind);
+QuadTerms Model::checked_quad(const std::string& what, int num, const int* qrow, const int* qcol,
+                              const double* qval) const {
+    if (num < 0) throw Error(ZVN_ERROR_INVALID_ARGUMENT, "Number of quadratic terms of " + what + " is negative");
+    const int limit = col_limit();
+    const auto pair = [](int i, int j) { return "variables " + std::to_string(i) + " and " + std::to_string(j); };
+    const auto place = [&](int k) { return "Quadratic term " + std::to_string(k) + " of " + what; };
     for (int k = 0; k < num; ++k) {
-        if (index[k] >= 0 && index[k] < limit) continue;
+        for (int j : {qrow[k], qcol[k]})
+            if (j < 0 || j >= limit)
+                throw Error(ZVN_ERROR_INDEX_OUT_OF_RANGE, place(k) + " has variable index " + std::to_string(j) +
+                                                              ", allowed are 0 to " + std::to_string(limit - 1));
+        if (!(std::abs(qval[k]) < kInfinityThreshold))
+            throw Error(ZVN_ERROR_VALUE_OUT_OF_RANGE, place(k) + " (" + pair(qrow[k], qcol[k]) +
+                                                          ") has the coefficient " + number_text(qval[k]) + ", which" +
+                                                          why_not_finite(qval[k]));
+    }
+    QuadTerms terms = merged_terms(num, qrow, qcol, qval);
+    for (std::size_t k = 0; k < terms.size(); ++k)
+        if (!(std::abs(terms.val[k]) < kInfinityThreshold))
+            throw Error(ZVN_ERROR_VALUE_OUT_OF_RANGE, "The quadratic terms of " + pair(terms.row[k], terms.col[k]) +
+                                                          " of " + what + " add up to " + number_text(terms.val[k]) +
+                                                          ", which" + why_not_finite(terms.val[k]));
+    return terms;
+}
+
+void Model::add_quad_row(int num, const int* col, const double* val, int num_quad, const int* qrow, const int* qcol,
+                         const double* qval, char sense, double rhs, const char* name) {
+    const char* const what = spec_of(Kind::kQuadRow).singular;
+    const int index = limit(Kind::kQuadRow);
+    check_row(Kind::kQuadRow, name, index, sense, rhs);
+    check_entries(what, name, num, col, val, col_limit());
+    const QuadTerms quad = checked_quad(described(what, name, index), num_quad, qrow, qcol, qval);
+    QuadRows& rows = queue.qrows;
+    make_room(rows, 1, bytes_of_names(1, &name), num, quad.size());
+    append_entries(rows, num, col, val);
+    rows.quad.row.insert(rows.quad.row.end(), quad.row.begin(), quad.row.end());
+    rows.quad.col.insert(rows.quad.col.end(), quad.col.begin(), quad.col.end());
+    rows.quad.val.insert(rows.quad.val.end(), quad.val.begin(), quad.val.end());
+    rows.push_back(sense, clipped(rhs), kept_name(name));
+}
+
+void Model::delete_objects(Kind kind, int num, const int* index) {
+    const int num_objects = limit(kind);
+    for (int k = 0; k < num; ++k) {
+        if (index[k] >= 0 && index[k] < num_objects) continue;
         std::string noun = spec_of(kind).singular;
         noun[0] = static_cast<char>(noun[0] >= 'a' ? noun[0] - 'a' + 'A' : noun[0]);
         throw Error(ZVN_ERROR_INDEX_OUT_OF_RANGE,
@@ -288,7 +324,8 @@ static SparseVector sorted(std::vector<int>& col, std::vector<double>& val) {
     return vector;
 }
 
-void Model::set_objective(int number, int sense, Objective fields, int num, const int* col, const double* val) {
+void Model::set_objective(int number, int sense, Objective fields, int num, const int* col, const double* val,
+                          QuadTerms quad) {
     if (num < 0) throw Error(ZVN_ERROR_INVALID_ARGUMENT, "Number of objective terms is negative");
     if (sense < -1 || sense > 1)
         throw Error(ZVN_ERROR_INVALID_ARGUMENT, "Objective sense " + std::to_string(sense) + " is none of 1, -1 and 0");
@@ -309,7 +346,7 @@ void Model::set_objective(int number, int sense, Objective fields, int num, cons
             throw Error(ZVN_ERROR_VALUE_OUT_OF_RANGE, "Objective coefficient of variable " + std::to_string(col[k]) +
                                                           ", " + number_text(val[k]) + "," + why_not_finite(val[k]));
     }
-    ObjectiveWrite write{sense, number, limit, std::move(fields), {}, {}};
+    ObjectiveWrite write{sense, number, limit, std::move(fields), {}, {}, std::move(quad)};
     write.col.assign(col, col + num);
     write.val.assign(val, val + num);
     if (number > 0) {
@@ -393,9 +430,7 @@ void Model::drop_replaced_texts() {
 }
 
 void Model::drop_hints() {
-    data.cols.optional.clear();
-    data.rows.optional.clear();
-    data.sos.optional.clear();
+    for_each_family(data, [](auto& family) { family.optional.clear(); });
     std::erase_if(queue.writes, [](const Write& write) { return write.rule->effect == Effect::kHint; });
 }
 

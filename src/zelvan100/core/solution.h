@@ -27,7 +27,9 @@ struct Solution {
     int concurrent_winner = -1;
 
     std::vector<double> x, slack;     // primal: slack[i] = rhs[i] - row activity
+    std::vector<double> qcslack;      // of quadratic constraints, as slack
     std::vector<double> rc, pi;       // dual, of an LP
+    std::vector<double> qcpi;         // dual values of quadratic constraints
     std::vector<int> vbasis, cbasis;  // 0 basic, -1 at lower, -2 at upper, -3 superbasic
     std::vector<double> ray, farkas;  // certificates, when InfUnbdInfo asked for them
     double farkas_proof = kUndefined;

@@ -67,10 +67,9 @@ Update::Update(Model& model) : model_(model), data_(model.data), queue_(model.qu
     plan_room();
     plan_options();
     plan_objectives();
-    plan_deletion(Kind::kColumn, cols_);
-    plan_deletion(Kind::kRow, rows_);
-    plan_deletion(Kind::kSos, sos_);
-    check_sides();
+    for_each_family(data_, [&](const auto& family) { plan_deletion(family.kKind); });
+    check_sides(data_.rows, queue_.rows, rules::kSense, rules::kRightSide);
+    check_sides(data_.qrows, queue_.qrows, rules::kQuadSense, rules::kQuadRightSide);
 }
 
 int Update::total(Kind kind) const {
@@ -80,7 +79,7 @@ int Update::total(Kind kind) const {
 
 // Names, tags and hints for the solver leave a solution valid.
 bool Update::changes_problem() const {
-    if (queue_.cols.size() || queue_.rows.size() || queue_.sos.size() || !queue_.entries.empty()) return true;
+    if (queue_.has_objects() || !queue_.entries.empty()) return true;
     if (std::any_of(queue_.deleted.begin(), queue_.deleted.end(), [](const auto& list) { return !list.empty(); }))
         return true;
     return std::any_of(queue_.writes.begin(), queue_.writes.end(),
@@ -116,14 +115,14 @@ void Update::plan_helpers() {
 }
 
 void Update::plan_texts() {
-    std::size_t num_names[2] = {0, 0};
+    std::size_t num_names[kNumKinds] = {};
     for (const TextWrite& write : queue_.texts) {
         if (!write.rule->names) continue;
         if (!write.value.empty()) text_bytes_[&write.rule->names(data_)] += write.value.size() + 1;
-        if (write.rule->is_name) ++num_names[write.rule->kind == Kind::kRow];
+        if (write.rule->is_name) ++num_names[static_cast<int>(write.rule->kind)];
     }
-    if (num_names[0] > 0) model_.col_finder_.expect_renames(num_names[0]);
-    if (num_names[1] > 0) model_.row_finder_.expect_renames(num_names[1]);
+    for (std::size_t kind = 0; kind < kNumKinds; ++kind)
+        if (num_names[kind] > 0) model_.finders_[kind].expect_renames(num_names[kind]);
 }
 
 void Update::plan_room() {
@@ -140,6 +139,7 @@ void Update::plan_room() {
     plan(data_.cols, queue_.cols, static_cast<int>(queue_.helpers.size()));
     plan(data_.rows, queue_.rows, 0);
     plan(data_.sos, queue_.sos, 0);
+    plan(data_.qrows, queue_.qrows, 0);
     if (!merges_old_ && !merges_added_) return;
     SparseRows& old = merges_old_ ? old_rows_ : static_cast<SparseRows&>(data_.rows);
     const SparseRows& added = merges_added_ ? added_rows_ : static_cast<SparseRows&>(queue_.rows);
@@ -152,34 +152,30 @@ void Update::plan_room() {
 void Update::plan_options() {
     for (const Write& write : queue_.writes) {
         if (!write.rule->option) continue;
-        Identity& family = write.rule->family(data_);
-        plan_option(family, *write.rule->option);
+        plan_option(write.rule->kind, *write.rule->option);
         // A basis is one of columns and rows: what isn't set of a solved one stays.
         if (*write.rule->option == Option::kColumnBasis && !model_.solution.cbasis.empty())
-            plan_option(data_.rows, Option::kRowBasis);
+            plan_option(Kind::kRow, Option::kRowBasis);
         if (*write.rule->option == Option::kRowBasis && !model_.solution.vbasis.empty())
-            plan_option(data_.cols, Option::kColumnBasis);
+            plan_option(Kind::kColumn, Option::kColumnBasis);
         if (write.rule == &rules::kNumStarts)
             drops_starts_ = write.value == 0.0;
         else if (*write.rule->option == Option::kStart)
             drops_starts_ = false;
     }
-    for (Identity* family :
-         {static_cast<Identity*>(&data_.cols), static_cast<Identity*>(&data_.rows), static_cast<Identity*>(&data_.sos)})
-        family->optional.make_room(options_.size());
+    for_each_family(data_, [&](auto& family) { family.optional.make_room(options_.size()); });
 }
 
-void Update::plan_option(Identity& family, Option option) {
-    if (family.optional.find(option)) return;
+void Update::plan_option(Kind kind, Option option) {
+    if (data_.family(kind).optional.find(option)) return;
     for (const NewOption& planned : options_)
-        if (planned.option == option && planned.family == &family) return;
-    const Kind kind = &family == &data_.cols ? Kind::kColumn : &family == &data_.rows ? Kind::kRow : Kind::kSos;
+        if (planned.option == option && planned.kind == kind) return;
     std::vector<double> values(total(kind), unset(option));
     const std::vector<int>* solved = option == Option::kColumnBasis ? &model_.solution.vbasis
                                      : option == Option::kRowBasis  ? &model_.solution.cbasis
                                                                     : nullptr;
     if (solved) std::copy(solved->begin(), solved->end(), values.begin());
-    options_.push_back({&family, option, std::move(values)});
+    options_.push_back({kind, option, std::move(values)});
 }
 
 void Update::plan_objectives() {
@@ -210,45 +206,55 @@ void Update::plan_objectives() {
     for (auto& [number, planned] : coefficients_) planned.result = with_writes(planned.base, planned.writes);
 }
 
-void Update::plan_deletion(Kind kind, Deletion& deletion) {
+void Update::plan_deletion(Kind kind) {
     const std::vector<int>& deleted = queue_.deleted[static_cast<int>(kind)];
     if (deleted.empty()) return;
+    Deletion& deletion = this->deletion(kind);
     deletion.keep.assign(total(kind), 1);
     for (int i : deleted) deletion.keep[i] = 0;
     deletion.number.resize(deletion.keep.size());
     int next = 0;
     for (std::size_t i = 0; i < deletion.keep.size(); ++i) deletion.number[i] = deletion.keep[i] ? next++ : -1;
-    if (model_.changes.since == 0 || kind == Kind::kSos) return;
+    if (model_.changes.since == 0 || (kind != Kind::kColumn && kind != Kind::kRow)) return;
     deletion.followed =
         (kind == Kind::kColumn ? model_.changes.cols : model_.changes.rows).deleted_after(deletion.keep);
 }
 
 // Sense and right-hand side of a row may be written one after the other, so they are held against each other here.
-void Update::check_sides() const {
+template <class Family>
+void Update::check_sides(const Family& rows, const Family& queued, const WriteRule& sense,
+                         const WriteRule& right) const {
     struct Sides {
         char sense;
         double right, lower;
     };
     std::unordered_map<int, Sides> written;
-    const int num_rows = data_.rows.size();
+    const int num_rows = rows.size();
+    const auto sides_of = [](const Family& family, int i) {
+        Sides sides{family.sense[i], family.rhs[i], -kInfinity};
+        if constexpr (std::is_same_v<Family, Rows>) sides.lower = family.lower[i];
+        return sides;
+    };
     for (const Write& write : queue_.writes) {
-        if (write.rule != &rules::kSense && write.rule != &rules::kRightSide) continue;
-        const bool queued = write.index >= num_rows;
-        const Rows& rows = queued ? queue_.rows : data_.rows;
-        const int i = queued ? write.index - num_rows : write.index;
-        Sides& sides = written.try_emplace(write.index, Sides{rows.sense[i], rows.rhs[i], rows.lower[i]}).first->second;
-        if (write.rule == &rules::kSense)
+        if (write.rule != &sense && write.rule != &right) continue;
+        const int i = write.index;
+        Sides& sides =
+            written.try_emplace(i, i < num_rows ? sides_of(rows, i) : sides_of(queued, i - num_rows)).first->second;
+        if (write.rule == &sense)
             sides.sense = static_cast<char>(write.value);
         else
             sides.right = clipped(write.value);
     }
     for (const auto& [i, sides] : written) {
-        if (!rows_.keep.empty() && !rows_.keep[i]) continue;
+        const std::vector<char>& keep = deletion(Family::kKind).keep;
+        if (!keep.empty() && !keep[i]) continue;
         const char* fault = side_fault(sides.sense, sides.right, sides.lower);
         if (!fault) continue;
-        const char* name = i < num_rows ? data_.rows.names.get(i) : queue_.rows.names.get(i - num_rows);
-        throw Error(ZVN_ERROR_VALUE_OUT_OF_RANGE, "Constraint '" +
-                                                      (name ? std::string(name) : ModelData::default_row_name(i)) +
+        const char* name = i < num_rows ? rows.names.get(i) : queued.names.get(i - num_rows);
+        std::string what = spec_of(Family::kKind).singular;
+        what[0] = static_cast<char>(what[0] - 'a' + 'A');
+        throw Error(ZVN_ERROR_VALUE_OUT_OF_RANGE, what + " '" +
+                                                      (name ? name : ModelData::default_name(Family::kKind, i)) +
                                                       "' has the right-hand side " + number_text(sides.right) +
                                                       " with sense '" + sides.sense + "': " + fault);
     }
@@ -257,12 +263,11 @@ void Update::check_sides() const {
 void Update::commit() noexcept {
     append_additions();
     append_helpers();
-    for (NewOption& option : options_) option.family->optional.adopt(option.option, std::move(option.values));
+    for (NewOption& option : options_)
+        data_.family(option.kind).optional.adopt(option.option, std::move(option.values));
     apply_writes();
     if (drops_starts_) data_.cols.optional.erase(Option::kStart);
-    if (!cols_.keep.empty()) delete_columns();
-    if (!rows_.keep.empty()) compact(data_.rows, rows_.keep);
-    if (!sos_.keep.empty()) compact(data_.sos, sos_.keep);
+    delete_objects();
     note_changes();
     std::swap(queue_, fresh_);
     if (changed_) model_.discard_solution();
@@ -274,6 +279,7 @@ void Update::append_additions() noexcept {
     if (merges_added_) std::swap(static_cast<SparseRows&>(queue_.rows), added_rows_);
     append(data_.rows, queue_.rows);
     append(data_.sos, queue_.sos);
+    append(data_.qrows, queue_.qrows);
 }
 
 void Update::append_helpers() noexcept {
@@ -302,8 +308,7 @@ void Update::apply_text(TextWrite& write) noexcept {
         return;
     }
     write.rule->names(data_).set(write.index, write.value);
-    if (write.rule->is_name)
-        (write.rule->kind == Kind::kRow ? model_.row_finder_ : model_.col_finder_).renamed(write.index);
+    if (write.rule->is_name) model_.finders_[static_cast<int>(write.rule->kind)].renamed(write.index);
 }
 
 // Coefficients of an objective behind the first are planned.
@@ -320,6 +325,7 @@ void Update::apply_objective(ObjectiveWrite& write) noexcept {
     data_.pwl_obj.erase(data_.pwl_obj.begin(), data_.pwl_obj.lower_bound(write.num_cols));
     std::fill_n(data_.cols.obj.begin(), write.num_cols, 0.0);
     for (std::size_t k = 0; k < write.col.size(); ++k) data_.cols.obj[write.col[k]] += write.val[k];
+    std::swap(data_.quad_obj, write.quad);
 }
 
 void Update::apply_pwl(PwlWrite& write) noexcept {
@@ -329,25 +335,35 @@ void Update::apply_pwl(PwlWrite& write) noexcept {
     data_.pwl_obj.insert(std::move(write.term));
 }
 
-void Update::delete_columns() noexcept {
-    compact(data_.cols, cols_.keep);
-    renumber(data_.rows, cols_.number);
-    renumber(data_.sos, cols_.number);
-    for (Objective& objective : data_.objectives) renumber(objective.coeff, cols_.number);
+void Update::delete_objects() noexcept {
+    if (!deletion(Kind::kColumn).keep.empty()) renumber_columns();
+    for_each_family(data_, [&](auto& family) {
+        const std::vector<char>& keep = deletion(family.kKind).keep;
+        if (!keep.empty()) compact(family, keep);
+    });
+}
+
+void Update::renumber_columns() noexcept {
+    const std::vector<int>& number = deletion(Kind::kColumn).number;
+    renumber(data_.rows, number);
+    renumber(data_.sos, number);
+    renumber(data_.qrows, number);
+    renumber(data_.quad_obj, number);
+    for (Objective& objective : data_.objectives) renumber(objective.coeff, number);
     std::map<int, PwlPoints> terms;
     while (!data_.pwl_obj.empty()) {
         auto term = data_.pwl_obj.extract(data_.pwl_obj.begin());
-        term.key() = cols_.number[term.key()];
+        term.key() = number[term.key()];
         if (term.key() >= 0) terms.insert(terms.end(), std::move(term));
     }
     data_.pwl_obj.swap(terms);
 }
 
 void Update::note_changes() noexcept {
-    if (!cols_.keep.empty()) model_.col_finder_.renumber(cols_.number);
-    if (!rows_.keep.empty()) model_.row_finder_.renumber(rows_.number);
-    if (!cols_.followed.empty()) model_.changes.cols.deleted.swap(cols_.followed);
-    if (!rows_.followed.empty()) model_.changes.rows.deleted.swap(rows_.followed);
+    for (std::size_t kind = 0; kind < kNumKinds; ++kind)
+        if (!deletions_[kind].keep.empty()) model_.finders_[kind].renumber(deletions_[kind].number);
+    if (auto& list = deletion(Kind::kColumn).followed; !list.empty()) model_.changes.cols.deleted.swap(list);
+    if (auto& list = deletion(Kind::kRow).followed; !list.empty()) model_.changes.rows.deleted.swap(list);
     ++model_.stamp;
 }
 

@@ -2,6 +2,7 @@
 // The update of a model in two steps. The plan takes all memory and makes all checks, and may fail with the model as it
 // was; the commit can't fail.
 
+#include <array>
 #include <map>
 #include <string>
 #include <utility>
@@ -25,7 +26,7 @@ private:
         std::vector<int> followed;  // ListChange::deleted afterwards
     };
     struct NewOption {
-        Identity* family;
+        Kind kind;
         Option option;
         std::vector<double> values;
     };
@@ -41,10 +42,11 @@ private:
     void plan_helpers();
     void plan_texts();
     void plan_options();
-    void plan_option(Identity& family, Option option);
+    void plan_option(Kind kind, Option option);
     void plan_objectives();
-    void plan_deletion(Kind kind, Deletion& deletion);
-    void check_sides() const;
+    void plan_deletion(Kind kind);
+    template <class Family>
+    void check_sides(const Family& rows, const Family& queued, const WriteRule& sense, const WriteRule& right) const;
 
     void append_additions() noexcept;
     void append_helpers() noexcept;
@@ -52,10 +54,13 @@ private:
     void apply_text(TextWrite& write) noexcept;
     void apply_objective(ObjectiveWrite& write) noexcept;
     void apply_pwl(PwlWrite& write) noexcept;
-    void delete_columns() noexcept;
+    void delete_objects() noexcept;
+    void renumber_columns() noexcept;
     void note_changes() noexcept;
 
     int total(Kind kind) const;
+    Deletion& deletion(Kind kind) { return deletions_[static_cast<int>(kind)]; }
+    const Deletion& deletion(Kind kind) const { return deletions_[static_cast<int>(kind)]; }
     bool changes_problem() const;
 
     Model& model_;
@@ -70,7 +75,7 @@ private:
     std::vector<NewOption> options_;
     bool drops_starts_ = false;
     std::map<int, Coefficients> coefficients_;
-    Deletion cols_, rows_, sos_;
+    std::array<Deletion, kNumKinds> deletions_;
 };
 
 }  // namespace zelvan

@@ -4,15 +4,7 @@
 
 namespace zelvan::rules {
 
-Identity& columns(Families& families) { return families.cols; }
-Identity& rows(Families& families) { return families.rows; }
-Identity& sos_sets(Families& families) { return families.sos; }
-
 namespace {
-
-void set_option(Identity& family, const Write& write) noexcept {
-    (*family.optional.find(*write.rule->option))[write.index] = write.value;
-}
 
 void set_type(ModelData& data, const Write& write) noexcept {
     Columns& cols = data.cols;
@@ -48,9 +40,9 @@ void nothing(ModelData&, const Write&) noexcept {}
 
 }  // namespace
 
-void set_column_option(ModelData& data, const Write& write) noexcept { set_option(data.cols, write); }
-void set_row_option(ModelData& data, const Write& write) noexcept { set_option(data.rows, write); }
-void set_sos_option(ModelData& data, const Write& write) noexcept { set_option(data.sos, write); }
+void set_option(ModelData& data, const Write& write) noexcept {
+    (*data.family(write.rule->kind).optional.find(*write.rule->option))[write.index] = write.value;
+}
 
 const WriteRule kLowerBound{Effect::kProblem, [](ModelData& data, const Write& write) noexcept {
                                 data.cols.lb[write.index] = clipped(write.value);
@@ -66,11 +58,17 @@ const WriteRule kSense{Effect::kProblem, [](ModelData& data, const Write& write)
 const WriteRule kRightSide{Effect::kProblem, [](ModelData& data, const Write& write) noexcept {
                                data.rows.rhs[write.index] = clipped(write.value);
                            }};
+const WriteRule kQuadSense{Effect::kProblem, [](ModelData& data, const Write& write) noexcept {
+                               data.qrows.sense[write.index] = static_cast<char>(write.value);
+                           }};
+const WriteRule kQuadRightSide{Effect::kProblem, [](ModelData& data, const Write& write) noexcept {
+                                   data.qrows.rhs[write.index] = clipped(write.value);
+                               }};
 const WriteRule kModelSense{
     Effect::kProblem, [](ModelData& data, const Write& write) noexcept { data.sense = write.value < 0 ? -1 : 1; }};
 const WriteRule kConstant{Effect::kProblem,
                           [](ModelData& data, const Write& write) noexcept { data.obj_constant = write.value; }};
-const WriteRule kNumStarts{Effect::kHint, forget_starts, &kHeld<Option::kStart>, columns};
+const WriteRule kNumStarts{Effect::kHint, forget_starts, &kHeld<Option::kStart>, Kind::kColumn};
 const WriteRule kNumObjectives{Effect::kProblem, [](ModelData& data, const Write& write) noexcept {
                                    data.objectives.resize(static_cast<std::size_t>(write.value));
                                }};
@@ -96,6 +94,8 @@ const TextRule kColumnName{Kind::kColumn, [](Families& f) -> Names& { return f.c
 const TextRule kColumnTag{Kind::kColumn, [](Families& f) -> Names& { return f.cols.tags; }};
 const TextRule kRowName{Kind::kRow, [](Families& f) -> Names& { return f.rows.names; }, nullptr, true};
 const TextRule kRowTag{Kind::kRow, [](Families& f) -> Names& { return f.rows.tags; }};
+const TextRule kQuadRowName{Kind::kQuadRow, [](Families& f) -> Names& { return f.qrows.names; }, nullptr, true};
+const TextRule kQuadRowTag{Kind::kQuadRow, [](Families& f) -> Names& { return f.qrows.tags; }};
 const TextRule kModelName{Kind::kModel, nullptr, [](ModelData& data, int) -> std::string& { return data.name; }};
 const TextRule kObjectiveName{Kind::kModel, nullptr,
                               [](ModelData& data, int number) -> std::string& { return data.objectives[number].name; }};

@@ -20,9 +20,9 @@ enum class Effect : char {
 struct WriteRule {
     Effect effect;
     void (*apply)(ModelData& data, const Write& write) noexcept;
-    // The option that is written, for those rules; its array is there when apply runs.
+    // The option that is written, and of what kind, for those rules; its array is there when apply runs.
     const Option* option = nullptr;
-    Identity& (*family)(Families& families) = nullptr;
+    Kind kind = Kind::kModel;
 };
 
 // A text: of an object, in one of the families' arrays, or of the model or an objective.
@@ -48,29 +48,21 @@ struct TextWrite {
 
 namespace rules {
 
-extern const WriteRule kLowerBound, kUpperBound, kCost, kType, kSense, kRightSide;
+extern const WriteRule kLowerBound, kUpperBound, kCost, kType, kSense, kRightSide, kQuadSense, kQuadRightSide;
 extern const WriteRule kModelSense, kConstant, kNumStarts, kNumObjectives;
 extern const WriteRule kObjectiveCost, kObjectiveConstant, kPriority, kWeight, kRelTol, kAbsTol;
 // These stand for an entry of the queue's own lists.
 extern const WriteRule kText, kObjective, kPwl;
 
-extern const TextRule kColumnName, kColumnTag, kRowName, kRowTag, kModelName, kObjectiveName;
+extern const TextRule kColumnName, kColumnTag, kRowName, kRowTag, kQuadRowName, kQuadRowTag;
+extern const TextRule kModelName, kObjectiveName;
 
-Identity& columns(Families& families);
-Identity& rows(Families& families);
-Identity& sos_sets(Families& families);
-void set_column_option(ModelData& data, const Write& write) noexcept;
-void set_row_option(ModelData& data, const Write& write) noexcept;
-void set_sos_option(ModelData& data, const Write& write) noexcept;
+void set_option(ModelData& data, const Write& write) noexcept;
 
 template <Option option>
 inline constexpr Option kHeld = option;
-template <Option option>
-inline constexpr WriteRule kColumnOption{Effect::kHint, set_column_option, &kHeld<option>, columns};
-template <Option option>
-inline constexpr WriteRule kRowOption{Effect::kHint, set_row_option, &kHeld<option>, rows};
-template <Option option>
-inline constexpr WriteRule kSosOption{Effect::kHint, set_sos_option, &kHeld<option>, sos_sets};
+template <Kind kind, Option option>
+inline constexpr WriteRule kOption{Effect::kHint, set_option, &kHeld<option>, kind};
 
 }  // namespace rules
 

@@ -125,8 +125,8 @@ void write_basis(Model& model, const std::string& path) {
 void read_basis(Model& model, const std::string& path) {
     const Statuses statuses = Reader(model, path).read();
     model.reserve_writes(static_cast<int>(statuses.cols.size() + statuses.rows.size()));
-    model.write_numbers(rules::kColumnOption<Option::kColumnBasis>, statuses.cols);
-    model.write_numbers(rules::kRowOption<Option::kRowBasis>, statuses.rows);
+    model.write_numbers(rules::kOption<Kind::kColumn, Option::kColumnBasis>, statuses.cols);
+    model.write_numbers(rules::kOption<Kind::kRow, Option::kRowBasis>, statuses.rows);
 }
 
 }  // namespace zelvan

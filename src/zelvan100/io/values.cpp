@@ -103,7 +103,7 @@ void write_priorities(Model& model, const std::string& path) {
 
 void read_start(Model& model, const std::string& path) {
     const NamedValues read = read_values(model, path);
-    model.write_numbers(rules::kColumnOption<Option::kStart>, read.col, read.value);
+    model.write_numbers(rules::kOption<Kind::kColumn, Option::kStart>, read.col, read.value);
     log_unknown(model, path, read.unknown);
 }
 
@@ -114,7 +114,7 @@ void read_priorities(Model& model, const std::string& path) {
             throw Error(ZVN_ERROR_FILE_READ, "File '" + path + "': the priority of variable " +
                                                  quoted(model.data.col_name(read.col[k])) + " is not an integer");
     }
-    model.write_numbers(rules::kColumnOption<Option::kBranchPriority>, read.col, read.value);
+    model.write_numbers(rules::kOption<Kind::kColumn, Option::kBranchPriority>, read.col, read.value);
     log_unknown(model, path, read.unknown);
 }
 

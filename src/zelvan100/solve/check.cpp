@@ -153,9 +153,7 @@ std::optional<Breach> find_breach(const ModelData& data, std::span<const double>
 }
 
 std::string text_of(const ModelData& data, const Breach& breach) {
-    const std::string name = breach.kind == Kind::kColumn ? data.col_name(breach.index)
-                             : breach.kind == Kind::kRow  ? data.row_name(breach.index)
-                                                          : data.sos_name(breach.index);
+    const std::string name = data.name_of(breach.kind, breach.index);
     char amount[64];
     std::snprintf(amount, sizeof amount, "%.3g, where %.3g is allowed", breach.amount, breach.tolerance);
     const char* what = breach.kind != Kind::kColumn ? "" : breach.of_integrality ? "integrality of " : "bounds of ";

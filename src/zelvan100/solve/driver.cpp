@@ -183,8 +183,20 @@ Solution solve_single(const ModelData& data, Problem problem, Context& context, 
     return solution;
 }
 
+void refuse_quadratic(const ModelData& data) {
+    if (data.qrows.size() > 0)
+        throw Error(ZVN_ERROR_NOT_SUPPORTED, "Quadratic constraint '" + data.name_of(Kind::kQuadRow, 0) +
+                                                 "': solving with quadratic constraints is not supported");
+    if (!data.quad_obj.empty() && data.objectives.size() > 1)
+        throw Error(ZVN_ERROR_NOT_SUPPORTED,
+                    "Solving for several objectives is not supported where the main one is quadratic");
+    if (!data.quad_obj.empty())
+        throw Error(ZVN_ERROR_NOT_SUPPORTED, "Solving with a quadratic objective is not supported");
+}
+
 Solution solve(Model& model) {
     const ModelData& data = model.data;
+    refuse_quadratic(data);
     ParamValues params = model.env.settings();
     ModelListener listener(model, params);
     Monitor monitor(std::move(params), listener, model.stop, std::exchange(model.watch_signal, false));
