@@ -57,7 +57,8 @@ public:
         const bool warm = !is_mip_ && (context_.session.has_basis() || !start_.basis.rows.empty());
         SolverResult result = search(problem_, start_, context_);
         if (result.x.empty() && is_trivial(problem_)) return result;
-        if (warm && result.outcome == Outcome::kOptimal) result = with_proof(std::move(result));
+        if (warm && problem_.quad.empty() && result.outcome == Outcome::kOptimal)
+            result = with_proof(std::move(result));
         return judged(std::move(result));
     }
 
@@ -117,7 +118,7 @@ private:
     // The answer without the objective: unbounded when a feasible point is found.
     SolverResult point_anywhere() {
         Problem anywhere = problem_;
-        std::fill(anywhere.cost.begin(), anywhere.cost.end(), 0.0);
+        anywhere.clear_objective();
         SolverResult found = search_aside(anywhere, {}, {}, context_);
         if (found.outcome != Outcome::kOptimal) return found;
         found.outcome = Outcome::kUnbounded;
@@ -201,7 +202,7 @@ private:
     SolverResult confirmed(SolverResult result) {
         if (has_crossed_bounds(problem_)) return result;
         std::optional<Farkas> farkas = farkas_of_one_row(problem_);
-        if (!farkas) farkas = farkas_from(problem_, context_.session.dual_ray());
+        if (!farkas && problem_.quad.empty()) farkas = farkas_from(problem_, context_.session.dual_ray());
         Elastic elastic;
         if (!farkas) {
             log("The proof of infeasibility doesn't hold: looking for another one\n");

@@ -5,6 +5,7 @@
 #include <limits>
 
 #include "solve/check.h"
+#include "solve/convexity.h"
 
 namespace zelvan {
 
@@ -157,6 +158,15 @@ Elastic solve_elastic(const Problem& problem, Context& context) {
     elastic.x = std::move(result.x);
     if (!elastic.x.empty()) elastic.x.resize(problem.num_cols());
     return elastic;
+}
+
+std::vector<double> reduced_costs(const Problem& problem, const std::vector<double>& x, const std::vector<double>& pi,
+                                  std::vector<double>& activity) {
+    std::vector<double> rest = problem.cost;
+    add_gradient(problem.quad, 1.0, x.data(), rest.data());
+    activity.resize(problem.num_rows());
+    for (int i = 0; i < problem.num_rows(); ++i) activity[i] = take_off(problem, i, pi[i], x.data(), rest.data());
+    return rest;
 }
 
 bool is_proven_optimal(const Problem& problem, const SolverResult& result, double tolerance,

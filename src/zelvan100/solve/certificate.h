@@ -31,6 +31,9 @@ struct Elastic {
 };
 Elastic solve_elastic(const Problem& problem, Context& context);
 
+// The derivatives of the objective at x, less the dual values times the rows; `activity` gets those of the rows.
+std::vector<double> reduced_costs(const Problem& problem, const std::vector<double>& x, const std::vector<double>& pi,
+                                  std::vector<double>& activity);
 // Whether the dual values prove the point of an LP optimal: their signs, and the products of dual values and
 // distances to the sides that they speak for, next to the objective. `activity`, if given, gets those of the rows.
 bool is_proven_optimal(const Problem& problem, const SolverResult& result, double tolerance,

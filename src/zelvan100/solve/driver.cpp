@@ -15,6 +15,7 @@
 #include "solve/answer.h"
 #include "solve/certificate.h"
 #include "solve/multi_objective.h"
+#include "solve/quadratic.h"
 #include "solve/relaxation_bound.h"
 #include "solve/search.h"
 #include "solve/solve.h"
@@ -207,6 +208,7 @@ Solution solve(Model& model) {
     Indicators indicators(problem, std::ref(relaxation_bound));
     for (const Bridge& bridge : kBridges)
         if (bridge.is_needed(data)) bridge.build(data, problem, indicators);
+    recognize_objective(data, problem, context);
     Solution solution =
         data.objectives.size() > 1
             ? solve_multi_objective(data, std::move(problem), {user_start(data), user_basis(data, monitor)}, context)

@@ -6,6 +6,7 @@
 #include <algorithm>
 #include <cmath>
 #include <cstring>
+#include <numeric>
 #include <utility>
 
 #include "core/error.h"
@@ -111,6 +112,34 @@ std::pair<int, int> joined(std::pair<int, int> a, std::pair<int, int> b) {
 }
 
 std::vector<HighsInt> integrality(const std::vector<char>& integer) { return {integer.begin(), integer.end()}; }
+
+// The second derivatives of the objective, lower triangle by columns.
+class Hessian {
+public:
+    explicit Hessian(const Problem& problem) : start_(problem.num_cols() + 1, 0) {
+        const QuadTerms& terms = problem.quad;
+        if (terms.empty()) return;
+        for (int j : terms.row) ++start_[j + 1];
+        std::partial_sum(start_.begin(), start_.end(), start_.begin());
+        index_.resize(terms.size());
+        value_.resize(terms.size());
+        std::vector<HighsInt> next(start_.begin(), start_.end() - 1);
+        for (std::size_t k = 0; k < terms.size(); ++k) {
+            const HighsInt place = next[terms.row[k]]++;
+            index_[place] = terms.col[k];
+            value_[place] = terms.row[k] == terms.col[k] ? 2.0 * terms.val[k] : terms.val[k];
+        }
+    }
+
+    HighsInt size() const { return static_cast<HighsInt>(value_.size()); }
+    const HighsInt* start() const { return start_.data(); }
+    const HighsInt* index() const { return index_.data(); }
+    const double* value() const { return value_.data(); }
+
+private:
+    std::vector<HighsInt> start_, index_;
+    std::vector<double> value_;
+};
 
 Outcome outcome_of(int status) {
     switch (status) {
@@ -312,11 +341,12 @@ void HighsSession::load(const Problem& problem) {
 
 void HighsSession::pass(const Problem& problem) {
     const std::vector<HighsInt> types = problem.is_mip() ? integrality(problem.integer) : std::vector<HighsInt>();
-    check(Highs_passModel(highs_, problem.num_cols(), problem.num_rows(), problem.num_entries(), 0,
+    const Hessian hessian(problem);
+    check(Highs_passModel(highs_, problem.num_cols(), problem.num_rows(), problem.num_entries(), hessian.size(),
                           kHighsMatrixFormatRowwise, kHighsHessianFormatTriangular, problem.sense, problem.offset,
                           problem.cost.data(), problem.lb.data(), problem.ub.data(), problem.row_lower.data(),
-                          problem.row_upper.data(), problem.start.data(), problem.col(), problem.val(), nullptr,
-                          nullptr, nullptr, types.empty() ? nullptr : types.data()),
+                          problem.row_upper.data(), problem.start.data(), problem.col(), problem.val(), hessian.start(),
+                          hessian.index(), hessian.value(), types.empty() ? nullptr : types.data()),
           "take the model");
 }
 
@@ -489,8 +519,9 @@ SolverResult HighsSession::fetch() {
     result.outcome = outcome_of(Highs_getModelStatus(highs_));
     result.objective = double_info(highs_, "objective_function_value");
     result.bound = double_info(highs_, "mip_dual_bound");
-    result.iterations = int_info(highs_, "simplex_iteration_count") +
-                        static_cast<double>(std::max(0, int_info(highs_, "crossover_iteration_count")));
+    result.iterations = int_info(highs_, "simplex_iteration_count");
+    for (const char* name : {"crossover_iteration_count", "qp_iteration_count"})
+        result.iterations += std::max(0, int_info(highs_, name));
     result.barrier_iterations = std::max(0, int_info(highs_, "ipm_iteration_count"));
     std::int64_t nodes = 0;
     Highs_getInt64InfoValue(highs_, "mip_node_count", &nodes);

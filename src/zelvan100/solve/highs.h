@@ -63,7 +63,7 @@ struct Basis {
 struct SolverResult {
     Outcome outcome = Outcome::kUnknown;
     double objective = 0.0, bound = 0.0;
-    double iterations = 0.0, nodes = 0.0;  // iterations of simplex and crossover
+    double iterations = 0.0, nodes = 0.0;  // iterations of simplex, crossover and active set
     int barrier_iterations = 0;
     std::vector<double> x;         // empty without a feasible point
     std::vector<double> activity;  // at x, of the rows of the model; empty where it wasn't looked at

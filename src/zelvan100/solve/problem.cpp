@@ -113,6 +113,7 @@ double main_weight(const ModelData& data) { return data.objectives.size() > 1 ? 
 Problem::Problem(const ModelData& data, std::uint64_t stamp, const Changes& changes, const Ancestor& held)
     : sense(data.sense),
       offset(data.obj_constant),
+      quad(data.quad_obj),
       cost(data.cols.obj),
       lb(with_infinities(data.cols.lb)),
       ub(with_infinities(data.cols.ub)),
@@ -163,6 +164,7 @@ void Problem::take_columns(const ModelData& data) {
     if (const double weight = main_weight(data); weight != 1.0) {
         offset *= weight;
         for (double& value : cost) value *= weight;
+        for (double& value : quad.val) value *= weight;
     }
     const std::vector<char>& type = data.cols.type;
     if (std::count(type.begin(), type.end(), 'C') == num_cols()) return;
@@ -222,6 +224,13 @@ bool Problem::is_feasible(const std::vector<double>& x, double tolerance) const 
         if (activity < row_lower[i] - tolerance || activity > row_upper[i] + tolerance) return false;
     }
     return true;
+}
+
+void Problem::clear_objective() {
+    offset = 0.0;
+    std::fill(cost.begin(), cost.end(), 0.0);
+    quad = {};
+    squares.reset();
 }
 
 int Problem::add_col(double lower, double upper, double objective, bool is_integer) {

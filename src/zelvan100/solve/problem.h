@@ -1,9 +1,10 @@
 #pragma once
-// A model in the terms of HiGHS: minimize or maximize a linear function over rows with two sides, some
+// A model in the terms of HiGHS: minimize or maximize a linear or quadratic function over rows with two sides, some
 // columns integer. Its first columns and rows are those of the model; bridges append theirs, so a
 // solution is mapped back by cutting it off behind the model's own.
 
 #include <cstdint>
+#include <memory>
 #include <utility>
 #include <vector>
 
@@ -23,6 +24,8 @@ struct OrderedSet {
     int type;  // 1 or 2
     std::vector<int> cols;
 };
+
+struct SumOfSquares;
 
 struct Disjunctions {
     std::vector<Gap> gaps;
@@ -54,6 +57,8 @@ public:
 
     int sense = 1;
     double offset = 0.0;
+    QuadTerms quad;                               // of the objective
+    std::shared_ptr<const SumOfSquares> squares;  // that they are, for 1 as sense, once that is known
     std::vector<double> cost, lb, ub;
     std::vector<char> integer;  // 1 or 0
     std::vector<double> row_lower, row_upper;
@@ -75,6 +80,8 @@ public:
     // Whether some column or row has no value at all that it may take, such as a lower bound of infinity.
     bool has_empty_range() const;
     bool is_feasible(const std::vector<double>& x, double tolerance) const;
+    // Every point is as good as any other.
+    void clear_objective();
 
     using Terms = std::vector<std::pair<int, double>>;  // column, coefficient
     // Both return the index of what was added. A row may be multiplied by a power of two, as those of the model.

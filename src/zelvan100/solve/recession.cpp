@@ -2,6 +2,9 @@
 
 #include <algorithm>
 #include <cmath>
+#include <utility>
+
+#include "solve/convexity.h"
 
 namespace zelvan {
 
@@ -33,6 +36,16 @@ Problem cone_of(Problem problem) {
     std::transform(problem.row_lower.begin(), problem.row_lower.end(), problem.row_lower.begin(), at_zero);
     std::transform(problem.row_upper.begin(), problem.row_upper.end(), problem.row_upper.begin(), at_zero);
     problem.offset = 0.0;
+    // Along a direction that goes on for ever no square may grow.
+    if (const auto squares = std::exchange(problem.squares, nullptr)) {
+        for (int k = 0; k < squares->size(); ++k) {
+            Problem::Terms terms;
+            for (int p = squares->start[k]; p < squares->start[k + 1]; ++p)
+                terms.emplace_back(squares->col[p], squares->val[p]);
+            problem.add_row(terms, 0.0, 0.0);
+        }
+    }
+    problem.quad = {};
     return problem;
 }
 
@@ -86,7 +99,7 @@ std::vector<double> confirmed_direction(const Problem& problem, Context& context
     if (!has_improving_side(problem)) return {};
     const Problem cone = cone_of(problem);
     std::vector<double> direction = cleaned(cone, best_direction(cone, context), kRoundingOfLarge);
-    if (direction.empty() && !problem.is_mip())
+    if (direction.empty() && !problem.is_mip() && problem.quad.empty())
         direction = cleaned(cone, context.session.primal_ray(), kRoundingOfLarge);
     return direction;
 }

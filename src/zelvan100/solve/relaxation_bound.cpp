@@ -48,9 +48,8 @@ struct RelaxationBound::Relaxation {
     explicit Relaxation(const Problem& original) : problem(original) {
         problem.disjunctions = {};
         problem.sense = 1;
-        problem.offset = 0.0;
         problem.integer.assign(problem.integer.size(), 0);
-        problem.cost.assign(problem.cost.size(), 0.0);
+        problem.clear_objective();
     }
 
     HighsSession session;

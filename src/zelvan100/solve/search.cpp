@@ -6,6 +6,7 @@
 #include "core/error.h"
 #include "solve/concurrent.h"
 #include "solve/options.h"
+#include "solve/quadratic.h"
 #include "solve/tree.h"
 
 namespace zelvan {
@@ -48,13 +49,6 @@ void count(const SolverResult& result, Context& context) {
     context.barrier_iterations += result.barrier_iterations;
     context.monitor.flush_log();
     context.monitor.begin_count(context.work, context.iterations);
-}
-
-SolverResult run_session(Context& context) {
-    set_limits(context.session, context);
-    SolverResult result = context.session.run(context.params.get_int(Param::Threads));
-    count(result, context);
-    return result;
 }
 
 SolverResult run_method(const Problem& problem, Context& context) {
@@ -100,6 +94,13 @@ SolverResult tell_apart(const Problem& problem, Context& context) {
 Context::Context(HighsSession& highs, Monitor& events)
     : session(highs), monitor(events), params(events.params), attached_(highs, &events) {}
 
+SolverResult run_session(Context& context) {
+    set_limits(context.session, context);
+    SolverResult result = context.session.run(context.params.get_int(Param::Threads));
+    count(result, context);
+    return result;
+}
+
 void set_limits(HighsSession& session, const Context& context) {
     const ParamValues& params = context.params;
     const auto left = [](double limit, double used) {
@@ -136,6 +137,7 @@ SolverResult search(const Problem& problem, const Start& start, Context& context
     result.outcome = Outcome::kTimeLimit;
     if (monitor.time_left() <= 0.0) return result;
 
+    if (!problem.quad.empty()) return search_quadratic(problem, context);
     set_options(context.session, params, problem, context.care);
     if (params.get_int(Param::LPWarmStart) == 0) context.session.forget_basis();
     context.session.load(problem);

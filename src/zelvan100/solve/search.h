@@ -41,6 +41,8 @@ SolverResult search_with(HighsSession& session, const Problem& problem, const St
                          Context& context);
 // And on one that is new.
 SolverResult search_aside(const Problem& problem, const Start& start, const Care& care, Context& context);
+// Runs what the session holds, within what is left of the limits.
+SolverResult run_session(Context& context);
 // The value of the attribute Status that the outcome means.
 int status_of(const SolverResult& result, const Context& context);
 

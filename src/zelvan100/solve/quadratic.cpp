@@ -1,0 +1,228 @@
+#include "solve/quadratic.h"
+
+#include <algorithm>
+#include <cmath>
+#include <cstdio>
+#include <optional>
+#include <utility>
+
+#include "core/error.h"
+#include "solve/convexity.h"
+#include "solve/options.h"
+#include "solve/polish.h"
+#include "solve/reshaped.h"
+
+namespace zelvan {
+
+namespace {
+
+using Shape = Reshaped::Shape;
+
+// Values of the parameter Method.
+constexpr int kPrimalSimplex = 0, kDualSimplex = 1, kBarrier = 2;
+// Squares take the place of terms where they have fewer entries by this factor.
+constexpr std::size_t kFewerEntries = 4;
+// The active-set method comes first where there are this many terms, and this share of all that there could be.
+constexpr std::size_t kManyTerms = 200;
+constexpr double kFullShare = 0.1;
+// Iterations of the active-set method for each row and column, and besides, before another way is tried.
+constexpr int kIterationsForEach = 4, kIterationsAlways = 200;
+// Additions and multiplications between two looks at limits that the active-set method doesn't know, and the least
+// iterations then.
+constexpr double kOperationsOfRun = 4e8;
+constexpr int kFewIterations = 100;
+// What is added to the diagonal for the active-set method where squares leave directions open; else nothing.
+constexpr double kRegularization = 1e-7;
+// A relative gap, in terms of the objective, that is optimal, and the largest one that isn't polished away.
+constexpr double kLargestGap = 1e-7;
+constexpr double kPrecise = 1e-9;
+
+// A limit or a stop ended the recognition.
+struct Stopped {};
+
+enum class Way { kBarrierOnSquares, kBarrier, kActiveSet };
+
+struct WayName {
+    Way way;
+    const char* text;
+};
+constexpr WayName kWayNames[] = {
+    {Way::kBarrierOnSquares, "by interior points, on the squares of the objective"},
+    {Way::kBarrier, "by interior points"},
+    {Way::kActiveSet, "by active sets"},
+};
+
+const char* text_of(Way way) {
+    const auto is_it = [way](const WayName& name) { return name.way == way; };
+    return std::find_if(std::begin(kWayNames), std::end(kWayNames), is_it)->text;
+}
+
+bool is_full(const Problem& problem) {
+    const double num = problem.num_cols();
+    const std::size_t size = problem.quad.size();
+    return size >= kManyTerms && static_cast<double>(size) >= kFullShare * 0.5 * num * num;
+}
+
+std::vector<Way> ways_of(const Problem& problem, const Context& context) {
+    std::vector<Way> ways;
+    if (kFewerEntries * problem.squares->num_entries() <= problem.quad.size()) ways.push_back(Way::kBarrierOnSquares);
+    ways.push_back(Way::kBarrier);
+    const int method = context.params.get_int(Param::Method);
+    const bool is_simplex = method == kPrimalSimplex || method == kDualSimplex;
+    const bool prefers_active_set = ways.size() == 1 && is_full(problem) && method != kBarrier;
+    if (context.care.simplex || is_simplex || prefers_active_set)
+        ways.insert(ways.begin(), Way::kActiveSet);
+    else
+        ways.push_back(Way::kActiveSet);
+    return ways;
+}
+
+bool is_within_limits(Outcome outcome) {
+    return outcome != Outcome::kTimeLimit && outcome != Outcome::kIterationLimit && outcome != Outcome::kStopped;
+}
+
+class Search {
+public:
+    Search(const Problem& problem, Context& context) : problem_(problem), context_(context) {}
+
+    SolverResult run() {
+        SolverResult result;
+        for (Way way : ways_of(problem_, context_)) {
+            context_.monitor.log(std::string("Solving the quadratic program ") + text_of(way) + "\n");
+            result = run_way(way);
+            if (!is_within_limits(result.outcome) || result.outcome == Outcome::kInfeasible) break;
+            if (result.outcome == Outcome::kUnbounded || result.outcome == Outcome::kInfeasibleOrUnbounded) break;
+            if (best_ && is_optimal(*best_)) {
+                result.outcome = Outcome::kOptimal;
+                break;
+            }
+            result.outcome = Outcome::kUnknown;
+            context_.monitor.log("The optimality conditions don't hold\n");
+        }
+        return with_best(std::move(result));
+    }
+
+private:
+    SolverResult run_way(Way way) {
+        const Shape shape = way == Way::kBarrierOnSquares ? Shape::kSquares
+                            : way == Way::kBarrier        ? Shape::kTwoSided
+                                                          : Shape::kPlain;
+        const Reshaped reshaped(problem_, shape);
+        set_options(context_.session, context_.params, reshaped.problem(), context_.care);
+        context_.session.load(reshaped.problem());
+        SolverResult result = way == Way::kActiveSet ? run_active_set(reshaped.problem()) : run_barrier();
+        if (!result.pi.empty()) take(reshaped, result);
+        return result;
+    }
+
+    SolverResult run_barrier() {
+        context_.session.set_option("solver", "hipo");
+        return run_session(context_);
+    }
+
+    // In runs of a few iterations, each from where the one before ended: nothing but its own limits stops the method.
+    SolverResult run_active_set(const Problem& shaped) {
+        HighsSession& session = context_.session;
+        session.set_option("solver", "qpasm");
+        session.set_option("qp_allow_hot_start", true);
+        session.set_option("qp_regularization_value", is_definite() ? 0.0 : kRegularization);
+        const double size = static_cast<double>(shaped.num_cols()) + shaped.num_rows();
+        const int of_run = std::max(kFewIterations, static_cast<int>(std::min(1e6, kOperationsOfRun / (size * size))));
+        int left = kIterationsAlways + kIterationsForEach * (shaped.num_cols() + shaped.num_rows());
+        for (;;) {
+            const int of_params = iterations_left();
+            const int limit = std::min({of_run, left, of_params});
+            session.set_option("qp_iteration_limit", limit);
+            SolverResult result = run_session(context_);
+            if (result.outcome != Outcome::kIterationLimit) return result;
+            if (context_.monitor.poll() == Answer::kStop) {
+                result.outcome = Outcome::kStopped;
+                return result;
+            }
+            if (limit == of_params) return result;
+            left -= limit;
+            if (left > 0) continue;
+            context_.monitor.log("The active-set method takes many iterations\n");
+            result.outcome = Outcome::kUnknown;
+            return result;
+        }
+    }
+
+    int iterations_left() const {
+        const double left = context_.params.get_dbl(Param::IterationLimit) - context_.iterations;
+        return static_cast<int>(std::clamp(std::min(left, context_.monitor.iterations_left()), 0.0, 1e9));
+    }
+
+    // Whether each column has a square of its own.
+    bool is_definite() const { return problem_.squares->size() == problem_.num_cols(); }
+
+    void take(const Reshaped& reshaped, const SolverResult& result) {
+        std::vector<double> x(result.x.begin(), result.x.begin() + problem_.num_cols());
+        Candidate candidate = candidate_of(problem_, std::move(x), reshaped.multipliers(result.pi));
+        if (candidate.error() > kPrecise) candidate = polished(problem_, std::move(candidate));
+        if (!best_ || candidate.error() < best_->error()) best_ = std::move(candidate);
+    }
+
+    bool is_optimal(const Candidate& candidate) const {
+        return candidate.breach <= context_.params.get_dbl(Param::FeasibilityTol) &&
+               candidate.wrong <= context_.params.get_dbl(Param::OptimalityTol) && candidate.gap <= kLargestGap;
+    }
+
+    SolverResult with_best(SolverResult result) {
+        result.basis = {};
+        result.x.clear();
+        result.rc.clear();
+        result.pi.clear();
+        if (!best_) return result;
+        if (result.outcome != Outcome::kOptimal && best_->breach > context_.params.get_dbl(Param::FeasibilityTol))
+            return result;
+        result.objective = problem_.offset + value_of(problem_.quad, best_->x.data());
+        for (int j = 0; j < problem_.num_cols(); ++j) result.objective += problem_.cost[j] * best_->x[j];
+        result.bound = result.objective;
+        result.x = std::move(best_->x);
+        result.pi = std::move(best_->pi);
+        result.rc = std::move(best_->rc);
+        return result;
+    }
+
+    const Problem& problem_;
+    Context& context_;
+    std::optional<Candidate> best_;
+};
+
+void refuse_others(const ModelData& data, const Problem& problem) {
+    const char* what = problem.is_mip() ? "with integer or semi-continuous variables, or special ordered sets"
+                       : data.objectives.size() > 1 ? "in a model of several objectives"
+                                                    : nullptr;
+    if (what) throw Error(ZVN_ERROR_NOT_SUPPORTED, std::string("A quadratic objective ") + what + " can't be solved");
+}
+
+}  // namespace
+
+void recognize_objective(const ModelData& data, Problem& problem, Context& context) {
+    if (problem.quad.empty()) return;
+    refuse_others(data, problem);
+    const auto go_on = [&context] {
+        if (context.monitor.poll() == Answer::kStop || context.monitor.time_left() <= 0.0) throw Stopped();
+    };
+    std::optional<SumOfSquares> squares;
+    try {
+        squares = sum_of_squares(problem.quad, problem.sense, context.params.get_dbl(Param::PSDTol), go_on);
+    } catch (const Stopped&) {
+        return;  // so will the search
+    }
+    const char* shape = problem.sense > 0 ? "convex" : "concave";
+    if (!squares) {
+        throw Error(ZVN_ERROR_Q_NOT_PSD, std::string("The quadratic objective is not ") + shape + ", as " +
+                                             (problem.sense > 0 ? "minimizing" : "maximizing") + " it needs");
+    }
+    char line[128];
+    std::snprintf(line, sizeof line, "Quadratic objective with %zu terms: %s, %d squares\n", problem.quad.size(), shape,
+                  squares->size());
+    context.monitor.log(line);
+    problem.squares = std::make_shared<const SumOfSquares>(std::move(*squares));
+}
+
+SolverResult search_quadratic(const Problem& problem, Context& context) { return Search(problem, context).run(); }
+
+}  // namespace zelvan
