@@ -6,6 +6,7 @@
 #include <limits>
 
 #include "bridge/pwl_objective.h"
+#include "solve/convexity.h"
 
 namespace zelvan {
 
@@ -135,7 +136,7 @@ double sos_violation(const SosSets& sets, int k, const double* x) {
 }
 
 double main_objective(const ModelData& data, const double* x) {
-    double value = data.obj_constant + dot(data.cols.obj, x);
+    double value = data.obj_constant + dot(data.cols.obj, x) + value_of(data.quad_obj, x);
     const bool reversed = !data.objectives.empty() && data.objectives[0].weight < 0.0;
     const double direction = reversed ? -data.sense : data.sense;
     for (const auto& [j, points] : data.pwl_obj) value += pwl_value(points, x[j], direction);

@@ -35,7 +35,8 @@ inline double complementarity(double dual, double value, double lower, double up
     return std::fabs(gap) < kInfinityThreshold ? std::fabs(dual * gap) : 0.0;
 }
 
-// c'x with the constant and the piecewise-linear terms. In a model of several objectives that of number 0.
+// c'x with the constant, the quadratic and the piecewise-linear terms. In a model of several objectives that of number
+// 0.
 double main_objective(const ModelData& data, const double* x);
 
 struct Tolerances {

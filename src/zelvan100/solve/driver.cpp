@@ -191,8 +191,6 @@ void refuse_quadratic(const ModelData& data) {
     if (!data.quad_obj.empty() && data.objectives.size() > 1)
         throw Error(ZVN_ERROR_NOT_SUPPORTED,
                     "Solving for several objectives is not supported where the main one is quadratic");
-    if (!data.quad_obj.empty())
-        throw Error(ZVN_ERROR_NOT_SUPPORTED, "Solving with a quadratic objective is not supported");
 }
 
 Solution solve(Model& model) {
@@ -208,7 +206,7 @@ Solution solve(Model& model) {
     Indicators indicators(problem, std::ref(relaxation_bound));
     for (const Bridge& bridge : kBridges)
         if (bridge.is_needed(data)) bridge.build(data, problem, indicators);
-    recognize_objective(data, problem, context);
+    recognize_objective(problem, context);
     Solution solution =
         data.objectives.size() > 1
             ? solve_multi_objective(data, std::move(problem), {user_start(data), user_basis(data, monitor)}, context)

