@@ -36,7 +36,8 @@ class Program:
         """The model; its objective is the negative where it is maximized."""
         factor = -1.0 if maximize else 1.0
         n = len(self.cost)
-        m = env.new("", numpy.maximum(self.lb, -INFINITY).tolist(), numpy.minimum(self.ub, INFINITY).tolist(), [0.0] * n)
+        bounds = numpy.clip([self.lb, self.ub], -INFINITY, INFINITY).tolist()
+        m = env.new("", *bounds, [0.0] * n)
         for row, lower, upper in zip(self.A, self.lower, self.upper):
             entries = [(j, a) for j, a in enumerate(row) if a != 0]
             if lower == upper:
@@ -58,7 +59,8 @@ class Program:
         pi = factor * numpy.array(m.get("Pi", range(len(self.A)))) if len(self.A) else numpy.zeros(0)
         rc = factor * numpy.array(m.get("RC", range(len(self.cost))))
         activity = self.A @ x
-        assert rc == pytest.approx(self.cost + 2 * self.Q @ x - self.A.T @ pi, abs=1e-9 * (1 + abs(pi).max(initial=0)))
+        size = 1 + abs(self.cost) + 2 * abs(self.Q) @ abs(x) + abs(self.A.T) @ abs(pi)
+        assert (abs(rc - (self.cost + 2 * self.Q @ x - self.A.T @ pi)) <= 1e-13 * size).all()
         gap = 0.0
         sides = [(x, rc, self.lb, self.ub), (activity, pi, self.lower, self.upper)]
         for values, duals, lower, upper in sides:
@@ -69,7 +71,7 @@ class Program:
                 gap += abs(dual * (value - side)) if abs(side) < INF else 0.0
         objective = self.value(x)
         assert gap <= tolerance * (1 + abs(objective))
-        assert factor * m.get("ObjVal") == pytest.approx(objective, rel=1e-9, abs=1e-9)
+        assert factor * m.get("ObjVal") == pytest.approx(objective, rel=1e-12, abs=1e-13 * (size @ abs(x)))
         return objective
 
     def status(self):

@@ -10,6 +10,7 @@
 #include "solve/convexity.h"
 #include "solve/options.h"
 #include "solve/polish.h"
+#include "solve/recession.h"
 #include "solve/reshaped.h"
 
 namespace zelvan {
@@ -91,9 +92,7 @@ public:
             context_.monitor.log(std::string("Solving the quadratic program ") + text_of(way) + "\n");
             result = run_way(way);
             if (!is_within_limits(result.outcome) || result.outcome == Outcome::kInfeasible) break;
-            // A feasible point is what the check of the answer looks for then.
-            if (result.outcome == Outcome::kInfeasibleOrUnbounded) result.outcome = Outcome::kUnbounded;
-            if (result.outcome == Outcome::kUnbounded) break;
+            if (is_unlimited(result)) break;
             if (best_ && is_optimal(*best_)) {
                 result.outcome = Outcome::kOptimal;
                 break;
@@ -105,6 +104,15 @@ public:
     }
 
 private:
+    // Both methods call bounded problems unbounded at times. Where a direction shows that one is, the check of the answer
+    // looks for a feasible point.
+    bool is_unlimited(SolverResult& result) {
+        if (result.outcome != Outcome::kUnbounded && result.outcome != Outcome::kInfeasibleOrUnbounded) return false;
+        if (confirmed_direction(problem_, context_).empty()) return false;
+        result.outcome = Outcome::kUnbounded;
+        return true;
+    }
+
     SolverResult run_way(Way way) {
         const Shape shape = way == Way::kBarrierOnSquares ? Shape::kSquares
                             : way == Way::kBarrier        ? Shape::kTwoSided
@@ -119,7 +127,12 @@ private:
 
     SolverResult run_barrier() {
         context_.session.set_option("solver", "hipo");
-        return run_session(context_);
+        SolverResult result = run_session(context_);
+        // HiPO has a limit of its own.
+        const bool is_ours = context_.barrier_iterations >= context_.params.get_int(Param::BarIterLimit) ||
+                             context_.monitor.reaches_limit(context_.work);
+        if (result.outcome == Outcome::kIterationLimit && !is_ours) result.outcome = Outcome::kUnknown;
+        return result;
     }
 
     // In runs of a few iterations, each from where the one before ended: nothing but its own limits stops the method.
