@@ -3,7 +3,7 @@
 import pytest
 
 import zelvanpy
-from zelvanpy import ZVN, LinExpr, ZelvanError
+from zelvanpy import ZVN, LinExpr, QuadExpr, ZelvanError, quicksum
 
 
 def test_objective_is_replaced_whole(model):
@@ -43,6 +43,68 @@ def test_long_sums_by_plus_come_whole(model):
     assert content(model.getObjective(1)) == (3.0, [1.0] * 450)
     assert [row.RHS for row in rows[:3]] == [497.0, 4.0, 447.0]
     assert model.NumNZs == 450 + 449 + 450 + 450 + (model.NumVars - 450)
+
+
+def test_quadratic_objective(model):
+    x, y, z = (model.addVar(name=name) for name in "xyz")
+    model.update()
+    q = x * y + y * x + x * x - 0.5 * z * z + z * z - 0.5 * z * z + 2 * x + x + 7
+    model.setObjective(q, ZVN.MAXIMIZE)
+    assert q.size() == 6 and type(model.getObjective()) is LinExpr  # pending; the expression is only read
+    model.update()
+    objective = model.getObjective()
+    assert type(objective) is QuadExpr and str(objective) == "7.0 + 3.0 x + [ 2.0 x * y + x ^ 2 ]"
+    assert objective.getVar2(0) is y and (model.NumQNZs, model.IsQP, model.ModelSense) == (2, 1, -1)
+    assert type(model.getObjective(0)) is QuadExpr
+    model.NumObj = 2
+    model.update()
+    assert type(model.getObjective(1)) is LinExpr
+    model.NumObj = 1
+    model.setObjective(2 * model.getObjective() - z * x)
+    model.update()
+    assert str(model.getObjective()) == "14.0 + 6.0 x + [ 4.0 x * y + 2.0 x ^ 2 + -1.0 x * z ]"
+    long = QuadExpr()
+    for _ in range(250):
+        long = long + x * z + y
+    model.setObjective(long)
+    model.update()
+    assert str(model.getObjective()) == "250.0 y + [ 250.0 x * z ]"
+    for linear in (QuadExpr(z), z):
+        model.setObjective(linear)
+        model.update()
+        assert type(model.getObjective()) is LinExpr and str(model.getObjective()) == "z" and model.NumQNZs == 0
+
+
+def test_strangers_in_a_quadratic_objective(model):
+    x = model.addVar(name="x")
+    other = zelvanpy.Model(env=model._uenv)
+    foreign = other.addVar(name="f")
+    other.update()
+    model.update()
+    model.setObjective(3 * x * x)
+    for expr in (x * foreign, foreign * x + x * x, x * x + foreign, x * zelvanpy.Var(model._cmodel, -1)):
+        with pytest.raises(ZelvanError, match="Variable not in model") as caught:
+            model.setObjective(expr)
+        assert caught.value.errno == ZVN.ERROR_NOT_IN_MODEL
+    with pytest.raises(ZelvanError, match="Objective must be linear for multi-objective model") as caught:
+        model.setObjectiveN(x * x, 0)
+    assert caught.value.errno == -1
+    model.update()
+    assert str(model.getObjective()) == "0.0 + [ 3.0 x ^ 2 ]"
+    model.setObjective(x * x + 2 * x * foreign - 2 * foreign * x)  # terms that cancel
+    model.update()
+    assert str(model.getObjective()) == "0.0 + [ x ^ 2 ]"
+
+    class Sense:
+        def __int__(self):
+            q.__init__(x)
+            return -1
+
+    q = quicksum(x * x for _ in range(50))
+    model.setObjective(q, Sense())
+    model.update()
+    assert str(model.getObjective()) == "x" and model.ModelSense == -1
+    other.dispose()
 
 
 def content(expr):

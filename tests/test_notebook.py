@@ -8,7 +8,7 @@ import nbclient
 import nbformat
 
 import zelvanpy
-from zelvanpy import LinExpr, Model, quicksum
+from zelvanpy import LinExpr, Model, QuadExpr, quicksum
 
 ROOT = pathlib.Path(__file__).resolve().parent.parent
 
@@ -35,6 +35,15 @@ def test_html(env_silent):
     assert (x >= y)._repr_html_() == "%s ≥ <code>y</code>" % name
     assert ((y == 1) >> (x <= 1e100))._repr_html_() == "(<code>y</code> = 1) ⇒ (%s ≤ ∞)" % name
     assert (x == [1, "<"])._repr_html_() == name + " = <code>[1, '&lt;']</code>"
+    q = m.addConstr(3 * x * y - y * y + x <= 1.5, "q")
+    m.update()
+    assert q._repr_html_() == "<code>q</code>: … ≤ 1.5"
+    assert (3 * x * y - y * y + x - 1)._repr_html_() == f"{name} + 3 {name} <code>y</code> − <code>y</code>² − 1"
+    assert [e._repr_html_() for e in (QuadExpr(), QuadExpr(2.0), y * y <= 1)] == ["0", "2", "<code>y</code>² ≤ 1"]
+    assert "<th>Quadratic constraints</th><td>1</td>" in m._repr_html_()
+    squares = quicksum(v * v for v in [x] * 50) + y
+    assert squares._repr_html_().count("<code>") == 30 and "… (21 more terms)" in squares._repr_html_()
+    m.remove(q)
     many = quicksum(m.addVars(1000).values())
     for expr in (many, quicksum([many, 1.0])):
         m.update()

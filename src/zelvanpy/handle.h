@@ -29,6 +29,9 @@ inline bool is_var(py::handle h) { return Py_TYPE(h.ptr()) == Var_Type || PyObje
 inline bool is_constr(py::handle h) {
     return Py_TYPE(h.ptr()) == Constr_Type || PyObject_TypeCheck(h.ptr(), Constr_Type);
 }
+inline bool is_qconstr(py::handle h) {
+    return Py_TYPE(h.ptr()) == QConstr_Type || PyObject_TypeCheck(h.ptr(), QConstr_Type);
+}
 inline Handle* as_handle(py::handle h) { return reinterpret_cast<Handle*>(h.ptr()); }
 
 // What a Model begins with, which is all that handles and attributes need of it.

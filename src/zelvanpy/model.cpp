@@ -232,6 +232,7 @@ PyGetSetDef properties[] = {
 PyMethodDef* const method_tables[] = {life_methods,
                                       model_update_methods,
                                       model_list_methods,
+                                      model_coeff_methods,
                                       model_file_methods,
                                       model_attr_methods,
                                       model_param_methods,

@@ -64,6 +64,7 @@ inline bool model_owns(const Model& model, const Handle* handle) { return handle
 // Methods by unit, each ended by an empty entry; model.cpp joins them into one table.
 extern PyMethodDef model_update_methods[];
 extern PyMethodDef model_list_methods[];
+extern PyMethodDef model_coeff_methods[];
 extern PyMethodDef model_file_methods[];
 extern PyMethodDef model_attr_methods[];
 extern PyMethodDef model_param_methods[];

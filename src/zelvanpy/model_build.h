@@ -3,7 +3,9 @@
 
 #include <vector>
 
+#include "exception.h"
 #include "model.h"
+#include "model_lists.h"
 #include "quadexpr.h"
 
 namespace zelvanpy {
@@ -69,5 +71,17 @@ bool owns_terms(const Model& model, const QuadExpr* expr);
 void append_quadratic(const Model& model, const LibraryQuadTerms& terms, QuadExpr* expr);
 // The LinExpr itself when it is flat, otherwise a flattened copy.
 py::object flat_copy(py::handle expr);
+
+// Queues an object by `call`, which gives the library's code, and lists its handle, which comes from new_member().
+template <class Call>
+py::object add_object(Model& self, Kind kind, py::object handle, Call call) {
+    require_member(self, handle);
+    const ListRow& row = list_row(kind);
+    const bool indexed = row.live && model_update_mode(self) == 1;
+    check(call(model_pointer(self)), as_object(self));
+    if (indexed) as_handle(handle)->index = static_cast<int>(PyList_GET_SIZE(self.*row.list));
+    checked(PyList_Append(self.*row.list, handle.ptr()));
+    return handle;
+}
 
 }  // namespace zelvanpy

@@ -7,9 +7,9 @@
 #include "exception.h"
 #include "linexpr.h"
 #include "model.h"
-#include "model_build.h"
 #include "model_build_key.h"
 #include "model_build_names.h"
+#include "model_build_rows.h"
 #include "pyargs.h"
 #include "pyiter.h"
 #include "tempconstr.h"
@@ -19,135 +19,13 @@ namespace zelvanpy {
 
 namespace {
 
-const char* const kInvalid = "Invalid argument to Model.addConstr";
 const char* const kInvalidL = "Invalid argument to Model.addLConstr";
 const char* const kComparison = "a comparison such as x + y <= 1";
-
-char sense_argument(PyObject* sense) { return letter_argument(sense, {nullptr, "sense"}, "'<', '>' or '='"); }
 
 // A side of a range row is infinite from here on.
 constexpr double kRangeInfinity = 1e25;
 
 bool given(PyObject* argument) { return argument && argument != Py_None; }
-
-bool is_empty(PyObject* name) { return !name || (PyUnicode_Check(name) && PyUnicode_GetLength(name) == 0); }
-
-// The name of a row as the library takes it; missing means none. It is converted before the model is looked at, as
-// that may run code, but one that doesn't convert is refused when it is used, behind what else is to be refused.
-class RowName {
-public:
-    explicit RowName(PyObject* name) {
-        try {
-            text_.emplace(is_empty(name) ? kNoName.get() : name);
-        } catch (...) {
-            translate_exception();
-            refusal_.emplace();
-        }
-    }
-    operator const char*() const {
-        if (!text_) throw py::error_already_set(*refusal_);
-        return *text_;
-    }
-
-private:
-    static const Name kNoName;
-    std::optional<CString> text_;
-    std::optional<py::error_already_set> refusal_;
-};
-const Name RowName::kNoName("");
-
-// ---- rows from expressions
-
-struct Row {
-    char sense = ZVN_LESS_EQUAL;
-    double lower = -ZVN_INFINITY;  // not infinite: a range row
-    double upper = 0.0;
-};
-
-// `constr` comes from new_member().
-py::object add_buffered_row(Model& self, py::object constr, LibraryTerms& terms, const Row& row, const char* name) {
-    terms.clean();
-    require_member(self, constr);
-    const bool indexed = model_update_mode(self) == 1;
-    ZVNmodel* model = model_pointer(self);
-    const int code = row.lower == -ZVN_INFINITY
-                         ? ZVNaddconstr(model, terms.size(), terms.ind(), terms.val(), row.sense, row.upper, name)
-                         : ZVNaddrangeconstr(model, terms.size(), terms.ind(), terms.val(), row.lower, row.upper, name);
-    check(code, as_object(self));
-    if (indexed) as_handle(constr)->index = static_cast<int>(PyList_GET_SIZE(self.constrs));
-    checked(PyList_Append(self.constrs, constr.ptr()));
-    return constr;
-}
-
-[[noreturn]] void refuse_expression(py::handle expr) {
-    PyErr_Format(PyExc_TypeError, "A constraint takes variables, linear expressions and numbers, not %U",
-                 shown_value(expr).ptr());
-    raise_zelvan_from_set(0, kInvalid);
-}
-
-// The worker of all rows: the constant of the expression moves to the sides. A given sense replaces that of the row.
-py::object add_row(Model& self, py::handle expr, Row row, PyObject* name, PyObject* sense = nullptr) {
-    model_setup(self);
-    py::object linear = borrow(expr);
-    if (is_var(expr) || (!is_linexpr(expr) && is_scalar(expr)))
-        linear = steal(PyObject_CallFunctionObjArgs(reinterpret_cast<PyObject*>(LinExpr_Type), expr.ptr(), nullptr));
-    if (!is_linexpr(linear)) refuse_expression(linear);
-    if (sense) row.sense = sense_argument(sense);
-    const RowName text(name);
-    py::object constr = new_member(self, Constr_Type);
-    const py::object flat = flat_copy(linear);
-    const LinExpr* terms = as_linexpr(flat);
-    row.upper -= terms->constant;
-    if (row.lower != -ZVN_INFINITY) row.lower -= terms->constant;
-    CallBuffer buffer;
-    append_terms(self, terms, 1.0, *buffer);
-    return add_buffered_row(self, std::move(constr), *buffer, row, text);
-}
-
-// The right side of a comparison where it needs no difference of expressions: terms to subtract, or none.
-struct RightSide {
-    double constant = 0.0;
-    Handle* var = nullptr;
-    py::object expr;  // flat LinExpr
-
-    // Whether the operand is one of those that aren't left to the operators.
-    static bool takes(py::handle operand) {
-        PyTypeObject* const type = Py_TYPE(operand.ptr());
-        if (type == &PyFloat_Type) return !std::isnan(PyFloat_AS_DOUBLE(operand.ptr()));
-        return type == &PyLong_Type || type == Var_Type || type == LinExpr_Type;
-    }
-    explicit RightSide(py::handle operand) {
-        if (Py_TYPE(operand.ptr()) == Var_Type) {
-            var = as_handle(operand);
-        } else if (Py_TYPE(operand.ptr()) == LinExpr_Type) {
-            expr = flat_copy(operand);
-            constant = as_linexpr(expr)->constant;
-        } else {
-            constant = checked_double(PyFloat_AsDouble(operand.ptr()));
-        }
-    }
-};
-
-// lhs - rhs as a row without the difference as an object, where both sides are of the module's own types.
-bool add_difference(Model& self, TempConstr* constr, PyObject* name, py::object& result) {
-    if (Py_TYPE(constr->lhs) != LinExpr_Type) return false;
-    const py::object lhs = borrow(constr->lhs), rhs = borrow(constr->rhs);  // the next line runs code of subclasses
-    model_setup(self);
-    if (!RightSide::takes(rhs)) return false;
-    const char sense = sense_letter(*constr);
-    const RowName text(name);
-    py::object handle = new_member(self, Constr_Type);
-    const RightSide right(rhs);
-    const py::object left = flat_copy(lhs);
-    const LinExpr* terms = as_linexpr(left);
-    const Row row{sense, -ZVN_INFINITY, right.constant - terms->constant};
-    CallBuffer buffer;
-    append_terms(self, terms, 1.0, *buffer);
-    if (right.var) append_var(self, right.var, -1.0, *buffer);
-    if (right.expr) append_terms(self, as_linexpr(right.expr), -1.0, *buffer);
-    result = add_buffered_row(self, std::move(handle), *buffer, row, text);
-    return true;
-}
 
 py::object difference(PyObject* lhs, PyObject* rhs) {
     const py::object left = borrow(lhs), right = borrow(rhs ? rhs : Py_None);
@@ -159,8 +37,8 @@ py::object explicit_difference(const char* function, PyObject* lhs, PyObject* rh
     try {
         return difference(lhs, rhs);
     } catch (const PythonError&) {
-        const bool is_operand =
-            is_var(lhs) || is_linexpr(lhs) || PyUnicode_Check(lhs) || PyFloat_Check(lhs) || PyLong_Check(lhs);
+        const bool is_operand = is_var(lhs) || is_linexpr(lhs) || is_quadexpr(lhs) || PyUnicode_Check(lhs) ||
+                                PyFloat_Check(lhs) || PyLong_Check(lhs);
         if (given(rhs) || !is_operand || !PyErr_ExceptionMatches(PyExc_TypeError)) throw;
     }
     PyErr_Clear();
@@ -277,8 +155,8 @@ py::object add_linear(Model& self, const LinearSide& lhs, const LinearSide& rhs,
     CallBuffer buffer;
     append_side(lhs, 1.0, *buffer);
     append_side(rhs, -1.0, *buffer);
-    return add_buffered_row(self, std::move(constr), *buffer, {sense, -ZVN_INFINITY, rhs.constant() - lhs.constant()},
-                            text);
+    return add_linear_row(self, std::move(constr), *buffer, {sense, -ZVN_INFINITY, rhs.constant() - lhs.constant()},
+                          text);
 }
 
 py::object add_linear_comparison(Model& self, TempConstr* constr, PyObject* sense, PyObject* rhs, PyObject* name) {
@@ -310,14 +188,19 @@ const Signature<4> kAddQConstr{"addQConstr", 1, {Name("lhs"), Name("sense"), Nam
 const Signature<4> kAddRange{"addRange", 3, {Name("expr"), Name("lower"), Name("upper"), Name("name")}};
 const Signature<2> kAddConstrs{"addConstrs", 1, {Name("constrs"), Name("name")}};
 
+// lhs - rhs of a comparison as a row
+py::object add_sides(Model& self, TempConstr* constr, PyObject* name) {
+    py::object result;
+    if (add_difference(self, constr, name, result)) return result;
+    return add_row(self, difference(constr->lhs, constr->rhs), {sense_letter(*constr)}, name);
+}
+
 py::object add_comparison(Model& self, TempConstr* constr, PyObject* sense, PyObject* name) {
     if (constr->sense == 'I') refuse_indicator(constr);
     if (constr->sense == ZVN_EQUAL && (PyTuple_Check(constr->rhs) || PyList_Check(constr->rhs)))
         return add_range_form(self, constr, name);
     if (given(sense)) name = sense;
-    py::object result;
-    if (add_difference(self, constr, name, result)) return result;
-    return add_row(self, difference(constr->lhs, constr->rhs), {sense_letter(*constr)}, name);
+    return add_sides(self, constr, name);
 }
 
 py::object add_constr(Model& self, PyObject* lhs, PyObject* sense, PyObject* rhs, PyObject* name) {
@@ -364,9 +247,8 @@ py::object Model_addLConstr(Model& self, Args args) {
 py::object Model_addQConstr(Model& self, Args args) {
     auto [lhs, sense, rhs, name] = kAddQConstr.parse(args);
     if (is_tempconstr(lhs)) {
-        const TempConstr* constr = reinterpret_cast<TempConstr*>(lhs);
-        const py::object expr = difference(constr->lhs, constr->rhs);
-        return add_row(self, expr, {sense_letter(*constr)}, given(sense) ? sense : name);
+        const py::object keep = borrow(lhs);
+        return add_sides(self, reinterpret_cast<TempConstr*>(lhs), given(sense) ? sense : name);
     }
     if (PyBool_Check(lhs)) return add_row(self, constant_row(lhs == Py_True), {ZVN_LESS_EQUAL}, name);
     if (lhs == Py_None)
@@ -425,9 +307,9 @@ py::object Model_addConstrs(Model& self, Args args) {
 PyMethodDef model_build_constr_methods[] = {
     {"addConstr", method<Model_addConstr>, kKeywords,
      "addConstr($self, lhs, sense=None, rhs=None, name='')\n--\n\n"
-     "Add one constraint and return its handle.\n\n"
-     "lhs: a comparison of expressions (x + y <= 1), a range (x + y == [1, 2]), or a bool (True is a row that\n"
-     "holds, False one that doesn't). The name may stand in second place: addConstr(x <= 1, 'c').\n"
+     "Add one constraint and return its handle: a QConstr where a side has products, otherwise a Constr.\n\n"
+     "lhs: a comparison of expressions (x + y <= 1, x*x + y*y <= z*z), a range (x + y == [1, 2]), or a bool (True is\n"
+     "a row that holds, False one that doesn't). The name may stand in second place: addConstr(x <= 1, 'c').\n"
      "With lhs an expression, sense and rhs given, the form is deprecated in favour of addLConstr.\n"
      "Raises ZelvanError with ZVN.ERROR_NOT_IN_MODEL for a variable of another model or without index."},
     {"addLConstr", method<Model_addLConstr>, kKeywords,
@@ -439,7 +321,8 @@ PyMethodDef model_build_constr_methods[] = {
      "addRange($self, expr, lower, upper, name='')\n--\n\n"
      "Add the constraint lower <= expr <= upper and return its Constr. Sides beyond +-1e25 count as infinite.\n\n"
      "Under UpdateMode 1 a row with two finite sides gets a helper variable, which the next update() appends\n"
-     "behind the other new variables; under UpdateMode 0 it is kept as one two-sided row."},
+     "behind the other new variables; under UpdateMode 0 it is kept as one two-sided row.\n"
+     "Of a quadratic expression only the upper side counts, as a QConstr has but one."},
     {"addConstrs", method<Model_addConstrs>, kKeywords,
      "addConstrs($self, constrs, name='')\n--\n\n"
      "Add the constraints of a generator expression and return a tupledict from its loop variables to handles.\n\n"
@@ -448,8 +331,8 @@ PyMethodDef model_build_constr_methods[] = {
      "    m.addConstrs((x[i] + y[j] <= 1 for i in I for j in J), name='c')"},
     {"addQConstr", method<Model_addQConstr>, kKeywords,
      "addQConstr($self, lhs, sense=None, rhs=None, name='')\n--\n\n"
-     "Add one constraint from a comparison, or from lhs, sense and rhs, and return its handle; a linear one\n"
-     "becomes a Constr."},
+     "Add one constraint from a comparison, or from lhs, sense and rhs, and return its handle: a QConstr, or a Constr\n"
+     "where no side has products."},
     {},
 };
 

@@ -329,19 +329,11 @@ py::object Model_addVar(Model& self, Args args) {
     const double cost = obj ? number_argument(obj, {"addVar", "obj"}) : 0.0;
     py::object var = new_member(self, Var_Type);
     const auto add = [&](const char* text) {
-        require_member(self, var);  // making the text may have run code
-        const bool indexed = model_update_mode(self) == 1;
-        check(ZVNaddvar(model_pointer(self), entries.size(), entries.ind(), entries.val(), cost, lower, upper, type,
-                        text),
-              as_object(self));
-        if (indexed) as_handle(var)->index = static_cast<int>(PyList_GET_SIZE(self.vars));
-        checked(PyList_Append(self.vars, var.ptr()));
+        return add_object(self, Kind::kVar, var, [&](ZVNmodel* model) {
+            return ZVNaddvar(model, entries.size(), entries.ind(), entries.val(), cost, lower, upper, type, text);
+        });
     };
-    if (!name || is_empty_string(name))
-        add(nullptr);
-    else
-        add(CString(name));
-    return var;
+    return !name || is_empty_string(name) ? add(nullptr) : add(CString(name));
 }
 
 py::object Model_addVars(Model& self, Args args) {

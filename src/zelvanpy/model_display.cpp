@@ -6,9 +6,9 @@
 #include <memory>
 #include <string>
 
-#include "linexpr.h"
 #include "model.h"
 #include "pycontainer.h"
+#include "quadexpr.h"
 #include "statusconst.h"
 #include "tempconstr.h"
 #include "var.h"
@@ -66,28 +66,65 @@ std::string var_html(Handle* var) {
     return code(safe_name(var).text);
 }
 
-std::string linexpr_html(py::handle expr) {
-    // A copy: the texts of variables may be made by code that changes the expression.
-    const py::object flat =
-        py::reinterpret_steal<py::object>(reinterpret_cast<PyObject*>(linexpr_copy(as_linexpr(expr))));
-    linexpr_flatten(as_linexpr(flat));
-    const LinExpr* e = as_linexpr(flat);
-    std::string html;
-    for (std::uint32_t i = 0; i < std::min(e->size, kShownTerms); ++i) {
-        const double coeff = e->terms[i].coeff;
-        html += sign(coeff, i == 0);
-        if (std::abs(coeff) != 1.0) html += number(std::abs(coeff)) + " ";
-        html += var_html(e->terms[i].var);
+// A sum under construction, of which the first terms are shown.
+class SumHtml {
+public:
+    bool is_full() const { return terms_ >= kShownTerms; }
+    void add(double coeff, const std::string& product) {
+        html_ += sign(coeff, terms_++ == 0);
+        if (std::abs(coeff) != 1.0) html_ += number(std::abs(coeff)) + " ";
+        html_ += product;
     }
-    if (e->size > kShownTerms) html += " + … (" + std::to_string(e->size - kShownTerms) + " more terms)";
-    if (e->constant != 0.0 || e->size == 0) html += sign(e->constant, e->size == 0) + number(std::abs(e->constant));
-    return html;
+    std::string finish(std::size_t all_terms, double constant) && {
+        if (all_terms > terms_) html_ += " + … (" + std::to_string(all_terms - terms_) + " more terms)";
+        if (constant != 0.0 || terms_ == 0) html_ += sign(constant, terms_ == 0) + number(std::abs(constant));
+        return std::move(html_);
+    }
+
+private:
+    std::string html_;
+    std::size_t terms_ = 0;
+};
+
+void add_linear(SumHtml& sum, const LinExpr* e) {
+    for (std::uint32_t i = 0; i < e->size && !sum.is_full(); ++i) sum.add(e->terms[i].coeff, var_html(e->terms[i].var));
+}
+
+void add_quadratic(SumHtml& sum, const QuadExpr* e) {
+    for (std::uint32_t i = 0; i < e->size && !sum.is_full(); ++i) {
+        const QuadTerm& term = e->terms[i];
+        const std::string first = var_html(term.var1);
+        sum.add(term.coeff, term.var1 == term.var2 ? first + "²" : first + " " + var_html(term.var2));
+    }
+}
+
+// Works on a copy: the texts of variables may be made by code that changes the expression.
+std::string linexpr_html(py::handle expr) {
+    const py::object flat = owned(linexpr_copy(as_linexpr(expr)));
+    const LinExpr* e = as_linexpr(flat);
+    linexpr_flatten(as_linexpr(flat));
+    SumHtml sum;
+    add_linear(sum, e);
+    return std::move(sum).finish(e->size, e->constant);
+}
+
+std::string quadexpr_html(py::handle expr) {
+    const py::object flat = owned(quadexpr_copy(as_quadexpr(expr)));
+    const QuadExpr* e = as_quadexpr(flat);
+    quadexpr_flatten(as_quadexpr(flat));
+    const LinExpr* linear = linear_part(as_quadexpr(flat));
+    linexpr_flatten(linear_part(as_quadexpr(flat)));
+    SumHtml sum;
+    add_linear(sum, linear);
+    add_quadratic(sum, e);
+    return std::move(sum).finish(std::size_t{linear->size} + e->size, linear->constant);
 }
 
 std::string tempconstr_html(py::handle constr);
 
 std::string side_html(py::handle side) {
     if (is_linexpr(side)) return linexpr_html(side);
+    if (is_quadexpr(side)) return quadexpr_html(side);
     if (is_var(side)) return var_html(as_handle(side));
     if (is_tempconstr(side)) return "(" + tempconstr_html(side) + ")";
     if (PyFloat_CheckExact(side.ptr())) return number(PyFloat_AS_DOUBLE(side.ptr()));
@@ -129,18 +166,22 @@ PyObject* Var_html(Handle& self) {
     return html_of(html);
 }
 
-PyObject* Constr_html(Handle& self) {
+// A constraint by its name, sense and right side, whose attributes are named.
+PyObject* row_html(Handle& self, const char* name_attr, const char* sense_attr, const char* rhs_attr) {
     char *name = nullptr, sense = 0;
     double rhs;
     ZVNmodel* model = model_pointer(self.cmodel);
-    if (!element(self, "RHS", rhs) || ZVNgetcharattrelement(model, "Sense", self.cindex(), &sense) ||
-        ZVNgetstrattrelement(model, "ConstrName", self.cindex(), &name))
+    if (!element(self, rhs_attr, rhs) || ZVNgetcharattrelement(model, sense_attr, self.cindex(), &sense) ||
+        ZVNgetstrattrelement(model, name_attr, self.cindex(), &name))
         return html_of(code(steal(PyObject_Repr(reinterpret_cast<PyObject*>(&self)))));
     const std::string sign = sense == '<' ? "≤" : sense == '>' ? "≥" : "=";
     return html_of(code(message_to_str(name)) + ": … " + sign + " " + number(rhs));
 }
 
+PyObject* Constr_html(Handle& self) { return row_html(self, "ConstrName", "Sense", "RHS"); }
+PyObject* QConstr_html(Handle& self) { return row_html(self, "QCName", "QCSense", "QCRHS"); }
 PyObject* LinExpr_html(py::handle self) { return html_of(linexpr_html(self)); }
+PyObject* QuadExpr_html(py::handle self) { return html_of(quadexpr_html(self)); }
 PyObject* TempConstr_html(py::handle self) { return html_of(tempconstr_html(self)); }
 
 PyObject* Model_html(Model& self) {
@@ -159,6 +200,7 @@ PyObject* Model_html(Model& self) {
     row("Sense", int_attribute(model, "ModelSense") < 0 ? "maximize" : "minimize");
     row("Variables", count("NumVars") + " (" + count("NumIntVars") + " integer)");
     row("Constraints", count("NumConstrs"));
+    if (int_attribute(model, "NumQConstrs") > 0) row("Quadratic constraints", count("NumQConstrs"));
     row("Nonzeros", count("NumNZs"));
     row("Status", status_name(status));
     if (has_solution(model) && !ZVNgetdblattr(model, "ObjVal", &objective)) row("Objective", number(objective));
@@ -174,7 +216,9 @@ struct Display {
 Display displays[] = {
     {&Var_Type, {"_repr_html_", method<Var_html>, METH_NOARGS, kDoc}},
     {&Constr_Type, {"_repr_html_", method<Constr_html>, METH_NOARGS, kDoc}},
+    {&QConstr_Type, {"_repr_html_", method<QConstr_html>, METH_NOARGS, kDoc}},
     {&LinExpr_Type, {"_repr_html_", method<LinExpr_html>, METH_NOARGS, kDoc}},
+    {&QuadExpr_Type, {"_repr_html_", method<QuadExpr_html>, METH_NOARGS, kDoc}},
     {&TempConstr_Type, {"_repr_html_", method<TempConstr_html>, METH_NOARGS, kDoc}},
     {&Model_Type, {"_repr_html_", method<Model_html>, METH_NOARGS, kDoc}},
 };

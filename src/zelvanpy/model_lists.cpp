@@ -146,6 +146,10 @@ py::object Model_getConstrByName(Model& self, Args args) {
     return handle_by_name<Kind::kConstr, ZVNgetconstrbyname>(self, "getConstrByName", args);
 }
 
+py::object Model_getQConstrByName(Model& self, Args args) {
+    return handle_by_name<Kind::kQConstr, ZVNgetqconstrbyname>(self, "getQConstrByName", args);
+}
+
 py::object Model_owns(Model& self, py::handle object) {
     const py::object cmodel = object.attr("_cmodel"), own = borrow(self.cmodel);
     return boolean(checked(PyObject_RichCompareBool(cmodel.ptr(), own.ptr(), Py_EQ)));
@@ -220,6 +224,9 @@ PyMethodDef model_list_methods[] = {
     {"getConstrByName", method<Model_getConstrByName>, kKeywords,
      "getConstrByName($self, name)\n--\n\n"
      "The linear constraint of that name as of the last update, None when there is none."},
+    {"getQConstrByName", method<Model_getQConstrByName>, kKeywords,
+     "getQConstrByName($self, name)\n--\n\n"
+     "The quadratic constraint of that name as of the last update, None when there is none."},
     {"_owns", method<Model_owns>, METH_O,
      "_owns($self, object, /)\n--\n\nWhether the object belongs to the same library model (bool)."},
     {"_Model__setup", method<Model_setup>, kKeywords,

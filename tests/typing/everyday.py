@@ -3,7 +3,7 @@
 import pathlib
 
 import zelvanpy
-from zelvanpy import ZVN, Constr, LinExpr, QuadExpr, Var, tupledict
+from zelvanpy import ZVN, Constr, LinExpr, QConstr, QuadExpr, Var, tupledict
 
 goods = ["bread", "milk"]
 demand = {"bread": 3.0, "milk": 4}
@@ -32,6 +32,12 @@ with zelvanpy.Env(empty=True) as env:
         risk.addTerms([1.0], [y], [one[0]])
         part: LinExpr = risk.getLinExpr()
         m.setObjective(part + risk)
+        cone: QConstr = m.addConstr(y * y + one[0] * one[0] <= one[1] ** 2, "cone")
+        product: QConstr = m.addQConstr(one[2] == y * one[0])
+        m.addConstrs((buy[g] * y <= demand[g] for g in goods), name="each")
+        cone.QCRHS = 1.5
+        left: QuadExpr = m.getQCRow(product)
+        print(cone.QCSlack, left.getVar1(0).X, m.getQConstrByName("cone"))
         m.ModelSense = ZVN.MINIMIZE
         m.Params.TimeLimit = 10
         m.Params.MIPGap = 1e-3
