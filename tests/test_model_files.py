@@ -234,7 +234,7 @@ def faulty_mps(old, new):
         (faulty_mps("UP B x", "UP B q"), 20, "unknown column 'q'"),
         (faulty_mps("UP B x 4", "FX B x 1e25"), 20, "wrong side of infinity"),
         (faulty_mps("UP B x 4", "UP B"), 20, "expected a bound"),
-        (faulty_mps("BOUNDS", "QUADOBJ"), 19, "section QUADOBJ is not supported"),
+        (faulty_mps("BOUNDS", "CSECTION"), 19, "section CSECTION is not supported"),
         (faulty_mps("BOUNDS", "SOS2"), 19, "section SOS2 is not supported"),
         (faulty_mps("BOUNDS\n", "SOS\n x 1\n"), 20, "'x' is no type of a set, expected S1 or S2"),
         (faulty_mps("BOUNDS\n", "SOS\n S1 a\n w 1\n"), 21, "unknown column 'w'"),
@@ -366,8 +366,6 @@ def test_lp_keywords(env, tmp_path, keyword, sense):
         ("min x\nst\nc: 4 <= x <= 1\nEnd\n", 3, "exclude each other"),
         ("min x\nst\nc: x >= inf\nEnd\n", 3, "wrong side of infinity"),
         ("min 1e99 x\nst\nEnd\n", 1, "coefficient of 'x' is too large"),
-        ("min [ x ^2 ] / 2\nst\nEnd\n", 1, "quadratic terms are not supported"),
-        ("min x * y\nst\nEnd\n", 1, "quadratic terms are not supported"),
         ("min x\nst\nc: b = 1 -> x >= 3\nEnd\n", 3, "indicator constraints are not supported"),
         ("min x\nst\nc: x >= 1\nBounds\n y <= 3\nEnd\n", 5, "found 'y', expected a variable of the objective"),
         ("min x\nst\nc: x >= 1\nBounds\n x <= nan\nEnd\n", 5, "found 'nan', expected a number"),
@@ -396,11 +394,9 @@ def test_lp_faults(env, tmp_path, text, line, words):
 
 # --- real instances, and HiGHS as second opinion --------------------------------------------------------------------
 
-REFUSED = ("primal1.mps", "qjh_quadobj.mps")  # quadratic
-
 
 def instances(shared_data):
-    return sorted(p for p in shared_data.iterdir() if p.suffix in (".mps", ".lp") and p.name not in REFUSED)
+    return sorted(p for p in shared_data.iterdir() if p.suffix in (".mps", ".lp"))
 
 
 def test_instances_round_trip(env, shared_data, tmp_path):
@@ -426,44 +422,61 @@ def numbered(content):
         [("C%d" % j, *column[1:]) for j, column in enumerate(content.columns)],
         [("R%d" % i, *row[1:]) for i, row in enumerate(content.rows)],
         content.sets,
+        content.quadratic,
+        [("QC%d" % i, *row[1:]) for i, row in enumerate(content.quadratic_rows)],
     )
 
 
 def check_names(written, read_back, warning):
     """As many as the warning says have a default name instead of their own; the names tell all apart."""
-    kinds = (("C", "variable", written.columns, read_back.columns), ("R", "constraint", written.rows, read_back.rows))
+    kinds = [
+        ("C", "variable", written.columns, read_back.columns),
+        ("R", "constraint", written.rows, read_back.rows),
+        ("QC", "quadratic constraint", written.quadratic_rows, read_back.quadratic_rows),
+    ]
     for letter, noun, before, after in kinds:
         assert len({part[0] for part in after}) == len(after)
         replaced = [i for i, (one, other) in enumerate(zip(before, after)) if one[0] != other[0]]
         assert all(after[i][0].rstrip("_") == letter + str(i) for i in replaced)
         told = re.search(r"(\d+) %ss? numbered" % noun, warning)
         assert int(told.group(1) if told else 0) == len(replaced)
+    rows_ = read_back.rows + read_back.quadratic_rows
+    assert len({row[0] for row in rows_}) == len(rows_)
 
 
 def highs_content(path):
-    """Columns (type number, lb, ub, obj) and rows (lower, upper, entries) as HiGHS reads them."""
+    """Columns (type number, lb, ub, obj), rows (lower, upper, entries) and the objective's quadratic terms as HiGHS
+    reads them."""
     highs = highs_library()
     highs.Highs_create.restype = ctypes.c_void_p
     handle = ctypes.c_void_p(highs.Highs_create())
     try:
         highs.Highs_setBoolOptionValue(handle, b"output_flag", 0)
         assert highs.Highs_readModel(handle, str(path).encode()) in (0, 1)
-        n, m, nz = (getattr(highs, "Highs_getNum" + what)(handle) for what in ("Col", "Row", "Nz"))
-        integers = [ctypes.c_int() for _ in range(4)]
+        sizes = ("NumCol", "NumRow", "NumNz", "HessianNumNz")
+        n, m, nz, qnz = (getattr(highs, "Highs_get" + what)(handle) for what in sizes)
+        integers = [ctypes.c_int() for _ in range(5)]
         offset = ctypes.c_double()
         columns = [array(ctypes.c_double, n * [0]) for _ in range(3)]
         sides = [array(ctypes.c_double, m * [0]) for _ in range(2)]
         start, index = array(ctypes.c_int, (m + 1) * [0]), array(ctypes.c_int, nz * [0])
         value, kind = array(ctypes.c_double, nz * [0]), array(ctypes.c_int, n * [0])
+        hessian = [array(kind_, size * [0]) for kind_, size in ((ctypes.c_int, n + 1), (ctypes.c_int, qnz))]
+        hessian.append(array(ctypes.c_double, qnz * [0]))
         pointers = [ctypes.byref(x) for x in [*integers, offset]]
-        code = highs.Highs_getLp(handle, 2, *pointers, *columns, *sides, start, index, value, kind)
-        assert code == 0
+        arrays = [*columns, *sides, start, index, value, *hessian, kind]
+        assert highs.Highs_getModel(handle, 2, 1, *pointers, *arrays) == 0
         obj, lb, ub = (list(a[:n]) for a in columns)
         kinds = list(kind[:n]) if any(kind[:n]) else n * [0]
         starts = [*start[:m], nz]
         entries = [sorted(zip(index[s:e], value[s:e])) for s, e in zip(starts, starts[1:])]
         rows_ = list(zip(sides[0][:m], sides[1][:m], entries))
-        return integers[3].value, offset.value, list(zip(kinds, lb, ub, obj)), rows_
+        ends = [*hessian[0][1:n], qnz] if qnz else []
+        col_of = [j for j, (s, e) in enumerate(zip(hessian[0], ends)) for _ in range(s, e)]
+        # Of the matrix Q in x'Qx / 2 one triangle is given.
+        terms = {(min(i, j), max(i, j)): v if i != j else v / 2 for i, j, v in zip(hessian[1], col_of, hessian[2])}
+        terms = {pair: value for pair, value in terms.items() if value}
+        return integers[4].value, offset.value, list(zip(kinds, lb, ub, obj)), rows_, terms
     finally:
         highs.Highs_destroy(handle)
 
@@ -482,7 +495,7 @@ def as_highs(content):
         # HiGHS drops coefficients up to this size.
         entries = [(j, value) for j, value in entries if abs(value) > 1e-9]
         rows_.append((rhs if sense in "=>" else -float("inf"), rhs if sense in "=<" else float("inf"), entries))
-    return content.sense, content.constant, columns, rows_
+    return content.sense, content.constant, columns, rows_, {(i, j): value for i, j, value in content.quadratic}
 
 
 def test_instances_as_highs_reads_them(env, shared_data, tmp_path):

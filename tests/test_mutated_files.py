@@ -23,10 +23,11 @@ ROWS
  N g
  L a
  G b
+ L qc
  E c
 COLUMNS
     x o 1 a 2
-    x g -1
+    x g -1 qc 3
     M1 'MARKER' 'INTORG'
     y a 1 b 2
     M2 'MARKER' 'INTEND'
@@ -46,6 +47,13 @@ BOUNDS
  LO BND n 1
  FR BND w
  LI BND y -3
+QUADOBJ
+    x x 2 y -1
+    y s 0.5
+QCMATRIX qc
+    x x 1
+    x y 0.25
+    y x 0.25
 PWLOBJ
     w -1 0
     w 0 2
@@ -63,12 +71,13 @@ ENDATA
 ALL_LP = """\
 \\ Model name: all of it
 Maximize
- o: 2 x + 3 y - z + 4
+ o: 2 x + 3 y - z + [ 2 x ^ 2 - x*y + 3 y * z ] / 2 + 4
 Subject To
  a: x + y + s + q >= 1
  b: -1 <= x + 2 z <= 8
  empty: = +0
  e2: +0 x <= 3
+ q: x + [x^2 + 2 z*w] - 3 y <= 4 - [ y ^ 2 ]
 Objective 0 Priority 2 Weight 1 AbsTol 0 RelTol 0.1
 Objective 1 Priority -1 Weight -0.5 AbsTol 1e-6 RelTol 0
  g: x - w + 1
@@ -112,6 +121,7 @@ WORDS = re.findall(
     r"\S+",
     """0 1 -1 nan inf -infinity 1e400 1e-400 .5. 1e+ 0x1F +-3 -- : <= >= = < > + - * / ^ [ ] ( ) \\ -> $ ; "
     x r1 c1 c2 OBJ RHS BOUNDS ROWS COLUMNS RANGES ENDATA NAME OBJSENSE MAX QUADOBJ N L G E UP LO FX MI BV SI
+    QSECTION QMATRIX QCMATRIX qc [x^2] ^2 ]/2 x*y [ -[
     'MARKER' 'INTORG' Minimize Subject To st Bounds Generals Binaries Semi-Continuous End free
     SOS S1 S2 SOS1 s2:: S1: x:1 SI LI PWLOBJ OBJECTIVES Objective Priority Weight XU UL TimeLimit Threads""",
 ) + ["\t", "\r", "\0", "\x1a", "\x7f", "\xe9", "\ufeff", ""]
@@ -170,6 +180,8 @@ def test_mutated_files(ending, tmp_path):
                     assert [c[1:] for c in copy.content().columns] == [c[1:] for c in content.columns]
                     assert len(copy.content().rows) == len(content.rows)
                     assert copy.content().sets == content.sets
+                    assert copy.content().quadratic == content.quadratic
+                    assert [r[1:] for r in copy.content().quadratic_rows] == [r[1:] for r in content.quadratic_rows]
                     assert copy.get("Fingerprint") == model.get("Fingerprint")
     env.close()
     # Enough of both outcomes, or the test shows nothing.

@@ -1,6 +1,7 @@
 """Model files as the library writes them: what comes back, names that a format can't hold, and files on disk."""
 
 import ctypes
+import dataclasses
 import gzip
 import os
 import re
@@ -54,7 +55,24 @@ def models(draw, names):
     for _ in range(draw(st.integers(0, 2)) if count else 0):
         members = draw(st.lists(st.integers(0, count - 1), unique=True))
         sets.append((draw(st.sampled_from([1, 2])), [(j, draw(numbers)) for j in members]))
-    return Content(draw(odd_names), draw(st.sampled_from([1, -1])), draw(numbers), columns, rows_, sets)
+    head = [draw(odd_names), draw(st.sampled_from([1, -1])), draw(numbers)]
+    quadratic = draw(products(count, draw(st.booleans())))
+    quadratic_rows = []
+    for _ in range(draw(st.integers(0, 2))):
+        cols = draw(st.lists(st.integers(0, count - 1), unique=True)) if count else []
+        entries = [(j, draw(numbers.filter(bool))) for j in sorted(cols)]
+        terms = draw(products(count, draw(st.booleans())))
+        quadratic_rows.append((draw(names), draw(st.sampled_from("<>=")), draw(numbers), entries, terms))
+    return Content(*head, columns, rows_, sets, quadratic, quadratic_rows)
+
+
+@st.composite
+def products(draw, count, any_):
+    """Quadratic terms as the store holds them, in a model of `count` columns."""
+    if count == 0 or not any_:
+        return []
+    pairs = draw(st.lists(st.tuples(*[st.integers(0, count - 1)] * 2).map(lambda p: tuple(sorted(p))), unique=True))
+    return [(*pair, draw(numbers.filter(bool))) for pair in pairs]
 
 
 @st.composite
@@ -190,7 +208,13 @@ def build(env, content):
         model.add_row(*row)
     for kind, members in content.sets:
         model.add_set(kind, members)
+    for row in content.quadratic_rows:
+        model.add_quadratic_row(*row)
+    if content.quadratic:
+        costs = [(j, column[4]) for j, column in enumerate(content.columns)]
+        model.set_objective(costs, content.quadratic, 0, content.constant)
     model.update()
+    assert model.quadratic_terms() == content.quadratic
     return model
 
 
@@ -216,7 +240,7 @@ def check_writing(env, folder, content):
 
 
 def dataclass_tail(content):
-    return content.sense, content.constant, content.columns, content.rows, content.sets
+    return dataclasses.astuple(content)[1:]
 
 
 def settled(built, content):
@@ -225,7 +249,7 @@ def settled(built, content):
         (name, "=" if sense == "R" and source[2] == source[4] else sense, *rest)
         for (name, sense, *rest), source in zip(built.rows, content.rows)
     ]
-    return Content(*[built.name, built.sense, built.constant, built.columns, rows_, built.sets])
+    return dataclasses.replace(built, rows=rows_)
 
 
 @given(models(plain_names))

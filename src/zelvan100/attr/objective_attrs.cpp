@@ -1,4 +1,5 @@
 #include "attr/readers.h"
+#include "solve/check.h"
 
 namespace zelvan {
 
@@ -48,11 +49,11 @@ double objective_n_value(const Model& m) {
     if (!is_multi_objective(m)) return pool_objective_value(m);
     if (number == 0 && !m.solution.multi_obj.empty())
         return m.solution.multi_obj[&objective - m.data.objectives.data()];
-    if (first_selected(m) && !m.data.pwl_obj.empty())
-        throw missing("the value of a piecewise-linear objective is kept for solution 0 only");
     const double* x = pool_values(m).doubles;
-    double value = objective_n_constant(m);
-    for (int j = 0; j < m.num_cols(); ++j) value += objective_n(m, j) * x[j];
+    if (first_selected(m)) return main_objective(m.data, x);
+    double value = objective.constant;
+    for (std::size_t k = 0; k < objective.coeff.col.size(); ++k)
+        value += objective.coeff.val[k] * x[objective.coeff.col[k]];
     return value;
 }
 

@@ -85,8 +85,7 @@ bool ModelData::is_mip() const {
     return sos.size() > 0 || std::any_of(cols.type.begin(), cols.type.end(), [](char type) { return type != 'C'; });
 }
 
-ColumnMajor ModelData::by_columns() const {
-    const int num_cols = cols.size();
+ColumnMajor by_columns(const SparseRows& rows, int num_cols) {
     ColumnMajor matrix;
     matrix.start.assign(num_cols + 1, 0);
     matrix.row.resize(rows.col.size());
@@ -94,10 +93,10 @@ ColumnMajor ModelData::by_columns() const {
     for (int j : rows.col) ++matrix.start[j + 1];
     for (int j = 0; j < num_cols; ++j) matrix.start[j + 1] += matrix.start[j];
     std::vector<std::int64_t> next(matrix.start.begin(), matrix.start.end() - 1);
-    for (int i = 0; i < rows.size(); ++i) {
+    for (std::size_t i = 0; i + 1 < rows.start.size(); ++i) {
         for (std::int64_t k = rows.start[i]; k < rows.start[i + 1]; ++k) {
             const std::int64_t to = next[rows.col[k]]++;
-            matrix.row[to] = i;
+            matrix.row[to] = static_cast<int>(i);
             matrix.val[to] = rows.val[k];
         }
     }

@@ -25,6 +25,12 @@ struct Identity {
     OptionalValues optional;
 };
 
+// Sides of a row of sense '<', '>' or '=', infinite where it has none.
+inline std::pair<double, double> sides_of(char sense, double right) {
+    right = clipped(right);
+    return {sense == '<' ? -kInfinity : right, sense == '>' ? kInfinity : right};
+}
+
 // Columns as parallel arrays. Bounds of magnitude kInfinityThreshold and above are stored as +-kInfinity.
 struct Columns : Identity {
     static constexpr Kind kKind = Kind::kColumn;
@@ -46,17 +52,8 @@ struct Rows : Identity, SparseRows {
     int size() const { return static_cast<int>(rhs.size()); }
     // Sides of row i, infinite where it has none.
     std::pair<double, double> sides(int i) const {
-        const double right = clipped(rhs[i]);
-        switch (sense[i]) {
-            case '<':
-                return {-kInfinity, right};
-            case '>':
-                return {right, kInfinity};
-            case 'R':
-                return {clipped(lower[i]), right};
-            default:
-                return {right, right};
-        }
+        if (sense[i] == 'R') return {clipped(lower[i]), clipped(rhs[i])};
+        return sides_of(sense[i], rhs[i]);
     }
     // Both close a row whose entries were pushed to col and val.
     void push_back(char row_sense, double right, std::string_view name);
@@ -106,6 +103,8 @@ struct Objective {
     SparseVector coeff;  // empty for objective 0
 };
 
+ColumnMajor by_columns(const SparseRows& rows, int num_cols);
+
 inline constexpr int kMaxObjectives = 1000000;
 
 using PwlPoints = std::vector<std::pair<double, double>>;  // (x, y), x not decreasing
@@ -144,7 +143,6 @@ struct ModelData : Families {
     std::map<int, PwlPoints> pwl_obj;   // by column; its obj is then 0
 
     bool is_mip() const;  // an integer, semi-continuous or semi-integer column, or an SOS
-    ColumnMajor by_columns() const;
     // Default names of unnamed objects.
     static std::string default_col_name(int j) { return default_name(Kind::kColumn, j); }
     static std::string default_row_name(int i) { return default_name(Kind::kRow, i); }

@@ -292,11 +292,11 @@ ZVN_API int ZVNgetpwlobj(ZVNmodel* model, int var, int* npoints, double* x, doub
 /* Names are accepted in any letter case. *type: 0 char, 1 int, 2 double, 3 string. *kind: 0 model,
  * 1 variable, 2 linear constraint, 3 SOS, 4 quadratic constraint, 5 general constraint.
  *
- * Measures of the solution (BoundVio, ConstrVio, ...): the index is -1 where nothing is off. Indices of the
- * dual ones mean constraint i, or variable i - NumConstrs from NumConstrs on; ComplVioIndex means variable
- * i, or constraint i - NumVars from NumVars on. Scaled measures belong to the model whose constraints are
- * divided by their largest coefficient, and whose variables then take units that make theirs 1.
- * Ranges such as MinCoeff leave out zeros and infinities, and are 0 where nothing is left.
+ * Measures of the solution (BoundVio, ...): the index is -1 where nothing is off. That of a violated constraint counts
+ * linear ones, then quadratic ones, then SOS. Indices of the dual ones mean constraint i, or variable i - NumConstrs
+ * from NumConstrs on; ComplVioIndex means variable i, or constraint i - NumVars from NumVars on. Scaled measures belong
+ * to the model whose constraints are divided by their largest coefficient, and whose variables then take units that
+ * make theirs 1. Ranges such as MinCoeff leave out zeros and infinities, and are 0 where nothing is left.
  *
  * VarHintVal, VarHintPri, BranchPriority, Partition, PoolIgnore, PStart, DStart and Lazy are kept with the
  * model but don't act on a solve yet. */

@@ -35,6 +35,9 @@ class LpLexer {
 public:
     explicit LpLexer(std::string_view text) : rest_(text) { next(); }
     void next();
+    // Cuts the name at the cursor and goes on behind the first bytes of it.
+    void shorten(std::size_t length);
+    bool at_sign(std::string_view sign) const { return kind == LpToken::kOther && text == sign; }
 
     LpToken kind = LpToken::kEnd;
     LpSection section = LpSection::kNone;

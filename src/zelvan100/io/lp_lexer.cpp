@@ -101,6 +101,11 @@ void LpLexer::take(std::size_t length) {
     rest_.remove_prefix(length);
 }
 
+void LpLexer::shorten(std::size_t length) {
+    rest_ = {text.data() + length, static_cast<std::size_t>(rest_.data() + rest_.size() - text.data()) - length};
+    text = text.substr(0, length);
+}
+
 void LpLexer::skip_blanks() {
     for (;;) {
         std::size_t n = 0;

@@ -3,9 +3,7 @@
 #include <cstdint>
 
 #include "io/letters.h"
-#include "io/lp.h"
-#include "io/name_table.h"
-#include "io/objectives.h"
+#include "io/lp_reader.h"
 #include "io/row_kind.h"
 #include "io/sos_sets.h"
 
@@ -15,64 +13,11 @@ namespace {
 
 constexpr std::uint8_t kLowerSet = 1, kUpperSet = 2;
 
-// What an expression holds besides its terms, which go into the row under construction.
-struct Expression {
-    bool any = false;
-    bool has_terms = false;
-    double constant = 0.0;
-};
-
-class LpReader {
-public:
-    LpReader(const Source& source, const Warn& warn) : source_(source), warn_(warn), lexer_(source.text) {}
-    ModelData read();
-
-private:
-    void read_model_name();
-    void read_sections();
-    void objective();
-    std::vector<double> take_objective();
-    void objective_among_several();
-    void pwl_terms();
-    PwlPoints pwl_points();
-    void expect(std::string_view text);
-    void constraints();
-    void constraint();
-    void bounds();
-    void bound();
-    void set_bound(int col, LpToken op, double value, bool value_first);
-    void types(void (LpReader::*set_type)(int col));
-    void make_integer(int col);
-    void make_binary(int col);
-    void make_semicontinuous(int col);
-    void sets();
-
-    Expression expression(double scale, bool several_lines);
-    void add_term(std::string_view name, double coeff);
-    void close_row(std::string_view name, double lower, double upper);
-    void one_sided(int line, std::string_view name, LpToken op, double rhs);
-    bool at_operator() const;
-    LpToken take_operator();
-    bool at_value() const;
-    double value(const char* what);
-    int new_column(std::string_view name);
-    int known_column(std::string_view name);
-    [[noreturn]] void unexpected(const char* expected) const;
-    void settle();
-
-    const Source& source_;
-    const Warn& warn_;
-    LpLexer lexer_;
-    ModelData out_;
-    std::string_view objective_label_;
-    NameTable col_names_, row_names_;
-    std::vector<std::int64_t> entry_;  // by column: its entry in the current row, or -1
-    std::vector<std::uint8_t> bound_flags_;
-};
-
 LpToken flipped(LpToken op) {
     return op == LpToken::kLess ? LpToken::kGreater : op == LpToken::kGreater ? LpToken::kLess : op;
 }
+
+}  // namespace
 
 ModelData LpReader::read() {
     read_model_name();
@@ -141,96 +86,6 @@ void LpReader::read_sections() {
     }
 }
 
-void LpReader::objective() {
-    if (lexer_.kind == LpToken::kLabel) {
-        objective_label_ = lexer_.text;
-        lexer_.next();
-    }
-    const Expression sum = expression(1.0, true);
-    if (lexer_.kind != LpToken::kSection && lexer_.kind != LpToken::kEnd)
-        unexpected("a term of the objective or Subject To");
-    if (std::fabs(sum.constant) >= kInfinityThreshold)
-        source_.fail(lexer_.line, "the constant of the objective is too large");
-    out_.obj_constant = sum.constant;
-    out_.cols.obj = take_objective();
-}
-
-// The coefficients that an expression left in the row under construction, which is emptied.
-std::vector<double> LpReader::take_objective() {
-    Rows& rows = out_.rows;
-    std::vector<double> coeff(out_.cols.size(), 0.0);
-    for (auto k = static_cast<std::size_t>(rows.start.back()); k < rows.col.size(); ++k) {
-        coeff[rows.col[k]] = rows.val[k];
-        entry_[rows.col[k]] = -1;
-    }
-    rows.col.resize(rows.start.back());
-    rows.val.resize(rows.start.back());
-    return coeff;
-}
-
-// "Objective 1 Priority 2 Weight 0.5", then label and expression; of objective 0 these stand at the top.
-void LpReader::objective_among_several() {
-    std::vector<Objective>& objectives = out_.objectives;
-    if (objectives.empty() && lexer_.number != 0.0) unexpected("number 0, the main objective");
-    if (lexer_.number != static_cast<double>(objectives.size())) unexpected("the next number of an objective");
-    lexer_.next();
-    Objective objective;
-    while (lexer_.kind == LpToken::kName && !lexer_.starts_line) {
-        const std::string name = lower_case(lexer_.text);
-        const auto* const field = std::find_if(std::begin(kObjectiveFields), std::end(kObjectiveFields),
-                                               [&](const ObjectiveField& f) { return lower_case(f.name) == name; });
-        if (field == std::end(kObjectiveFields)) unexpected("Priority, Weight, AbsTol or RelTol");
-        const int line = lexer_.line;
-        lexer_.next();
-        if (!field->set(objective, value("a number")))
-            source_.fail(line, "the value of " + std::string(field->name) + " is out of range");
-    }
-    std::string_view label = objectives.empty() ? objective_label_ : std::string_view();
-    if (!objectives.empty() && lexer_.kind == LpToken::kLabel) {
-        label = lexer_.text;
-        lexer_.next();
-    }
-    source_.check_name(lexer_.line, label);
-    objective.name = label;
-    if (!objectives.empty()) {
-        objective.constant = expression(1.0, true).constant;
-        if (std::fabs(objective.constant) >= kInfinityThreshold)
-            source_.fail(lexer_.line, "the constant of the objective is too large");
-        objective.coeff = SparseVector::of(take_objective());
-    }
-    objectives.push_back(std::move(objective));
-}
-
-void LpReader::pwl_terms() {
-    while (lexer_.kind == LpToken::kLabel) {
-        const int line = lexer_.line;
-        const std::string_view name = lexer_.text;
-        const int col = known_column(name);
-        lexer_.next();
-        if (!out_.pwl_obj.emplace(col, pwl_points()).second)
-            source_.fail(line, "variable " + quoted(name) + " has two piecewise-linear terms");
-        if (out_.cols.obj[col] != 0.0)
-            source_.fail(
-                line, "variable " + quoted(name) + " has a coefficient and a piecewise-linear term in the objective");
-    }
-}
-
-// "(0, 1) (2, 5)"
-PwlPoints LpReader::pwl_points() {
-    PwlPoints points;
-    while (points.size() < 2 || lexer_.text == "(") {
-        const int line = lexer_.line;
-        expect("(");
-        const double x = value("the x of a point");
-        expect(",");
-        points.emplace_back(x, value("the y of a point"));
-        expect(")");
-        if (const char* fault = point_fault(points, points.size() - 1))
-            source_.fail(line, std::string("the point ") + fault);
-    }
-    return points;
-}
-
 void LpReader::expect(std::string_view text) {
     if (lexer_.kind != LpToken::kOther || lexer_.text != text) unexpected(("'" + std::string(text) + "'").c_str());
     lexer_.next();
@@ -268,6 +123,7 @@ void LpReader::constraint() {
     }
     if (left.has_terms || op == LpToken::kEqual || lexer_.kind != op)
         unexpected("a new constraint; a range has a number on each side and the same operator twice");
+    if (has_bracket_) source_.fail(line, "a quadratic constraint has one side only");
     lexer_.next();
     const double right = value("a number as the right side of the range");
     const bool rising = op == LpToken::kLess;
@@ -282,9 +138,30 @@ void LpReader::one_sided(int line, std::string_view name, LpToken op, double rhs
     const double right = clipped(rhs);
     if ((op != LpToken::kLess && right == kInfinity) || (op != LpToken::kGreater && right == -kInfinity))
         source_.fail(line, "the constraint has its right side on the wrong side of infinity");
+    const char sense = op == LpToken::kLess ? '<' : op == LpToken::kGreater ? '>' : '=';
+    if (has_bracket_) return close_quad_row(name, sense, right);
     close_row(name, 0.0, 0.0);
-    out_.rows.sense.back() = op == LpToken::kLess ? '<' : op == LpToken::kGreater ? '>' : '=';
+    out_.rows.sense.back() = sense;
     out_.rows.rhs.back() = right;
+}
+
+// The linear terms were collected as those of a row.
+void LpReader::close_quad_row(std::string_view name, char sense, double rhs) {
+    Rows& rows = out_.rows;
+    QuadRows& quadratic = out_.qrows;
+    for (auto k = static_cast<std::size_t>(rows.start.back()); k < rows.col.size(); ++k) {
+        entry_[rows.col[k]] = -1;
+        if (rows.val[k] == 0.0) continue;
+        quadratic.col.push_back(rows.col[k]);
+        quadratic.val.push_back(rows.val[k]);
+    }
+    rows.col.resize(rows.start.back());
+    rows.val.resize(rows.start.back());
+    const QuadTerms terms = take_products();
+    quadratic.quad.row.insert(quadratic.quad.row.end(), terms.row.begin(), terms.row.end());
+    quadratic.quad.col.insert(quadratic.quad.col.end(), terms.col.begin(), terms.col.end());
+    quadratic.quad.val.insert(quadratic.quad.val.end(), terms.val.begin(), terms.val.end());
+    quadratic.push_back(sense, rhs, name);
 }
 
 // Terms of one variable were added up; what is 0 then is no entry.
@@ -305,63 +182,6 @@ void LpReader::close_row(std::string_view name, double lower, double upper) {
     rows.rhs.push_back(kind.rhs);
     rows.lower.push_back(kind.lower);
     rows.names.push_back(name);
-}
-
-// Reads terms and constants to the first token that can't go on, or to the end of the line where the
-// next line may be a constraint that begins with a sign.
-Expression LpReader::expression(double scale, bool several_lines) {
-    Expression sum;
-    while (!sum.any || several_lines || !lexer_.starts_line) {
-        double coeff = scale;
-        bool sign = false, number = false;
-        for (; lexer_.kind == LpToken::kPlus || lexer_.kind == LpToken::kMinus; lexer_.next()) {
-            if (lexer_.kind == LpToken::kMinus) coeff = -coeff;
-            sign = true;
-        }
-        if (sum.any && !sign) break;
-        if (lexer_.kind == LpToken::kNumber) {
-            coeff *= lexer_.number;
-            number = true;
-            lexer_.next();
-            if (lexer_.kind == LpToken::kTimes) {
-                lexer_.next();
-                if (lexer_.kind != LpToken::kName) unexpected("a variable; products of variables are not supported");
-            }
-        }
-        const bool same_line = !number || several_lines || !lexer_.starts_line;
-        const bool infinity = lexer_.kind == LpToken::kName && same_line && is_lp_infinity(lexer_.text);
-        if (infinity && number) unexpected("a variable");
-        if (infinity) {
-            sum.constant += coeff * scale * kInfinity;
-            lexer_.next();
-        } else if (lexer_.kind == LpToken::kName && same_line) {
-            add_term(lexer_.text, coeff);
-            sum.has_terms = true;
-            lexer_.next();
-        } else if (number) {
-            sum.constant += coeff * scale;
-        } else if (sign) {
-            unexpected("a number or a variable");
-        } else {
-            break;
-        }
-        sum.any = true;
-    }
-    return sum;
-}
-
-void LpReader::add_term(std::string_view name, double coeff) {
-    if (std::fabs(coeff) >= kInfinityThreshold)
-        source_.fail(lexer_.line, "the coefficient of " + quoted(name) + " is too large");
-    const int col = new_column(name);
-    Rows& rows = out_.rows;
-    if (entry_[col] >= 0) {
-        rows.val[entry_[col]] += coeff;
-        return;
-    }
-    entry_[col] = static_cast<std::int64_t>(rows.col.size());
-    rows.col.push_back(col);
-    rows.val.push_back(coeff);
 }
 
 int LpReader::new_column(std::string_view name) {
@@ -503,8 +323,8 @@ void LpReader::sets() {
 
 void LpReader::unexpected(const char* expected) const {
     std::string found = lexer_.kind == LpToken::kEnd ? "the file ends here" : "found " + quoted(lexer_.text);
-    if (lexer_.kind == LpToken::kTimes || lexer_.text == "[" || lexer_.text == "^")
-        source_.fail(lexer_.line, found + ": quadratic terms are not supported");
+    if (lexer_.kind == LpToken::kTimes || lexer_.text == "^")
+        source_.fail(lexer_.line, found + ": quadratic terms stand in brackets, as in [ x ^ 2 + x * y ]");
     if (lexer_.text == "->") source_.fail(lexer_.line, found + ": indicator constraints are not supported");
     source_.fail(lexer_.line, found + ", expected " + expected);
 }
@@ -520,8 +340,6 @@ void LpReader::settle() {
     cols.tags.resize(cols.size());
     out_.rows.tags.resize(out_.rows.size());
 }
-
-}  // namespace
 
 ModelData read_lp(const Source& source, const Warn& warn) { return LpReader(source, warn).read(); }
 

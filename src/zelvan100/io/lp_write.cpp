@@ -1,3 +1,4 @@
+#include <algorithm>
 #include <cmath>
 
 #include "io/lp.h"
@@ -21,10 +22,12 @@ public:
 private:
     int columns_in_objective() const;
     void objective();
-    void sum(const std::vector<double>& coeff, int count, bool zeros, double constant);
+    void sum(const std::vector<double>& coeff, int count, bool zeros, double constant, const QuadTerms& quad = {});
     void several_objectives();
     void pwl_terms();
     void constraint(int i);
+    void quad_constraint(int i);
+    void bracket(const QuadTerms& terms, std::size_t begin, std::size_t end, double factor, bool first);
     void bound(int j);
     void sets();
     void list(const char* keyword, std::string_view types);
@@ -45,6 +48,7 @@ std::string LpWriter::write() {
     objective();
     out_ += "Subject To\n";
     for (int i = 0; i < data_.rows.size(); ++i) constraint(i);
+    for (int i = 0; i < data_.qrows.size(); ++i) quad_constraint(i);
     several_objectives();
     pwl_terms();
     const std::size_t before = out_.size();
@@ -61,17 +65,23 @@ std::string LpWriter::write() {
 }
 
 // Columns are numbered in the order of their appearance. The objective therefore begins with as many of
-// them, with coefficient 0 where need be, that the others appear in their order in the rows.
+// them, with coefficient 0 where need be, that the others appear in their order in the rows. Those of quadratic terms
+// come first too, as in brackets a name isn't always told from what is behind it.
 int LpWriter::columns_in_objective() const {
     const int num_cols = data_.cols.size();
     std::vector<int> appearance(num_cols, -1);
     int next = 0;
-    for (std::size_t k = 0; k < data_.rows.col.size(); ++k) {
-        int& at = appearance[data_.rows.col[k]];
-        if (at < 0 && data_.rows.val[k] != 0.0) at = next++;
-    }
+    for (const SparseRows* rows :
+         {static_cast<const SparseRows*>(&data_.rows), static_cast<const SparseRows*>(&data_.qrows)})
+        for (std::size_t k = 0; k < rows->col.size(); ++k) {
+            int& at = appearance[rows->col[k]];
+            if (at < 0 && rows->val[k] != 0.0) at = next++;
+        }
+    int least = data_.qrows.size() > 0 ? std::min(1, num_cols) : 0;
+    for (const QuadTerms* terms : {&data_.quad_obj, &data_.qrows.quad})
+        for (int j : terms->col) least = std::max(least, j + 1);
     int count = num_cols;
-    while (count > 0 && data_.cols.obj[count - 1] == 0.0 && appearance[count - 1] >= 0 &&
+    while (count > least && data_.cols.obj[count - 1] == 0.0 && appearance[count - 1] >= 0 &&
            (count == num_cols || appearance[count - 1] < appearance[count]))
         --count;
     return count;
@@ -81,14 +91,19 @@ void LpWriter::objective() {
     line_start_ = out_.size();
     out_ += ' ';
     if (!data_.objectives.empty() && !names_.objective(0).empty()) out_ += names_.objective(0) + ":";
-    sum(data_.cols.obj, columns_in_objective(), true, data_.obj_constant);
+    sum(data_.cols.obj, columns_in_objective(), true, data_.obj_constant, data_.quad_obj);
 }
 
-// The terms of the first `count` columns and a constant, to the end of the line.
-void LpWriter::sum(const std::vector<double>& coeff, int count, bool zeros, double constant) {
+// The terms of the first `count` columns, quadratic terms and a constant, to the end of the line.
+void LpWriter::sum(const std::vector<double>& coeff, int count, bool zeros, double constant, const QuadTerms& quad) {
     bool first = true;
     for (int j = 0; j < count; ++j)
         if (zeros || coeff[j] != 0.0) term(coeff[j], j, first);
+    if (!quad.empty()) {
+        bracket(quad, 0, quad.size(), 2.0, first);
+        out_ += " / 2";
+        first = false;
+    }
     if (constant != 0.0) {
         if (!first || std::signbit(constant)) out_ += std::signbit(constant) ? " -" : " +";
         out_ += ' ';
@@ -152,6 +167,26 @@ void LpWriter::term(double coeff, int col, bool& first) {
     out_ += names_.col(col);
 }
 
+// Terms times `factor`. `first` tells that nothing is in front of the bracket.
+void LpWriter::bracket(const QuadTerms& terms, std::size_t begin, std::size_t end, double factor, bool first) {
+    out_ += first ? " [" : " + [";
+    bool first_product = true;
+    for (std::size_t k = begin; k < end; ++k) {
+        term(factor * terms.val[k], terms.row[k], first_product);
+        if (terms.row[k] == terms.col[k]) {
+            out_ += " ^ 2";
+            continue;
+        }
+        out_ += " * ";
+        out_ += names_.col(terms.col[k]);
+    }
+    if (first_product && data_.cols.size() > 0) {
+        term(0.0, 0, first_product);
+        out_ += " ^ 2";
+    }
+    out_ += " ]";
+}
+
 void LpWriter::number(double value) {
     if (std::fabs(value) == kInfinity)
         out_ += value < 0 ? "-inf" : "inf";
@@ -180,6 +215,20 @@ void LpWriter::constraint(int i) {
         out_ += " 0";
     out_ += kind.sense == '>' ? " >= " : kind.sense == '=' ? " = " : " <= ";
     number(kind.rhs);
+    out_ += '\n';
+}
+
+void LpWriter::quad_constraint(int i) {
+    const QuadRows& rows = data_.qrows;
+    line_start_ = out_.size();
+    out_ += ' ';
+    out_ += names_.quad_row(i);
+    out_ += ':';
+    bool first = true;
+    for (std::int64_t k = rows.start[i]; k < rows.start[i + 1]; ++k) term(rows.val[k], rows.col[k], first);
+    bracket(rows.quad, rows.quad_start[i], rows.quad_start[i + 1], 1.0, first);
+    out_ += rows.sense[i] == '>' ? " >= " : rows.sense[i] == '=' ? " = " : " <= ";
+    number(rows.rhs[i]);
     out_ += '\n';
 }
 

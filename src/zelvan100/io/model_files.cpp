@@ -39,8 +39,6 @@ ModelData read_model(const std::string& path, const Warn& warn) {
 
 void write_model(const ModelData& data, const std::string& path, const Warn& warn) {
     const FileFormat format = known_format(path, ZVN_ERROR_FILE_WRITE);
-    if (!data.quad_obj.empty() || data.qrows.size() > 0)
-        throw Error(ZVN_ERROR_NOT_SUPPORTED, "Writing models with quadratic terms is not supported: '" + path + "'");
     write_file(path, format == FileFormat::kMps ? write_mps(data, warn) : write_lp(data, warn));
 }
 

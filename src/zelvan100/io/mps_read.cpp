@@ -5,10 +5,12 @@
 
 #include "io/letters.h"
 #include "io/mps.h"
+#include "io/mps_bounds.h"
 #include "io/mps_lines.h"
 #include "io/name_table.h"
 #include "io/number.h"
 #include "io/objectives.h"
+#include "io/quad_matrices.h"
 #include "io/row_kind.h"
 #include "io/sos_sets.h"
 
@@ -28,36 +30,14 @@ int parse_sense(std::string_view word) {
     return 0;
 }
 
-enum class Value { kNeeded, kOptional, kNone };
-enum class Bound { kKept, kGiven, kInfinite, kOfBinary };  // what becomes of a bound
-struct BoundCode {
-    std::string_view code;
-    Value value;
-    Bound lower, upper;
-    char type;  // of the column, 0 when it stays
-};
-constexpr BoundCode kBoundCodes[] = {
-    {"UP", Value::kNeeded, Bound::kKept, Bound::kGiven, 0},
-    {"LO", Value::kNeeded, Bound::kGiven, Bound::kKept, 0},
-    {"FX", Value::kNeeded, Bound::kGiven, Bound::kGiven, 0},
-    {"FR", Value::kNone, Bound::kInfinite, Bound::kInfinite, 0},
-    {"MI", Value::kNone, Bound::kInfinite, Bound::kKept, 0},
-    {"PL", Value::kNone, Bound::kKept, Bound::kInfinite, 0},
-    {"BV", Value::kNone, Bound::kOfBinary, Bound::kOfBinary, 'B'},
-    {"LI", Value::kNeeded, Bound::kGiven, Bound::kKept, 'I'},
-    {"UI", Value::kNeeded, Bound::kKept, Bound::kGiven, 'I'},
-    {"SC", Value::kOptional, Bound::kKept, Bound::kGiven, 'S'},
-    {"SI", Value::kOptional, Bound::kKept, Bound::kGiven, 'N'},
-};
-
 constexpr std::string_view kUnsupported[] = {
-    "QUADOBJ", "QSECTION",   "QMATRIX",  "QCMATRIX", "CSECTION",  "SOS1",   "SOS2",
-    "GENCONS", "INDICATORS", "LAZYCONS", "USERCUTS", "SCENARIOS", "BRANCH",
+    "CSECTION", "SOS1", "SOS2", "GENCONS", "INDICATORS", "LAZYCONS", "USERCUTS", "SCENARIOS", "BRANCH",
 };
 
 class MpsReader {
 public:
-    MpsReader(const Source& source, bool fixed) : source_(source), lines_(source.text, fixed), sos_(source, out_.sos) {}
+    MpsReader(const Source& source, bool fixed)
+        : source_(source), lines_(source.text, fixed), sos_(source, out_.sos), matrices_(source, col_names_) {}
     ModelData read();
     const std::vector<std::string>& warnings() const { return warnings_; }
     int num_columns() const { return col_names_.size(); }
@@ -68,6 +48,7 @@ private:
         void (MpsReader::*read_line)(const MpsLine&);  // nullptr: no lines
         bool codes;                                    // its lines begin with a code
         bool argument;                                 // its header may carry a value
+        const MatrixForm* matrix = nullptr;            // of a quadratic matrix; such sections may come again
     };
     static const Section kSections[];
     // The first of several right-hand sides, ranges or bounds is used; others are passed over.
@@ -91,6 +72,8 @@ private:
     void bound_line(const MpsLine& line);
     void pwl_line(const MpsLine& line);
     void sos_line(const MpsLine& line);
+    void open_matrix(const MpsLine& line);
+    void matrix_line(const MpsLine& line);
 
     void marker(const MpsLine& line);
     void new_column(const MpsLine& line);
@@ -139,6 +122,7 @@ private:
     std::vector<double> col_val_;
     std::vector<std::uint8_t> bound_flags_;
     SosReader sos_;
+    MatrixReader matrices_;
 };
 
 const MpsReader::Section MpsReader::kSections[] = {
@@ -154,6 +138,10 @@ const MpsReader::Section MpsReader::kSections[] = {
     {"PWLOBJ", &MpsReader::pwl_line, false, false},
     {"SOS", &MpsReader::sos_line, true, false},
     {"SETS", &MpsReader::sos_line, true, false},
+    {"QUADOBJ", &MpsReader::matrix_line, false, false, &kTriangleForm},
+    {"QSECTION", &MpsReader::matrix_line, false, true, &kTriangleForm},
+    {"QMATRIX", &MpsReader::matrix_line, false, false, &kWholeForm},
+    {"QCMATRIX", &MpsReader::matrix_line, false, true, &kRowForm},
     {"ENDATA", nullptr, false, false},
 };
 
@@ -210,6 +198,7 @@ void MpsReader::open_section(const MpsLine& line) {
     }
     section_ = find_section(word);
     if (!section_) return sense_line(line);
+    if (section_->matrix) return open_matrix(line);
     if (std::find(seen_.begin(), seen_.end(), section_) != seen_.end())
         fail(line, "section " + std::string(section_->keyword) + " appears twice");
     seen_.push_back(section_);
@@ -377,19 +366,18 @@ void MpsReader::range_line(const MpsLine& line) {
 
 void MpsReader::bound_line(const MpsLine& line) {
     const std::string code = upper_case(line.field[0]);
-    const auto* const known = std::find_if(std::begin(kBoundCodes), std::end(kBoundCodes),
-                                           [&](const BoundCode& bound) { return bound.code == code; });
-    if (known == std::end(kBoundCodes))
+    const BoundCode* const known = find_bound_code(code);
+    if (!known)
         fail(line,
              quoted(line.field[0]) + " is no type of a bound, expected UP, LO, FX, FR, MI, PL, BV, LI, UI, SC or SI");
     // The name of the set may be left out, and of some types the value.
     const bool with_value =
-        known->value == Value::kNeeded || line.count == 4 ||
+        known->value == BoundValue::kNeeded || line.count == 4 ||
         (line.count == 3 && col_names_.find(line.field[2]) < 0 && col_names_.find(line.field[1]) >= 0);
     const int at = line.count - (with_value ? 2 : 1);
     if (line.count > 4 || at < 1 || at > 2) fail(line, "expected a bound: its type, a name, a column and a number");
     const int col = find_column(line, line.field[at]);
-    const bool read_value = with_value && known->value != Value::kNone;
+    const bool read_value = with_value && known->value != BoundValue::kNone;
     const double value = read_value ? clipped(number(line, line.field[at + 1])) : kInfinity;
     if (at == 2 && !in_chosen_set(bound_set_, line.field[1], "bounds")) return;
     set_bound(line, *known, col, value);
@@ -432,6 +420,29 @@ void MpsReader::sos_line(const MpsLine& line) {
     if (!sos_.begun()) fail(line, quoted(line.field[code]) + " is no type of a set, expected S1 or S2");
     const std::string_view name = line.field[line.count - 2];
     sos_.add(line.number, find_column(line, name), name, number(line, line.field[line.count - 1]));
+}
+
+// Without the name of a row the matrix is that of the objective.
+void MpsReader::open_matrix(const MpsLine& line) {
+    if (line.count < 2) {
+        if (section_->matrix == &kRowForm) fail(line, "expected the name of a row behind QCMATRIX");
+        return matrices_.begin_objective(line.number, *section_->matrix);
+    }
+    std::string_view name = line.text.substr(static_cast<std::size_t>(line.field[1].data() - line.text.data()));
+    name = name.substr(0, name.find_last_not_of(" \t\r") + 1);
+    const int index = row_index_[find_row(line, name)];
+    if (index >= 0) return matrices_.begin_row(line.number, index, name, *section_->matrix);
+    if (index == kDroppedRow) return matrices_.begin_dropped(*section_->matrix);
+    if (index != kFirstObjective) fail(line, "objective " + quoted(name) + " is not the first and can't be quadratic");
+    matrices_.begin_objective(line.number, *section_->matrix);
+}
+
+void MpsReader::matrix_line(const MpsLine& line) {
+    if (line.count != 3 && line.count != 5)
+        fail(line, "expected two columns and a number, and perhaps a second column and number");
+    const int col = find_column(line, line.field[0]);
+    for (int k = 1; k < line.count; k += 2)
+        matrices_.add(line.number, col, find_column(line, line.field[k]), number(line, line.field[k + 1]));
 }
 
 bool MpsReader::in_chosen_set(ChosenSet& set, std::string_view name, const char* what) {
@@ -488,6 +499,7 @@ void MpsReader::finish() {
     for (int j = 0; j < col_names_.size(); ++j) out_.cols.names.push_back(col_names_.name(j));
     out_.cols.tags.resize(out_.cols.size());
     out_.rows.tags.resize(out_.rows.size());
+    matrices_.settle(out_);
 }
 
 void MpsReader::settle_objectives() {

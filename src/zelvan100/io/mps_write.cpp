@@ -64,6 +64,8 @@ private:
     void bounds_of(int j);
     void pwl_terms();
     void sets();
+    void matrices();
+    void matrix(const QuadTerms& terms, std::size_t begin, std::size_t end, bool of_row);
     void line(std::string_view first, std::string_view second, double value);
     void bound(std::string_view code, int j);
     void bound(std::string_view code, int j, double value);
@@ -88,6 +90,7 @@ std::string MpsWriter::write() {
     bounds();
     pwl_terms();
     sets();
+    matrices();
     out_ += "ENDATA\n";
     return std::move(out_);
 }
@@ -135,11 +138,18 @@ void MpsWriter::rows() {
         out_ += names_.row(i);
         out_ += '\n';
     }
+    for (int i = 0; i < data_.qrows.size(); ++i) {
+        const char sense = data_.qrows.sense[i];
+        out_ += sense == '<' ? " L " : sense == '>' ? " G " : " E ";
+        out_ += names_.quad_row(i);
+        out_ += '\n';
+    }
 }
 
 void MpsWriter::columns() {
     out_ += "COLUMNS\n";
-    const ColumnMajor matrix = data_.by_columns();
+    const ColumnMajor matrix = by_columns(data_.rows, data_.cols.size());
+    const ColumnMajor quadratic = by_columns(data_.qrows, data_.cols.size());
     bool integer = false;
     for (int j = 0; j < data_.cols.size(); ++j) {
         if ((data_.cols.type[j] == 'I') != integer) {
@@ -150,7 +160,7 @@ void MpsWriter::columns() {
         const std::int64_t first = matrix.start[j], last = matrix.start[j + 1];
         bool written = false;
         for (std::size_t k = 0; k < objective_rows_.size(); ++k) {
-            if (cost(k, j) == 0.0 && (k > 0 || first != last)) continue;
+            if (cost(k, j) == 0.0 && (k > 0 || first != last || quadratic.start[j] != quadratic.start[j + 1])) continue;
             line(name, objective_rows_[k], cost(k, j));
             written = true;
         }
@@ -160,6 +170,8 @@ void MpsWriter::columns() {
             line(name, names_.row(matrix.row[k]), matrix.val[k]);
             written = true;
         }
+        for (std::int64_t k = quadratic.start[j]; k < quadratic.start[j + 1]; ++k)
+            line(name, names_.quad_row(quadratic.row[k]), quadratic.val[k]);
     }
     if (integer) out_ += "    MARKER 'MARKER' 'INTEND'\n";
 }
@@ -175,6 +187,8 @@ void MpsWriter::right_hand_sides() {
         if (file_rows_[i].rhs != 0.0) line("RHS", names_.row(i), file_rows_[i].rhs);
         ranges = ranges || !file_rows_[i].range.empty();
     }
+    for (int i = 0; i < data_.qrows.size(); ++i)
+        if (data_.qrows.rhs[i] != 0.0) line("RHS", names_.quad_row(i), data_.qrows.rhs[i]);
     if (!ranges) return;
     out_ += "RANGES\n";
     for (int i = 0; i < data_.rows.size(); ++i) {
@@ -266,6 +280,36 @@ void MpsWriter::sets() {
             append_number(out_, sos.val[at]);
             out_ += '\n';
         }
+    }
+}
+
+void MpsWriter::matrices() {
+    if (!data_.quad_obj.empty()) {
+        out_ += "QUADOBJ\n";
+        matrix(data_.quad_obj, 0, data_.quad_obj.size(), false);
+    }
+    const QuadRows& rows = data_.qrows;
+    for (int i = 0; i < rows.size(); ++i) {
+        out_ += "QCMATRIX ";
+        out_ += names_.quad_row(i);
+        out_ += '\n';
+        matrix(rows.quad, rows.quad_start[i], rows.quad_start[i + 1], true);
+    }
+}
+
+// That of a row is whole and means x'Qx, that of the objective is a triangle and means x'Qx / 2.
+void MpsWriter::matrix(const QuadTerms& terms, std::size_t begin, std::size_t end, bool of_row) {
+    for (std::size_t k = begin; k < end; ++k) {
+        const std::string_view one = names_.col(terms.row[k]), other = names_.col(terms.col[k]);
+        const double value = terms.val[k];
+        const bool diagonal = terms.row[k] == terms.col[k];
+        if (!of_row || diagonal) {
+            line(one, other, diagonal && !of_row ? 2.0 * value : value);
+            continue;
+        }
+        // A number next to 0 may have no half.
+        line(one, other, 0.5 * value);
+        line(other, one, value - 0.5 * value);
     }
 }
 

@@ -19,10 +19,11 @@ struct Replaced {
     }
 };
 
-// The names of a family as they are written. Where an object's own name can't be, it gets the default one, lengthened
-// until no other object has it.
-Names collect(const Names& given, Kind kind, WrittenNames::Holds holds, Replaced& replaced) {
+// The names of a family as they are written, none of them like one of `others`. Where an object's own name can't be, it
+// gets the default one, lengthened until no other object has it.
+Names collect(const Names& given, const Names& others, Kind kind, WrittenNames::Holds holds, Replaced& replaced) {
     NameTable kept;
+    for (int i = 0; i < others.size(); ++i) kept.add(others.get(i));
     std::vector<char> keeps(given.size(), 0);
     for (int i = 0; i < given.size(); ++i) {
         const char* name = given.get(i);
@@ -60,9 +61,9 @@ WrittenNames::WrittenNames(const ModelData& data, Holds holds, Holds holds_label
                            const Warn& warn) {
     std::string faults;
     const auto add = [&](const std::string& text) { faults += (faults.empty() ? "" : "; ") + text; };
-    const auto collect_of = [&](Kind kind, const Names& given, Holds suits) {
+    const auto collect_of = [&](Kind kind, const Names& given, Holds suits, const Names& others = {}) {
         Replaced replaced;
-        Names names = collect(given, kind, suits, replaced);
+        Names names = collect(given, others, kind, suits, replaced);
         const KindSpec& spec = spec_of(kind);
         if (replaced.count > 0)
             add(std::to_string(replaced.count) + " " + (replaced.count == 1 ? spec.singular : spec.plural) +
@@ -72,6 +73,7 @@ WrittenNames::WrittenNames(const ModelData& data, Holds holds, Holds holds_label
     cols_ = collect_of(Kind::kColumn, data.cols.names, holds);
     rows_ = collect_of(Kind::kRow, data.rows.names, holds);
     sos_ = collect_of(Kind::kSos, data.sos.names, holds_label);
+    quad_rows_ = collect_of(Kind::kQuadRow, data.qrows.names, holds, rows_);
 
     std::string objective_fault;
     collect_objectives(data, holds, objective_fault);
@@ -91,8 +93,9 @@ void WrittenNames::collect_objectives(const ModelData& data, Holds holds, std::s
 }
 
 bool WrittenNames::is_taken(std::string_view name) const {
-    for (int i = 0; i < rows_.size(); ++i)
-        if (rows_.get(i) == name) return true;
+    for (const Names* names : {&rows_, &quad_rows_})
+        for (int i = 0; i < names->size(); ++i)
+            if (names->get(i) == name) return true;
     return std::find(objectives_.begin(), objectives_.end(), name) != objectives_.end();
 }
 

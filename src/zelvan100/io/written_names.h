@@ -20,6 +20,7 @@ public:
     std::string_view col(int j) const { return cols_.get(j); }
     std::string_view row(int i) const { return rows_.get(i); }
     std::string_view sos(int k) const { return sos_.get(k); }
+    std::string_view quad_row(int i) const { return quad_rows_.get(i); }  // no row has it
     // "" when the model has none, or one that spans lines.
     std::string model_name() const { return model_name_; }
     // "" when the objective has none, or none that tells it from rows and other objectives.
@@ -30,7 +31,7 @@ public:
 private:
     void collect_objectives(const ModelData& data, Holds holds, std::string& fault);
 
-    Names cols_, rows_, sos_;
+    Names cols_, rows_, sos_, quad_rows_;
     std::vector<std::string> objectives_;
     std::string model_name_;
 };

@@ -69,6 +69,18 @@ void check_rows(const Rows& rows, const double* x, std::span<const double> activ
     }
 }
 
+void check_quad_rows(const QuadRows& rows, const double* x, const Tolerances& tolerances, Worst& worst) {
+    for (int i = 0; i < rows.size(); ++i) {
+        const auto [lower, upper] = sides_of(rows.sense[i], rows.rhs[i]);
+        const double amount = outside(quad_activity(rows, i, x), lower, upper);
+        if (amount <= tolerances.feasibility) continue;
+        double size = magnitude(rows, i, x);
+        for (std::int64_t k = rows.quad_start[i]; k < rows.quad_start[i + 1]; ++k)
+            size += std::fabs(rows.quad.val[k] * x[rows.quad.row[k]] * x[rows.quad.col[k]]);
+        worst.add(Kind::kQuadRow, i, amount, tolerances.feasibility, size);
+    }
+}
+
 // In four sums, as each addition has to wait for the one before.
 double dot(const std::vector<double>& a, const double* x) {
     double sums[4] = {};
@@ -96,6 +108,10 @@ std::vector<double> row_activities(const SparseRows& rows, const double* x) {
     std::vector<double> activities(rows.start.size() - 1);
     for (std::size_t i = 0; i < activities.size(); ++i) activities[i] = row_activity(rows, static_cast<int>(i), x);
     return activities;
+}
+
+double quad_activity(const QuadRows& rows, int i, const double* x) {
+    return row_activity(rows, i, x) + value_of(QuadView(rows.quad, rows.quad_start[i], rows.quad_start[i + 1]), x);
 }
 
 double outside(double value, double lower, double upper) {
@@ -148,6 +164,7 @@ std::optional<Breach> find_breach(const ModelData& data, std::span<const double>
     Worst worst;
     check_columns(data.cols, x.data(), tolerances, worst);
     check_rows(data.rows, x.data(), activity, tolerances, worst);
+    check_quad_rows(data.qrows, x.data(), tolerances, worst);
     for (int k = 0; k < data.sos.size(); ++k)
         worst.add(Kind::kSos, k, sos_violation(data.sos, k, x.data()), tolerances.integrality, 0.0);
     return worst.breach();

@@ -1,5 +1,6 @@
 #pragma once
-// What a point is worth on the data that the user wrote, and how far it is off: bounds, types, rows, SOS.
+// What a point is worth on the data that the user wrote, and how far it is off: bounds, types, rows, quadratic
+// constraints, SOS.
 
 #include <cmath>
 #include <optional>
@@ -13,6 +14,8 @@ namespace zelvan {
 
 double row_activity(const SparseRows& rows, int i, const double* x);
 std::vector<double> row_activities(const SparseRows& rows, const double* x);
+// A quadratic constraint: its linear and its quadratic terms.
+double quad_activity(const QuadRows& rows, int i, const double* x);
 // How far a value lies outside an interval, 0 inside.
 double outside(double value, double lower, double upper);
 // Distance to the nearest value that bounds and type leave, integrality aside: 0 is left to semi-continuous types.
@@ -40,13 +43,13 @@ inline double complementarity(double dual, double value, double lower, double up
 double main_objective(const ModelData& data, const double* x);
 
 struct Tolerances {
-    double feasibility;  // parameter FeasibilityTol, of bounds and rows
+    double feasibility;  // parameter FeasibilityTol, of bounds, rows and quadratic constraints
     double integrality;  // parameter IntFeasTol, of integer types and SOS
 };
 
 // What a point violates beyond the tolerances.
 struct Breach {
-    Kind kind;  // column, row or SOS
+    Kind kind;  // column, row, quadratic row or SOS
     int index;
     bool of_integrality;  // of a column: not its bounds are violated but its type
     double amount, tolerance;

@@ -64,6 +64,9 @@ void store_result(const ModelData& data, SolverResult result, Solution& solution
     solution.slack.resize(data.rows.size());
     if (result.activity.empty()) result.activity = row_activities(data.rows, solution.x.data());
     for (int i = 0; i < data.rows.size(); ++i) solution.slack[i] = data.rows.rhs[i] - result.activity[i];
+    solution.qcslack.resize(data.qrows.size());
+    for (int i = 0; i < data.qrows.size(); ++i)
+        solution.qcslack[i] = data.qrows.rhs[i] - quad_activity(data.qrows, i, solution.x.data());
     if (solution.is_mip || (result.rc.empty() && !solution.x.empty())) return;
     result.rc.resize(data.cols.size());
     result.pi.resize(data.rows.size());
