@@ -3,13 +3,14 @@ own."""
 
 import copy
 import gc
+import numbers
 import subprocess
 import sys
 
 import pytest
 
 import zelvanpy
-from zelvanpy import ZVN, Column, Env, Model, TempConstr, ZelvanError, tupledict
+from zelvanpy import ZVN, Column, Env, Model, QuadExpr, TempConstr, Var, ZelvanError, quicksum, tupledict
 
 
 def run(program):
@@ -213,3 +214,116 @@ def test_a_stream_that_fails_is_told_once():
             "sys.stdout = %s\nm.optimize()\nsys.stdout = sys.__stdout__\nprint(m.Status)\n" % broken
         )
         assert ended.stdout.split()[-1:] == [str(ZVN.OPTIMAL)] and ended.stderr.count("Error:") == 1, ended.stderr
+
+
+class Emptying(numbers.Number):
+    """What converts to numbers and texts, and changes an expression on the way."""
+
+    def __init__(self, q, value):
+        self.q, self.value = q, value
+
+    def __float__(self):
+        self.q.__init__()
+        gc.collect()
+        return float(self.value)
+
+
+def test_quadratic_expressions_whose_arguments_change_them():
+    xs = [Var(None, i) for i in range(450)]
+
+    def product():
+        q = QuadExpr()
+        for x in xs:
+            q = q + x * x + x
+        return q
+
+    class Same(Var):
+        def sameAs(self, other):
+            q.clear()
+            gc.collect()
+            return True
+
+    q = product()
+    q.addTerms([1.0, Emptying(q, 2)], xs[:2], xs[2:4])
+    assert (q.size(), q.getCoeff(1)) == (2, 2.0)
+    q = product()
+    q.addTerms(Emptying(q, 3), xs[0], xs[1])
+    assert (q.size(), q.getLinExpr().size()) == (1, 0)
+    q = product()
+    q._mul(Emptying(q, 3))
+    assert q.size() == 0
+    q = product()
+    q.add(product(), Emptying(q, 2))
+    assert (q.size(), q.getCoeff(449)) == (450, 2.0)
+    q = product()
+    q.addConstant(Emptying(q, 1))
+    assert q.size() == 0
+    q = Same(None, 7) * xs[0] + product()
+    q.remove(xs[3])
+    assert q.size() == 449  # what there was, without the terms of the two
+    q = QuadExpr(xs[0] + 1)
+    q *= Emptying(q, 3)
+    assert q.getLinExpr().size() == 0
+
+
+@pytest.mark.parametrize("change", ["clear", "__init__", "chain", "multiply"])
+def test_quadratic_expressions_and_finalizers_in_the_middle(change):
+    """The collector runs where an operator makes an object, and code of garbage changes its operands."""
+    xs = [Var(None, i) for i in range(450)]
+    in_the_middle = []
+
+    def chain(of):
+        q = of()
+        for x in xs[:210]:
+            q = q + (x * x if of is QuadExpr else x)
+        return q
+
+    class Garbage:
+        def __init__(self, q, e):
+            self.q, self.e, self.me = q, e, self
+
+        def __del__(self):
+            in_the_middle.append(gc.get_threshold()[0] == 1)
+            for victim in (self.q, self.q.getLinExpr(), self.e):
+                if change == "chain":
+                    victim.__init__(chain(type(victim)))
+                elif change == "multiply" and victim is not self.q:
+                    victim.add(quicksum(xs))
+                elif change != "multiply":
+                    getattr(victim, change)()
+
+    operations = [
+        lambda q, e: q + e,
+        lambda q, e: e - q,
+        lambda q, e: e * e,
+        lambda q, e: e * xs[0],
+        lambda q, e: QuadExpr(e) * e,
+        lambda q, e: q.__iadd__(e),
+        lambda q, e: q.__imul__(2),
+        lambda q, e: q.__isub__(q),
+        lambda q, e: quicksum([q, e, q]),
+        lambda q, e: QuadExpr(q),
+        lambda q, e: q.copy().size(),
+        lambda q, e: q.getLinExpr(),
+        lambda q, e: q._normalize(),
+        lambda q, e: (q <= e, q == 1),
+        lambda q, e: q.__reduce__(),
+        lambda q, e: str(q.size()),
+        lambda q, e: getattr(zelvanpy, "__simpleexpr")(q),
+    ]
+    threshold = gc.get_threshold()
+    for operation in operations:
+        for q in (xs[0] * xs[1], chain(QuadExpr), QuadExpr(xs[0])):
+            e = xs[0] + 2 * xs[1] + 1
+            used_up = None
+            used_up = [x * x for x in xs], [x + 1 for x in xs]  # nothing more comes from a free list
+            Garbage(q, e)
+            gc.set_threshold(1)
+            try:
+                result = operation(q, e)
+            finally:
+                gc.set_threshold(*threshold)
+            assert str(result) and str(q) and str(e)
+            assert all(part.size() == 1 for parts in used_up for part in parts)
+    if sys.version_info < (3, 12):  # from there on the collector waits for the next instruction
+        assert in_the_middle.count(True) > len(operations)
