@@ -85,6 +85,8 @@ def test_sums_of_products(xyz):
         assert content(q) == expected
     assert content(squares.sum()) == content(sum(squares.values()))
     assert [q.size() for q in kept] == [1, 1, 1]
+    with_rest = quicksum(v * v + 2 * v + 1 for v in xyz)
+    assert content(with_rest) == (3.0, [(2, 0), (2, 1), (2, 2)], [(1, 0, 0), (1, 1, 1), (1, 2, 2)])
     e = LinExpr(xyz[0])
     shared = e
     e += kept[0]
@@ -493,6 +495,9 @@ def test_pickles_and_copies():
         assert [blocks(e) for e in twins] == [blocks(e) for e in (q, later, tagged)]
         assert [content(e.copy()) for e in twins] == [content(e.copy()) for e in (q, later, tagged)]
         assert type(twins[2]) is Own and twins[2].tag == "t"
+    twin = copy.copy(tagged)
+    twin.getLinExpr().add(vs[5])
+    assert content(tagged) == (0.0, [], [(1, 0, 1)])
     restore, args = (vs[0] * vs[1]).__reduce__()
     good = args[2]
     for place, wrong in [(0, None), (0, OwnLinear()), (1, [1.0, 2.0]), (2, LinExpr()), (3, [1]), (4, (vs[0],))]:

@@ -207,7 +207,8 @@ py::object Model_getPWLObj(Model& self, Args args) {
 PyMethodDef model_build_objective_methods[] = {
     {"setObjective", method<Model_setObjective>, kKeywords,
      "setObjective($self, expr, sense=None)\n--\n\n"
-     "Replace the objective by an expression. sense: ZVN.MINIMIZE, ZVN.MAXIMIZE, or None to leave ModelSense.\n\n"
+     "Replace the objective by an expression, linear or quadratic. sense: ZVN.MINIMIZE, ZVN.MAXIMIZE, or None to leave "
+     "ModelSense.\n\n"
      "Raises ZelvanError with ZVN.ERROR_NOT_IN_MODEL for a variable of another model or without index."},
     {"setObjectiveN", method<Model_setObjectiveN>, kKeywords,
      "setObjectiveN($self, expr, index, priority=0, weight=1.0, abstol=1e-6, reltol=0.0, name='')\n--\n\n"

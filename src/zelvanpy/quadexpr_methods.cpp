@@ -163,7 +163,7 @@ PyObject* restore_quadexpr(py::handle, py::handle args) {
         buffer.append({pickled_coefficient(coeffs, i), pickled_variable(vars1, i), pickled_variable(vars2, i)});
     py::object e = owned(ExprMemory<QuadExpr>::allocate(pickled.type));
     swap_terms(as_quadexpr(e), buffer);
-    set_linear_part(as_quadexpr(e), borrow(linear));
+    set_linear_part(as_quadexpr(e), owned(linexpr_copy(as_linexpr(linear))));  // copy.copy() gives that of the original
     set_tail(as_quadexpr(e), tail == Py_None ? nullptr : as_quadexpr(tail));
     return e.release().ptr();
 }
