@@ -14,6 +14,7 @@ struct Care {
     bool node = false;     // a part of a larger search, which tells the log itself
     bool simplex = false;  // of an LP: simplex, whatever the parameters ask for
     int iteration_limit = std::numeric_limits<int>::max();
+    int barrier_limit = std::numeric_limits<int>::max();
 };
 
 // The parameters that HiGHS has options for, without the limits.

@@ -21,6 +21,8 @@ constexpr int kMostRounds = 20;
 constexpr int kMostRefinements = 10;
 // Added to the diagonal of the system, in terms of its largest entry, as it may be singular.
 constexpr double kRegularization = 1e-9;
+// Rounding of a sum of products, relative to their magnitudes.
+constexpr double kRounding = 1e-15;
 // A candidate that is better than this is good enough.
 constexpr double kPrecise = 1e-12;
 // Distances to sides below this, relatively, are none.
@@ -169,25 +171,32 @@ private:
 
 }  // namespace
 
-double Candidate::error() const { return std::max({breach, wrong, gap}); }
+double Candidate::error() const { return std::max({breach, wrong, gap, noise}); }
 
 Candidate candidate_of(const Problem& problem, std::vector<double> x, std::vector<double> pi) {
     Candidate found{std::move(x), std::move(pi), {}, {}};
     found.rc = reduced_costs(problem, found.x, found.pi, found.activity);
-    double products = 0.0, scale = 1.0;
+    double products = 0.0, linear = 0.0, terms = 0.0;
     const auto add = [&](double dual, double value, double lower, double upper) {
         const bool is_number = std::isfinite(value) && std::isfinite(dual);
         found.breach = std::max(found.breach, is_number ? outside(value, lower, upper) : kInf);
-        found.wrong = std::max(found.wrong, wrong_sign(dual, lower, upper));
-        products += complementarity(dual, value, lower, upper);
+        const double wrong = wrong_sign(dual, lower, upper);
+        found.wrong = std::max(found.wrong, wrong);
+        products += wrong > 0.0 ? wrong * std::fabs(value) : complementarity(dual, value, lower, upper);
     };
     for (int j = 0; j < problem.num_cols(); ++j) {
         add(problem.sense * found.rc[j], found.x[j], problem.lb[j], problem.ub[j]);
-        scale += std::fabs(problem.cost[j] * found.x[j]);
+        linear += problem.cost[j] * found.x[j];
+        terms += std::fabs(problem.cost[j] * found.x[j]);
     }
     for (int i = 0; i < problem.num_rows(); ++i)
         add(problem.sense * found.pi[i], found.activity[i], problem.row_lower[i], problem.row_upper[i]);
-    found.gap = products / (scale + std::fabs(value_of(problem.quad, found.x.data())));
+    const QuadTerms& quad = problem.quad;
+    for (std::size_t k = 0; k < quad.size(); ++k)
+        terms += std::fabs(quad.val[k] * found.x[quad.row[k]] * found.x[quad.col[k]]);
+    const double scale = 1.0 + std::max(std::fabs(linear), std::fabs(value_of(quad, found.x.data())));
+    found.gap = products / scale;
+    found.noise = kRounding * terms / scale;
     return found;
 }
 

@@ -14,7 +14,9 @@ struct Candidate {
     std::vector<double> activity;  // of the rows
     double breach = 0.0;           // largest violation of bounds and rows
     double wrong = 0.0;            // largest dual value that speaks for a side that isn't there
-    double gap = 0.0;              // products of dual values and distances to sides, relative to the objective
+    // Relative to the objective: products of dual values and distances to sides, and what rounding may make of it where
+    // large terms cancel out.
+    double gap = 0.0, noise = 0.0;
 
     double error() const;
 };

@@ -26,6 +26,8 @@ constexpr std::size_t kFewerEntries = 4;
 // The active-set method comes first where there are this many terms, and this share of all that there could be.
 constexpr std::size_t kManyTerms = 200;
 constexpr double kFullShare = 0.1;
+// More iterations of the interior-point method than this lead nowhere.
+constexpr int kMostBarrierIterations = 200;
 // Iterations of the active-set method for each row and column, and besides, before another way is tried.
 constexpr int kIterationsForEach = 4, kIterationsAlways = 200;
 // Additions and multiplications between two looks at limits that the active-set method doesn't know, and the least
@@ -37,6 +39,9 @@ constexpr double kRegularization = 1e-7;
 // A relative gap, in terms of the objective, that is optimal, and the largest one that isn't polished away.
 constexpr double kLargestGap = 1e-7;
 constexpr double kPrecise = 1e-9;
+
+// Rows and columns of a problem that is solved in all ways until one is precise.
+constexpr int kSmall = 300;
 
 // A limit or a stop ended the recognition.
 struct Stopped {};
@@ -93,13 +98,11 @@ public:
             result = run_way(way);
             if (!is_within_limits(result.outcome) || result.outcome == Outcome::kInfeasible) break;
             if (is_unlimited(result)) break;
-            if (best_ && is_optimal(*best_)) {
-                result.outcome = Outcome::kOptimal;
-                break;
-            }
             result.outcome = Outcome::kUnknown;
-            context_.monitor.log("The optimality conditions don't hold\n");
+            if (best_ && is_optimal(*best_) && (best_->error() <= kPrecise || !is_small())) break;
+            context_.monitor.log("The optimality conditions don't hold to the last digits\n");
         }
+        if (result.outcome == Outcome::kUnknown && best_ && is_optimal(*best_)) result.outcome = Outcome::kOptimal;
         return with_best(std::move(result));
     }
 
@@ -127,8 +130,9 @@ private:
 
     SolverResult run_barrier() {
         context_.session.set_option("solver", "hipo");
+        const int limit = std::exchange(context_.care.barrier_limit, kMostBarrierIterations);
         SolverResult result = run_session(context_);
-        // HiPO has a limit of its own.
+        context_.care.barrier_limit = limit;
         const bool is_ours = context_.barrier_iterations >= context_.params.get_int(Param::BarIterLimit) ||
                              context_.monitor.reaches_limit(context_.work);
         if (result.outcome == Outcome::kIterationLimit && !is_ours) result.outcome = Outcome::kUnknown;
@@ -163,6 +167,9 @@ private:
         }
     }
 
+    // Solving it in another way costs next to nothing.
+    bool is_small() const { return problem_.num_cols() + problem_.num_rows() <= kSmall; }
+
     int iterations_left() const {
         const double left = context_.params.get_dbl(Param::IterationLimit) - context_.iterations;
         return static_cast<int>(std::clamp(std::min(left, context_.monitor.iterations_left()), 0.0, 1e9));
@@ -180,7 +187,7 @@ private:
 
     bool is_optimal(const Candidate& candidate) const {
         return candidate.breach <= context_.params.get_dbl(Param::FeasibilityTol) &&
-               candidate.wrong <= context_.params.get_dbl(Param::OptimalityTol) && candidate.gap <= kLargestGap;
+               candidate.wrong <= context_.params.get_dbl(Param::OptimalityTol) && candidate.gap <= kLargestGap + candidate.noise;
     }
 
     SolverResult with_best(SolverResult result) {
