@@ -1,15 +1,21 @@
 """Solving with a quadratic objective: answers against the optimality conditions and enumeration, statuses, limits."""
 
 import itertools
+import sys
 
 import numpy
 import pytest
+import scipy.sparse
 from hypothesis import given
 from hypothesis import strategies as st
 from native import INFINITY, NOT_AVAILABLE, Environment, LibraryError
 from scipy.optimize import linprog
+from solvable import Listener
 
-OPTIMAL, INFEASIBLE, UNBOUNDED, ITERATION_LIMIT, TIME_LIMIT = 2, 3, 5, 7, 9
+import zelvanpy
+from zelvanpy import ZVN
+
+OPTIMAL, INFEASIBLE, UNBOUNDED, ITERATION_LIMIT, TIME_LIMIT, WORK_LIMIT = 2, 3, 5, 7, 9, 16
 NOT_PSD, NOT_SUPPORTED = 10020, 10024
 INF = numpy.inf
 
@@ -162,3 +168,185 @@ def has_basis(m):
         assert e.code == NOT_AVAILABLE
         return False
     return True
+
+
+def chain(n, missing=0.0):
+    """The sum of the squares of differences of neighbours, singular; `missing` is taken off one diagonal element."""
+    Q = scipy.sparse.diags([numpy.full(n, 2.0), numpy.full(n - 1, -1.0), numpy.full(n - 1, -1.0)], [0, 1, -1]).tolil()
+    Q[0, 0] = Q[n - 1, n - 1] = 1.0
+    Q[n // 2, n // 2] -= missing
+    return Q.tocsr()
+
+
+def arrow(n, missing=0.0):
+    """A column that goes with all others, which fills in nothing where it is eliminated last; singular."""
+    Q = scipy.sparse.eye(n).tolil()
+    Q[0, 1:] = Q[1:, 0] = 1.0
+    Q[0, 0] = n - 1 - missing
+    return Q.tocsr()
+
+
+def low_rank(n, missing=0.0):
+    """A full matrix of rank 3 with large entries."""
+    F = 1e4 * numpy.random.default_rng(n).standard_normal((3, n))
+    Q = F.T @ F
+    Q[n // 2, n // 2] -= missing
+    return Q
+
+
+def is_recognized(env, Q, sense=1):
+    """Whether the solve takes x'Qx over a box, minimized or maximized."""
+    Q = scipy.sparse.triu(Q).tocoo()
+    terms = [(int(i), int(j), v if i == j else 2 * v) for i, j, v in zip(Q.row, Q.col, Q.data) if v != 0]
+    with env.new("", [-1.0] * Q.shape[0], [1.0] * Q.shape[0]) as m:
+        m.set_objective([], terms, sense)
+        m.env.set("TimeLimit", 1e-9) if Q.shape[0] > 100 else None
+        try:
+            m.optimize()
+        except LibraryError as e:
+            assert (
+                e.code == NOT_PSD and "quadratic objective is not %s" % ("convex" if sense > 0 else "concave") in e.text
+            )
+            return False
+    return True
+
+
+@pytest.mark.parametrize("build", [chain, arrow, low_rank])
+def test_sparse_and_full_forms_are_told_by_what_is_missing(env, build):
+    assert is_recognized(env, build(90)) and is_recognized(env, -build(90), -1)
+    assert not is_recognized(env, build(90), -1)
+    assert is_recognized(env, build(90, 1e-9)) and not is_recognized(env, build(90, 2.0))
+
+
+@given(st.integers(0, 10**6), st.integers(1, 40), st.sampled_from([0.05, 0.3, 1.0]))
+def test_convexity_agrees_with_eigenvalues(env, seed, n, density):
+    rng = numpy.random.default_rng(seed)
+    F = rng.standard_normal((rng.integers(1, n + 1), n)) * (rng.random(n) < 0.9)
+    F[rng.random(F.shape) > density] = 0.0
+    Q = F.T @ F + rng.choice([0.0, 1e-3, -1e-3]) * numpy.diag(rng.random(n) < 0.3)
+    if not Q.any():
+        return
+    least = numpy.linalg.eigvalsh(Q).min()
+    if least > -1e-9 or least < -1e-4:
+        assert is_recognized(env, Q) == (least > -1e-9), least
+
+
+def test_what_goes_with_no_quadratic_objective_is_refused(env):
+    square = [(0, 0, 1.0), (1, 1, 1.0)]
+    with env.new("", [0.0] * 2, [1.0] * 2, vtype="CI") as m:
+        m.set_objective([], square)
+        e = m.refused("optimize")
+        assert e.code == NOT_SUPPORTED and "integer" in e.text and m.get("Status") == 1
+        m.set("VType", "C", 1)
+        m.set_objective([], [(0, 0, 1.0), (0, 1, -3.0), (1, 1, 1.0)])
+        e = m.refused("optimize")
+        assert e.code == NOT_PSD and "The quadratic objective is not convex" in e.text
+        m.set_objective([], square)
+        m.optimize()
+        assert m.get("Status") == OPTIMAL
+
+
+def kernel(n, rank):
+    """A support vector machine's dual over points of `rank` dimensions."""
+    rng = numpy.random.default_rng(n)
+    points = rng.standard_normal((n, rank))
+    labels = numpy.sign(points[:, 0] + 0.3 * rng.standard_normal(n))
+    half = 0.5 * (points * labels[:, None]) @ (points * labels[:, None]).T
+    return Program(-numpy.ones(n), half, [labels], [0.0], [0.0], 0.0, 1.0)
+
+
+def portfolio(n):
+    rng = numpy.random.default_rng(n)
+    F = rng.standard_normal((5, n))
+    return Program(-rng.random(n), F.T @ F + numpy.diag(rng.random(n)), [numpy.ones(n)], [1.0], [1.0])
+
+
+def least_squares(n):
+    rng = numpy.random.default_rng(n)
+    A = rng.standard_normal((n // 5, n)) * (rng.random((n // 5, n)) < 0.1)
+    side = A @ rng.random(n)
+    return Program(-2 * rng.standard_normal(n), numpy.eye(n), A, side, side)
+
+
+@pytest.mark.parametrize(
+    "program, way",
+    [
+        (kernel(250, 4), "by interior points, on the squares of the objective"),
+        (portfolio(150), "by active sets"),
+        (least_squares(250), "by interior points\n"),
+    ],
+)
+def test_ways_that_suit_agree(program, way):
+    log = Environment()
+    with program.model(log) as m:
+        m.optimize()
+        assert way.strip() in next(line for line in log.log if "quadratic program" in line)
+        objective = program.check_optimal(m, tolerance=1e-7)
+        by_barrier = m.get("BarIterCount") > 0
+        assert by_barrier == (way != "by active sets")
+        if by_barrier:
+            assert m.get("BarX", [0, 1]) == m.get("X", [0, 1])
+        for method in (1, 2):
+            m.env.set("Method", method)
+            m.optimize()
+            assert m.get("ObjVal") == pytest.approx(objective, rel=1e-7)
+    log.close()
+
+
+def test_limits_end_in_their_status(env):
+    for method, limit, value, status in [
+        (1, "IterationLimit", 5.0, ITERATION_LIMIT),
+        (2, "BarIterLimit", 2, ITERATION_LIMIT),
+        (2, "WorkLimit", 1e-9, WORK_LIMIT),
+        (-1, "TimeLimit", 0.0, TIME_LIMIT),
+    ]:
+        with portfolio(150).model(env) as m:
+            m.env.set("Method", method)
+            m.env.set(limit, value)
+            m.optimize()
+            assert m.get("Status") == status, limit
+            if m.get("SolCount"):
+                assert sum(m.get("X", range(150))) == pytest.approx(1.0)
+
+
+def test_a_changed_model_solves_like_a_new_one(env_silent):
+    m = zelvanpy.Model(env=env_silent)
+    x = m.addVars(6, lb=-1, ub=4, name="x")
+    row = m.addConstr(x.sum() >= 3)
+    squares = zelvanpy.quicksum((i + 1) * x[i] * x[i] - x[i] * x[(i + 1) % 6] for i in range(6))
+
+    def solve():
+        m.update()
+        fresh = m.copy()
+        for model in (m, fresh):
+            model.optimize()
+            assert model.Status == ZVN.OPTIMAL
+        assert m.ObjVal == pytest.approx(fresh.ObjVal, rel=1e-7)
+        return m.ObjVal
+
+    m.setObjective(squares + x[0])
+    values = [solve(), solve()]
+    row.RHS = 5
+    values.append(solve())
+    x[2].UB = 0.25
+    values.append(solve())
+    m.addConstr(x[0] - x[1] == 1)
+    y = m.addVar(ub=2)
+    m.setObjective(squares + y * y - 3 * y)
+    values.append(solve())
+    m.setObjective(x[0] + 2 * x[1] + y)
+    values.append(solve())
+    assert x[0].VBasis in (0, -1, -2)
+    m.setObjective(-squares, ZVN.MAXIMIZE)
+    m.remove(row)
+    values.append(solve())
+    assert values[0] == pytest.approx(values[1], rel=1e-9) and len({round(value, 6) for value in values}) == 6
+
+
+def test_a_solve_is_stopped_between_the_runs_of_the_methods(monkeypatch):
+    m = zelvanpy.Model()
+    x = m.addVars(60, ub=1)
+    m.setObjective(zelvanpy.quicksum((1 + (i == j)) * x[i] * x[j] - x[i] for i in range(60) for j in range(i, 60)))
+    monkeypatch.setattr(sys, "stdout", Listener("Solving the quadratic program", m.terminate))
+    m.optimize()
+    assert m.Status == ZVN.INTERRUPTED

@@ -64,6 +64,7 @@ double concurrent_winner(const Model&);
 double condition_estimate(const Model&);
 double condition(const Model&);
 Values primal_values(const Model&);
+Values barrier_values(const Model&);
 Values pool_values(const Model&);
 Values reduced_costs(const Model&);
 Values duals(const Model&);

@@ -79,6 +79,14 @@ double farkas_proof(const Model& m) {
 
 Values primal_values(const Model& m) { return present(m.solution.x, m.num_cols(), m, kNoSolution); }
 
+// The iterate before crossover is not kept, so it has to be that after which there was none.
+Values barrier_values(const Model& m) {
+    const Solution& solution = m.solution;
+    if (solution.barrier_iterations == 0 || !solution.vbasis.empty() || solution.is_mip)
+        throw missing("the solution isn't one of the barrier method without crossover");
+    return primal_values(m);
+}
+
 Values pool_values(const Model& m) {
     const int number = selected_solution(m);
     return Values::of(m.solution.pool.empty() ? m.solution.x : m.solution.pool[number]);

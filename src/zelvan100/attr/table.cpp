@@ -73,7 +73,6 @@ constexpr const char* kNoScenarios = "the model has no scenarios";
 constexpr const char* kNoBatch = "it belongs to batches, not to models";
 constexpr const char* kNoPresolved = "no presolved model has been kept";
 constexpr const char* kNoObject = "the model has no object of this kind";
-constexpr const char* kNoBarX = "the barrier iterate before crossover is not kept";
 
 constexpr AttrSpec kAttrs[] = {
     // Model
@@ -143,7 +142,7 @@ constexpr AttrSpec kAttrs[] = {
     column("X", kDouble, primal_values),
     column("RC", kDouble, reduced_costs),
     column("Xn", kDouble, pool_values),
-    absent("BarX", kDouble, Kind::kColumn, kNoBarX),
+    column("BarX", kDouble, barrier_values),
     column("Start", kDouble, option_of<Kind::kColumn, Option::kStart>)
         .set(-kUndefined, kUndefined, rules::kOption<Kind::kColumn, Option::kStart>),
     column("VarHintVal", kDouble, option_of<Kind::kColumn, Option::kHintValue>)

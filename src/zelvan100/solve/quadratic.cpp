@@ -39,7 +39,6 @@ constexpr double kRegularization = 1e-7;
 // A relative gap, in terms of the objective, that is optimal, and the largest one that isn't polished away.
 constexpr double kLargestGap = 1e-7;
 constexpr double kPrecise = 1e-9;
-
 // Rows and columns of a problem that is solved in all ways until one is precise.
 constexpr int kSmall = 300;
 
@@ -95,6 +94,11 @@ public:
         SolverResult result;
         for (Way way : ways_of(problem_, context_)) {
             context_.monitor.log(std::string("Solving the quadratic program ") + text_of(way) + "\n");
+            // The active-set method doesn't ask by itself.
+            if (context_.monitor.poll() == Answer::kStop) {
+                result.outcome = Outcome::kStopped;
+                break;
+            }
             result = run_way(way);
             if (!is_within_limits(result.outcome) || result.outcome == Outcome::kInfeasible) break;
             if (is_unlimited(result)) break;
@@ -107,8 +111,8 @@ public:
     }
 
 private:
-    // Both methods call bounded problems unbounded at times. Where a direction shows that one is, the check of the answer
-    // looks for a feasible point.
+    // Both methods call bounded problems unbounded at times. Where a direction shows that one is, the check of the
+    // answer looks for a feasible point.
     bool is_unlimited(SolverResult& result) {
         if (result.outcome != Outcome::kUnbounded && result.outcome != Outcome::kInfeasibleOrUnbounded) return false;
         if (confirmed_direction(problem_, context_).empty()) return false;
@@ -124,7 +128,7 @@ private:
         set_options(context_.session, context_.params, reshaped.problem(), context_.care);
         context_.session.load(reshaped.problem());
         SolverResult result = way == Way::kActiveSet ? run_active_set(reshaped.problem()) : run_barrier();
-        if (!result.rc.empty()) take(reshaped, result);
+        if (!result.x.empty()) take(reshaped, result);
         return result;
     }
 
@@ -180,6 +184,10 @@ private:
 
     void take(const Reshaped& reshaped, const SolverResult& result) {
         std::vector<double> x(result.x.begin(), result.x.begin() + problem_.num_cols());
+        if (result.rc.empty()) {
+            if (problem_.is_feasible(x, context_.params.get_dbl(Param::FeasibilityTol))) point_ = std::move(x);
+            return;
+        }
         Candidate candidate = candidate_of(problem_, std::move(x), reshaped.multipliers(result.pi));
         if (candidate.error() > kPrecise) candidate = polished(problem_, std::move(candidate));
         if (!best_ || candidate.error() < best_->error()) best_ = std::move(candidate);
@@ -187,7 +195,8 @@ private:
 
     bool is_optimal(const Candidate& candidate) const {
         return candidate.breach <= context_.params.get_dbl(Param::FeasibilityTol) &&
-               candidate.wrong <= context_.params.get_dbl(Param::OptimalityTol) && candidate.gap <= kLargestGap + candidate.noise;
+               candidate.wrong <= context_.params.get_dbl(Param::OptimalityTol) &&
+               candidate.gap <= kLargestGap + candidate.noise;
     }
 
     SolverResult with_best(SolverResult result) {
@@ -195,21 +204,24 @@ private:
         result.x.clear();
         result.rc.clear();
         result.pi.clear();
-        if (!best_) return result;
-        if (result.outcome != Outcome::kOptimal && best_->breach > context_.params.get_dbl(Param::FeasibilityTol))
-            return result;
-        result.objective = problem_.offset + value_of(problem_.quad, best_->x.data());
-        for (int j = 0; j < problem_.num_cols(); ++j) result.objective += problem_.cost[j] * best_->x[j];
+        const double tolerance = context_.params.get_dbl(Param::FeasibilityTol);
+        if (best_ && (result.outcome == Outcome::kOptimal || best_->breach <= tolerance)) {
+            point_ = std::move(best_->x);
+            result.pi = std::move(best_->pi);
+            result.rc = std::move(best_->rc);
+        }
+        if (point_.empty()) return result;
+        result.objective = problem_.offset + value_of(problem_.quad, point_.data());
+        for (int j = 0; j < problem_.num_cols(); ++j) result.objective += problem_.cost[j] * point_[j];
         result.bound = result.objective;
-        result.x = std::move(best_->x);
-        result.pi = std::move(best_->pi);
-        result.rc = std::move(best_->rc);
+        result.x = std::move(point_);
         return result;
     }
 
     const Problem& problem_;
     Context& context_;
     std::optional<Candidate> best_;
+    std::vector<double> point_;  // that holds, of a run that ended early
 };
 
 }  // namespace

@@ -113,10 +113,10 @@ void set_limits(HighsSession& session, const Context& context) {
         "simplex_iteration_limit",
         std::min({context.care.iteration_limit, left(params.get_dbl(Param::IterationLimit), context.iterations),
                   left(monitor.iterations_left(), 0.0)}));
-    session.set_option("ipm_iteration_limit",
-                       std::min({context.care.barrier_limit,
-                                 left(params.get_int(Param::BarIterLimit), context.barrier_iterations),
-                                 left(monitor.barrier_iterations_left(), 0.0)}));
+    session.set_option(
+        "ipm_iteration_limit",
+        std::min({context.care.barrier_limit, left(params.get_int(Param::BarIterLimit), context.barrier_iterations),
+                  left(monitor.barrier_iterations_left(), 0.0)}));
     session.set_option("mip_max_nodes", left(params.get_dbl(Param::NodeLimit), context.nodes));
     // Not every solution of a node is one of the whole.
     const double solution_limit = context.care.node ? kInfinity : params.get_int(Param::SolutionLimit);
