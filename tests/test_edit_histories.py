@@ -9,10 +9,10 @@ import os
 import random
 
 import pytest
-from native import INFINITY, Double, Environment, Int, array
+from native import INFINITY, Double, Environment, Int, LibraryError, array
 
 NUM_HISTORIES = int(os.environ.get("ZELVAN_RANDOM_HISTORIES", 1500))
-OPTIMAL = 2
+OPTIMAL, NOT_PSD = 2, 10020
 TINY = [1e-10, 1e-13]  # coefficients that rows are multiplied for, or that HiGHS has to be told to keep
 
 
@@ -56,9 +56,9 @@ class QuadraticRow:
 class Plain:
     """What the edited model must be after its next update, and the random edits, each done to both."""
 
-    def __init__(self, rng, model, integers=False, quadratic=False):
+    def __init__(self, rng, model, integers=False, quadratic=False, convex=False):
         self.rng, self.model = rng, model
-        self.integers, self.quadratic = integers, quadratic
+        self.integers, self.quadratic, self.convex = integers, quadratic, convex
         self.columns, self.rows, self.sets, self.quadratic_rows, self.deleted = [], [], [], [], []
         self.products = {}  # of the objective, as those of a quadratic row
         self.sense, self.constant, self.named = 1, 0.0, 0
@@ -162,6 +162,20 @@ class Plain:
         linear = [(self.index(column), value) for column, value in costs.items()]
         self.model.set_objective(linear, passed, 0, self.constant)
 
+    def set_squares(self):
+        """As the objective a sum of squares, convex until its sense turns."""
+        passed = []
+        for _ in range(self.rng.randint(1, 3)):
+            some = self.some([column for column in self.columns if not column.null], 3)
+            form = [(self.index(column), float(self.rng.randint(-2, 2))) for column in some]
+            passed += [(i, j, self.sense * a * b) for i, a in form for j, b in form]
+        self.products = {}
+        for i, j, value in passed:
+            pair = (self.columns[min(i, j)], self.columns[max(i, j)])
+            self.products[pair] = self.products.get(pair, 0.0) + value
+        self.products = {pair: value for pair, value in self.products.items() if value}
+        self.model.set_objective([(j, column.obj) for j, column in enumerate(self.columns)], passed, 0, self.constant)
+
     def set_quadratic_side(self):
         for row in self.some(self.quadratic_rows):
             row.rhs = float(self.rng.randint(-3, 9))
@@ -233,6 +247,8 @@ class Plain:
         edits += [self.rename]
         if self.quadratic:
             edits += [self.add_quadratic_row, self.add_quadratic_row, self.set_objective, self.set_quadratic_side]
+        if self.convex:
+            edits += 8 * [self.set_squares]
         for edit in self.rng.choices(edits, k=self.rng.randint(1, 4)):
             edit()
 
@@ -284,16 +300,20 @@ def add_set(model, some, columns):
 
 
 def answer(model):
-    """Status, and the objective of an optimal model."""
-    model.optimize()
+    """Status, and the objective of an optimal model; the code of a refusal."""
+    try:
+        model.optimize()
+    except LibraryError as error:
+        assert error.code == NOT_PSD
+        return error.code, 0.0
     status = model.get("Status")
     return status, model.get("ObjVal") if status == OPTIMAL else 0.0
 
 
-def check_history(env, seed):
+def check_history(env, seed, **kind):
     rng = random.Random(seed)
     with env.new() as model:
-        plain = Plain(rng, model, seed % 2)
+        plain = Plain(rng, model, **kind)
         for _ in range(rng.randint(2, 6)):
             plain.edit()
             kept = answer(model)
@@ -342,8 +362,20 @@ def test_kept_session_answers_as_a_fresh_one():
     ends = collections.Counter()
     for seed in range(NUM_HISTORIES):
         try:
-            ends[check_history(env, seed)] += 1
+            ends[check_history(env, seed, integers=seed % 2)] += 1
         except Exception as fault:
             raise AssertionError("history %d" % seed) from fault
     assert ends[OPTIMAL] > NUM_HISTORIES / 3
+    env.close()
+
+
+def test_kept_session_answers_with_a_quadratic_objective_as_a_fresh_one():
+    env = Environment(OutputFlag=0, UpdateMode=0, DualReductions=0)
+    ends = collections.Counter()
+    for seed in range(NUM_HISTORIES // 10):
+        try:
+            ends[check_history(env, seed, convex=True)] += 1
+        except Exception as fault:
+            raise AssertionError("history %d" % seed) from fault
+    assert ends[OPTIMAL] > NUM_HISTORIES / 30 and ends[NOT_PSD] > 0
     env.close()

@@ -211,6 +211,16 @@ def test_faulty_brackets(env, tmp_path, objective, constraint, words):
     assert error.code == 10012 and words in error.text and "line" in error.text
 
 
+@pytest.mark.parametrize("name", ["primal1.mps", "qjh_quadobj.mps"])
+def test_instances_end_at_their_reference(env, shared_data, reference, tmp_path, name):
+    with env.read(shared_data / name) as model:
+        model.write(tmp_path / "copy.lp")
+        with env.read(tmp_path / "copy.lp") as copy:
+            for either in (model, copy):
+                either.optimize()
+                assert either.get("ObjVal") == pytest.approx(float(reference[name]["objective"]), rel=1e-7)
+
+
 def test_names_are_told_apart_from_those_of_rows(env, tmp_path):
     with env.new(lb=[0], ub=[1]) as model:
         model.update()

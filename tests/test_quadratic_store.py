@@ -248,6 +248,18 @@ def test_the_fingerprint_sees_values_and_not_their_order(env):
     assert len({same, *others}) == 6
 
 
+def test_measures_of_a_solution(env):
+    """(x - 3)^2 + (y - 1)^2 + x y over x + y <= 2, which ends at (3, -1) with the multiplier -1."""
+    with env.new(lb=[-9, -9], ub=[9, 9], rows=[({0: 1.0, 1: 1.0}, "<", 2.0)]) as model:
+        model.set_objective([(0, -6.0), (1, -2.0)], [(0, 0, 1.0), (0, 1, 1.0), (1, 1, 1.0)], 1, 10.0)
+        model.optimize()
+        assert model.get("X", range(2)) == pytest.approx([3, -1], abs=1e-6)
+        for name in ("ObjVal", "ObjNVal"):
+            assert model.get(name) == pytest.approx(1)
+        assert model.get("Pi", 0) == pytest.approx(-1, abs=1e-5)
+        assert max(model.get(name) for name in ("DualResidual", "ConstrResidual", "MaxVio")) <= 1e-6
+
+
 def test_a_solve_says_what_it_cannot_do(model):
     model.set_objective([(0, 1.0)], TERM)
     model.add_quadratic_row("ball", "<", 1, [], [(0, 0, 1.0)])
