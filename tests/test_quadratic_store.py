@@ -154,38 +154,44 @@ TERM = [(0, 1, 1.0)]
 
 
 @pytest.mark.parametrize(
-    "arguments, code, words",
+    "terms, code, words",
     [
-        (("q", "<", 1, [], [(0, 3, 1.0)]), BAD_INDEX, "term 0 of quadratic constraint 'q' has variable index 3"),
-        (
-            ("q", "<", 1, [], TERM + [(-1, 0, 1.0)]),
-            BAD_INDEX,
-            "term 1 of quadratic constraint 'q' has variable index -1",
-        ),
-        (("", "<", 1, [], [(0, 1, float("nan"))]), BAD_VALUE, "new quadratic constraint 0 (variables 0 and 1)"),
-        (("q", "<", 1, [], [(0, 1, 1e20)]), BAD_VALUE, "infinite"),
-        (
-            ("q", "<", 1, [], [(0, 1, 9e19), (1, 0, 9e19)]),
-            BAD_VALUE,
-            "variables 0 and 1 of quadratic constraint 'q' add",
-        ),
-        (("q", "<", 1, [(1, 1.0), (1, 2.0)], TERM), DUPLICATES, "quadratic constraint 'q' repeats index 1"),
-        (("q", "<", 1, [(3, 1.0)], TERM), BAD_INDEX, "'q' has index 3"),
-        (("q", "R", 1, [], TERM), INVALID, "Sense 'R' of quadratic constraint 'q'"),
-        (("q", "<", -INFINITY, [], TERM), BAD_VALUE, "Right-hand side -infinity of quadratic constraint 'q'"),
-        (("q", "=", float("nan"), [], TERM), BAD_VALUE, "Right-hand side nan"),
-        (("n" * 256, "<", 1, [], TERM), INVALID, "Name of a quadratic constraint"),
+        ([(0, 3, 1.0)], BAD_INDEX, "Quadratic term 0 of %s has variable index 3, allowed are 0 to 2"),
+        (TERM + [(-1, 0, 1.0)], BAD_INDEX, "Quadratic term 1 of %s has variable index -1"),
+        ([(0, 1, float("nan"))], BAD_VALUE, "of %s (variables 0 and 1) has the coefficient nan"),
+        ([(2, 1, 1e20)], BAD_VALUE, "of %s (variables 2 and 1) has the coefficient 1e+20, which is infinite"),
+        ([(0, 1, 9e19), (1, 0, 9e19)], BAD_VALUE, "of variables 0 and 1 of %s add up to 1.8e+20"),
     ],
 )
-def test_what_is_refused_queues_nothing(model, arguments, code, words):
-    error = model.refused("add_quadratic_row", *arguments)
-    assert error.code == code and words in error.text
-    terms = arguments[4]
-    if terms is not TERM and len(words) > 10 and "quadratic" in words:
-        error = model.refused("set_objective", [(0, 1.0)], terms)
-        assert error.code == code and "the objective" in error.text
+def test_refused_terms_queue_nothing(model, terms, code, words):
+    for owner, call in [
+        ("the objective", lambda: model.set_objective([(0, 1.0)], terms)),
+        ("quadratic constraint 'q'", lambda: model.add_quadratic_row("q", "<", 1, [], terms)),
+        ("new quadratic constraint 0", lambda: model.add_quadratic_row("", "<", 1, [], terms)),
+    ]:
+        with pytest.raises(LibraryError) as caught:
+            call()
+        assert caught.value.code == code and words % owner in caught.value.text
     model.update()
     assert model.get("NumQConstrs") == model.get("NumQNZs") == 0 and model.get("Obj", 0) == 0.0
+
+
+@pytest.mark.parametrize(
+    "arguments, code, words",
+    [
+        (("q", "<", 1, [(1, 1.0), (1, 2.0)]), DUPLICATES, "quadratic constraint 'q' repeats index 1"),
+        (("q", "<", 1, [(3, 1.0)]), BAD_INDEX, "quadratic constraint 'q' has index 3"),
+        (("q", "R", 1, []), INVALID, "Sense 'R' of quadratic constraint 'q'"),
+        (("q", "<", -INFINITY, []), BAD_VALUE, "Right-hand side -infinity of quadratic constraint 'q'"),
+        (("q", "=", float("nan"), []), BAD_VALUE, "Right-hand side nan"),
+        (("n" * 256, "<", 1, []), INVALID, "Name of a quadratic constraint"),
+    ],
+)
+def test_refused_constraints_queue_nothing(model, arguments, code, words):
+    error = model.refused("add_quadratic_row", *arguments, TERM)
+    assert error.code == code and words in error.text
+    model.update()
+    assert model.get("NumQConstrs") == 0
 
 
 def test_indices_out_of_range_and_missing_arrays_are_refused(model):

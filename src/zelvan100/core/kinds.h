@@ -1,5 +1,7 @@
 #pragma once
 
+#include <string>
+
 namespace zelvan {
 
 // The kinds of things that have attributes; the numbers are those that ZVNgetattrinfo tells.
@@ -21,5 +23,12 @@ inline constexpr KindSpec kKinds[kNumKinds] = {
 };
 
 constexpr const KindSpec& spec_of(Kind kind) { return kKinds[static_cast<int>(kind)]; }
+
+// The noun for one of the kind, to begin a sentence with.
+inline std::string capitalized(Kind kind) {
+    std::string noun = spec_of(kind).singular;
+    if (noun[0] >= 'a') noun[0] = static_cast<char>(noun[0] - 'a' + 'A');
+    return noun;
+}
 
 }  // namespace zelvan

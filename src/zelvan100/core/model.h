@@ -156,7 +156,6 @@ private:
     friend class Update;
 
     void check_entries(const char* row_or_col, const char* name, int num, const int* ind, const double* val, int limit);
-    void append_entries(SparseRows& rows, int num, const int* col, const double* val);
     std::string_view kept_name(const char* name) const;  // empty under IgnoreNames
     void drop_replaced_texts();
 

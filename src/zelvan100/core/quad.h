@@ -13,6 +13,16 @@ struct QuadTerms {
 
     std::size_t size() const { return val.size(); }
     bool empty() const { return val.empty(); }
+    void push_back(int i, int j, double value) {
+        row.push_back(i);
+        col.push_back(j);
+        val.push_back(value);
+    }
+    void append(const QuadTerms& terms) {
+        row.insert(row.end(), terms.row.begin(), terms.row.end());
+        col.insert(col.end(), terms.col.begin(), terms.col.end());
+        val.insert(val.end(), terms.val.begin(), terms.val.end());
+    }
 };
 
 }  // namespace zelvan

@@ -160,15 +160,15 @@ void Model::check_entries(const char* what, const char* name, int num, const int
     }
 }
 
-void Model::append_entries(SparseRows& rows, int num, const int* col, const double* val) {
+namespace {
+
+void append_entries(SparseRows& rows, int num, const int* col, const double* val) {
     for (int k = 0; k < num; ++k) {
         if (val[k] == 0.0) continue;
         rows.col.push_back(col[k]);
         rows.val.push_back(val[k]);
     }
 }
-
-namespace {
 
 void check_row(Kind kind, const char* name, int index, char sense, double rhs) {
     const char* what = spec_of(kind).singular;
@@ -289,9 +289,7 @@ void Model::add_quad_row(int num, const int* col, const double* val, int num_qua
     QuadRows& rows = queue.qrows;
     make_room(rows, 1, bytes_of_names(1, &name), num, quad.size());
     append_entries(rows, num, col, val);
-    rows.quad.row.insert(rows.quad.row.end(), quad.row.begin(), quad.row.end());
-    rows.quad.col.insert(rows.quad.col.end(), quad.col.begin(), quad.col.end());
-    rows.quad.val.insert(rows.quad.val.end(), quad.val.begin(), quad.val.end());
+    rows.quad.append(quad);
     rows.push_back(sense, clipped(rhs), kept_name(name));
 }
 
@@ -299,10 +297,8 @@ void Model::delete_objects(Kind kind, int num, const int* index) {
     const int num_objects = limit(kind);
     for (int k = 0; k < num; ++k) {
         if (index[k] >= 0 && index[k] < num_objects) continue;
-        std::string noun = spec_of(kind).singular;
-        noun[0] = static_cast<char>(noun[0] >= 'a' ? noun[0] - 'a' + 'A' : noun[0]);
         throw Error(ZVN_ERROR_INDEX_OUT_OF_RANGE,
-                    noun + " " + std::to_string(index[k]) + " can't be deleted: it is not in the model");
+                    capitalized(kind) + " " + std::to_string(index[k]) + " can't be deleted: it is not in the model");
     }
     std::vector<int>& deleted = queue.deleted[static_cast<int>(kind)];
     deleted.insert(deleted.end(), index, index + num);

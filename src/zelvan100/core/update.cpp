@@ -251,9 +251,7 @@ void Update::check_sides(const Family& rows, const Family& queued, const WriteRu
         const char* fault = side_fault(sides.sense, sides.right, sides.lower);
         if (!fault) continue;
         const char* name = i < num_rows ? rows.names.get(i) : queued.names.get(i - num_rows);
-        std::string what = spec_of(Family::kKind).singular;
-        what[0] = static_cast<char>(what[0] - 'a' + 'A');
-        throw Error(ZVN_ERROR_VALUE_OUT_OF_RANGE, what + " '" +
+        throw Error(ZVN_ERROR_VALUE_OUT_OF_RANGE, capitalized(Family::kKind) + " '" +
                                                       (name ? name : ModelData::default_name(Family::kKind, i)) +
                                                       "' has the right-hand side " + number_text(sides.right) +
                                                       " with sense '" + sides.sense + "': " + fault);

@@ -299,7 +299,7 @@ ZVN_API int ZVNgetpwlobj(ZVNmodel* model, int var, int* npoints, double* x, doub
  * make theirs 1. Ranges such as MinCoeff leave out zeros and infinities, and are 0 where nothing is left.
  *
  * VarHintVal, VarHintPri, BranchPriority, Partition, PoolIgnore, PStart, DStart and Lazy are kept with the
- * model but don't act on a solve yet. */
+ * model but don't act on a solve yet. NumQCNZs counts quadratic terms; IsQP is 0 where IsQCP is 1. */
 ZVN_API int ZVNgetnumattributes(ZVNmodel* model);
 ZVN_API int ZVNgetattrname(ZVNmodel* model, int i, char** name);
 ZVN_API int ZVNgetattrinfo(ZVNmodel* model, const char* name, int* type, int* kind, int* settable);

@@ -204,9 +204,7 @@ void LpReader::product(double coeff) {
     } else {
         unexpected("^ 2 or * and a variable");
     }
-    products_.row.push_back(one);
-    products_.col.push_back(other);
-    products_.val.push_back(coeff);
+    products_.push_back(one, other, coeff);
 }
 
 // The place of the first ] that has no [ before it, the size when there is none.

@@ -157,10 +157,7 @@ void LpReader::close_quad_row(std::string_view name, char sense, double rhs) {
     }
     rows.col.resize(rows.start.back());
     rows.val.resize(rows.start.back());
-    const QuadTerms terms = take_products();
-    quadratic.quad.row.insert(quadratic.quad.row.end(), terms.row.begin(), terms.row.end());
-    quadratic.quad.col.insert(quadratic.quad.col.end(), terms.col.begin(), terms.col.end());
-    quadratic.quad.val.insert(quadratic.quad.val.end(), terms.val.begin(), terms.val.end());
+    quadratic.quad.append(take_products());
     quadratic.push_back(sense, rhs, name);
 }
 

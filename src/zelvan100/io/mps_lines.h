@@ -15,6 +15,12 @@ struct MpsLine {
     int count = 0;           // fields; kMaxFields + 1 when there are more
     std::array<std::string_view, kMaxFields> field;
     std::string_view text;
+
+    // The line from a field on, without blanks at its end.
+    std::string_view rest(int from) const {
+        const std::string_view found = text.substr(static_cast<std::size_t>(field[from].data() - text.data()));
+        return found.substr(0, found.find_last_not_of(" \t\r") + 1);
+    }
 };
 
 // Cuts the text of an MPS file into lines; comments and blank lines are passed over.

@@ -214,10 +214,9 @@ void MpsReader::open_section(const MpsLine& line) {
 
 void MpsReader::name_header(const MpsLine& line) {
     if (line.count < 2) return;
-    std::string_view name = line.text.substr(static_cast<std::size_t>(line.field[1].data() - line.text.data()));
     // In fixed form the name has columns 15 to 22, and statistics may follow.
-    if (name.data() - line.text.data() == 14) name = line.field[1];
-    name = name.substr(0, name.find_last_not_of(" \t\r") + 1);
+    const bool in_columns = line.field[1].data() - line.text.data() == 14;
+    const std::string_view name = in_columns ? line.field[1] : line.rest(1);
     source_.check_name(line.number, name);
     out_.name = name;
 }
@@ -428,8 +427,7 @@ void MpsReader::open_matrix(const MpsLine& line) {
         if (section_->matrix == &kRowForm) fail(line, "expected the name of a row behind QCMATRIX");
         return matrices_.begin_objective(line.number, *section_->matrix);
     }
-    std::string_view name = line.text.substr(static_cast<std::size_t>(line.field[1].data() - line.text.data()));
-    name = name.substr(0, name.find_last_not_of(" \t\r") + 1);
+    const std::string_view name = line.rest(1);
     const int index = row_index_[find_row(line, name)];
     if (index >= 0) return matrices_.begin_row(line.number, index, name, *section_->matrix);
     if (index == kDroppedRow) return matrices_.begin_dropped(*section_->matrix);

@@ -42,10 +42,7 @@ void MatrixReader::append_terms(const Matrix& matrix, QuadTerms& terms) const {
         const double value = coefficient(matrix.form, entry);
         if (!(std::fabs(value) < kInfinityThreshold))
             source_.fail(entry.line, "the entry of " + pair_text(entry.low, entry.high) + " is too large");
-        if (value == 0.0) continue;
-        terms.row.push_back(entry.low);
-        terms.col.push_back(entry.high);
-        terms.val.push_back(value);
+        if (value != 0.0) terms.push_back(entry.low, entry.high, value);
     }
 }
 
