@@ -94,9 +94,11 @@ double add_values(const E* e, double sum) {
     if (read_values(terms, values)) {
         const double* next = values.data();
         for (const auto& term : terms) sum += term_value(term, [&](Handle*) { return python_double(*next++); });
-    } else {
-        for (const auto& term : terms) sum += term_value(term, read_value);
+        return sum;
     }
+    TermBuffer<typename E::TermType> kept;  // reading one by one may run any code
+    for (const auto& term : terms) kept.append(term);
+    for (const auto& term : kept.terms()) sum += term_value(term, read_value);
     return sum;
 }
 

@@ -1,7 +1,5 @@
 #include "quadexpr_build.h"
 
-#include <cmath>
-
 #include "exception.h"
 #include "linexpr_build.h"
 #include "operand.h"
