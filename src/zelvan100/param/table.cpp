@@ -34,12 +34,15 @@ constexpr ParamSpec cuts(const char* name, const char* purpose) { return integer
 constexpr ParamSpec kParams[] = {
     // Termination
     integer("BarIterLimit", 0, kMaxInt, 1000, "Most iterations of the barrier method.",
-            "HiGHS option ipm_iteration_limit; the solve ends with status ITERATION_LIMIT."),
+            "HiGHS option ipm_iteration_limit; the solve ends with status ITERATION_LIMIT. With a quadratic objective "
+            "another method is tried after 200."),
     real("Cutoff", -kInf, kInf, kInf, "Objective value that a solution must not be worse than; infinite for none.",
          "A MIP gets a constraint that keeps solutions within the value, the optimum of an LP is compared with it; a "
          "solve that finds none ends with status CUTOFF. A solve of several objectives doesn't ask it."),
-    real("IterationLimit", 0, kInf, kInf, "Most iterations of the simplex method.",
-         "HiGHS option simplex_iteration_limit, and over all relaxations of a MIP; status ITERATION_LIMIT."),
+    real(
+        "IterationLimit", 0, kInf, kInf, "Most iterations of the simplex method.",
+        "HiGHS options simplex_iteration_limit and, for active sets, qp_iteration_limit, and over all relaxations of a "
+        "MIP; status ITERATION_LIMIT."),
     real("MemLimit", 0, kInf, kInf, "Most memory of the process, in gigabytes (10^9 bytes).",
          "The solve polls the memory of the process and fails with error OUT_OF_MEMORY."),
     real("NodeLimit", 0, kInf, kInf, "Most nodes of the branch-and-bound search.",
@@ -79,7 +82,9 @@ constexpr ParamSpec kParams[] = {
          "HiGHS option mip_abs_gap."),
     real("OptimalityTol", 1e-9, 1e-2, 1e-6, "Largest reduced cost of the wrong sign that counts as optimal.",
          "HiGHS option dual_feasibility_tolerance; the default leaves HiGHS its 1e-7."),
-    real("PSDTol", 0, kInf, 1e-6, "Largest diagonal shift that makes a quadratic matrix count as convex."),
+    real("PSDTol", 0, kInf, 1e-6, "Largest diagonal shift that makes a quadratic matrix count as convex.",
+         "A form that needs no more added to its diagonal is convex; relative to the largest coefficient of variables "
+         "that go together where that is below 1."),
 
     // Simplex
     integer("InfUnbdInfo", 0, 1, 0, "Whether a certificate of infeasibility or unboundedness is computed.",
@@ -249,11 +254,14 @@ constexpr ParamSpec kParams[] = {
          "Opened when it is set, or at the start of the environment; all log text goes to it while OutputFlag is 1."),
     integer("LogToConsole", 0, 1, 1, "Whether the log is shown on the console.",
             "With 0 the log goes to LogFile only."),
-    integer("Method", -1, 5, -1,
-            "Method for LP models and root relaxations: -1 automatic, 0 primal simplex, 1 dual simplex, 2 barrier, "
-            "3 concurrent, 4 and 5 deterministic concurrent.",
-            "HiGHS options solver, mip_lp_solver and simplex_strategy; 3 runs dual simplex and barrier on an LP at "
-            "once and takes the first to end, 4 and 5 are the dual simplex."),
+    integer(
+        "Method", -1, 5, -1,
+        "Method for LP models and root relaxations: -1 automatic, 0 primal simplex, 1 dual simplex, 2 barrier, "
+        "3 concurrent, 4 and 5 deterministic concurrent.",
+        "HiGHS options solver, mip_lp_solver and simplex_strategy; 3 runs dual simplex and barrier on an LP at "
+        "once and takes the first to end, 4 and 5 are the dual simplex. Barrier is IPX for an LP, as HiPO took longer "
+        "for all that were measured, and HiPO for a quadratic objective; there 0 and 1 begin with active sets, and "
+        "otherwise those come first where most products of two variables have a coefficient."),
     integer("NumericFocus", 0, 3, 0, "Care for numerical trouble: 0 automatic, 1 to 3 more.",
             "HiGHS options factor_pivot_threshold and simplex_update_limit get more careful values."),
     integer("MultiObjMethod", -1, 2, -1,
