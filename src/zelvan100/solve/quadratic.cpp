@@ -189,7 +189,7 @@ private:
             return;
         }
         Candidate candidate = candidate_of(problem_, std::move(x), reshaped.multipliers(result.pi));
-        if (candidate.error() > kPrecise) candidate = polished(problem_, std::move(candidate));
+        if (is_small() || candidate.error() > kPrecise) candidate = polished(problem_, std::move(candidate));
         if (!best_ || candidate.error() < best_->error()) best_ = std::move(candidate);
     }
 
