@@ -111,6 +111,29 @@ private:
     std::vector<int> slots_;  // at most half of them taken; empty for a short list, which is searched instead
 };
 
+// Whether each pair is larger than the one before it, so that none comes twice.
+bool are_rising(int num, const int* row, const int* col) {
+    for (int k = 1; k < num; ++k)
+        if (std::minmax(row[k - 1], col[k - 1]) >= std::minmax(row[k], col[k])) return false;
+    return true;
+}
+
+int merge_pairs(int num, int* row, int* col, double* val) {
+    FirstPairs first(num);
+    int merged = 0;
+    for (int k = 0; k < num; ++k) {
+        const int place = first.find_or_add(row, col, k, merged);
+        if (place < merged) {
+            val[place] += val[k];
+            continue;
+        }
+        row[merged] = row[k];
+        col[merged] = col[k];
+        val[merged++] = val[k];
+    }
+    return merged;
+}
+
 }  // namespace
 
 int merge_terms(int num, int* ind, double* val) {
@@ -133,18 +156,7 @@ int merge_terms(int num, int* ind, double* val) {
 }
 
 int merge_quadratic_terms(int num, int* row, int* col, double* val) {
-    FirstPairs first(num);
-    int merged = 0;
-    for (int k = 0; k < num; ++k) {
-        const int place = first.find_or_add(row, col, k, merged);
-        if (place < merged) {
-            val[place] += val[k];
-            continue;
-        }
-        row[merged] = row[k];
-        col[merged] = col[k];
-        val[merged++] = val[k];
-    }
+    const int merged = are_rising(num, row, col) ? num : merge_pairs(num, row, col, val);
     int kept = 0;
     for (int k = 0; k < merged; ++k) {
         if (val[k] == 0.0) continue;
