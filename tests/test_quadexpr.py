@@ -500,9 +500,9 @@ def test_pickles_and_copies():
     assert content(tagged) == (0.0, [], [(1, 0, 1)])
     restore, args = (vs[0] * vs[1]).__reduce__()
     good = args[2]
-    for place, wrong in [(0, None), (0, OwnLinear()), (1, [1.0, 2.0]), (2, LinExpr()), (3, [1]), (4, (vs[0],))]:
+    for position, wrong in [(0, None), (0, OwnLinear()), (1, [1.0, 2.0]), (2, LinExpr()), (3, [1]), (4, (vs[0],))]:
         state = [*good]
-        state[place] = wrong
+        state[position] = wrong
         with pytest.raises(ValueError):
             restore(QuadExpr, args[1], tuple(state))
     with pytest.raises(ValueError):

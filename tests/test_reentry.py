@@ -258,6 +258,10 @@ def test_quadratic_expressions_whose_arguments_change_them():
     q = product()
     q.addConstant(Emptying(q, 1))
     assert q.size() == 0
+    for add in (q.add, q.__iadd__, q.__isub__):
+        add(xs[0] + 1)
+        add(Emptying(q, 1))
+        assert q.getLinExpr().size() == 0
     q = Same(None, 7) * xs[0] + product()
     q.remove(xs[3])
     assert q.size() == 449  # what there was, without the terms of the two
@@ -284,6 +288,8 @@ def test_quadratic_expressions_and_finalizers_in_the_middle(change):
 
         def __del__(self):
             in_the_middle.append(gc.get_threshold()[0] == 1)
+            for terms in dropped:
+                terms.clear()
             for victim in (self.q, self.q.getLinExpr(), self.e):
                 if change == "chain":
                     victim.__init__(chain(type(victim)))
@@ -292,7 +298,14 @@ def test_quadratic_expressions_and_finalizers_in_the_middle(change):
                 elif change != "multiply":
                     getattr(victim, change)()
 
+    def sum_of_a_list_that_goes(q, e):
+        terms = [xs[0], e, 2 * xs[3] * xs[3] + 1, xs[0] * xs[1]]
+        dropped.append(terms)
+        return quicksum(terms)
+
+    dropped = []
     operations = [
+        sum_of_a_list_that_goes,
         lambda q, e: q + e,
         lambda q, e: e - q,
         lambda q, e: e * e,

@@ -80,10 +80,10 @@ void Model_setObjective(Model& self, Args args) {
     const py::object expression = expression_of(expr);
     const int objsense = sense && sense != Py_None ? sense_of(sense) : 0;
     const py::object linear = flat_linear_part(expression);
-    CallBuffer buffer;
-    append_terms(self, as_linexpr(linear), 1.0, *buffer);
     LibraryQuadTerms quad;
     if (is_quadexpr(expression)) quad = quadratic_terms(self, as_quadexpr(expression));
+    CallBuffer buffer;
+    append_terms(self, as_linexpr(linear), 1.0, *buffer);
     check(ZVNsetobjective(model_pointer(self), objsense, as_linexpr(linear)->constant, buffer->size(), buffer->ind(),
                           buffer->val(), quad.size(), quad.row.data(), quad.col.data(), quad.val.data()),
           as_object(self));

@@ -62,7 +62,8 @@ void quadexpr_add_any(QuadExpr* e, py::handle arg, double mult) {
     const Operand kind = classify(arg, value);
     if (kind == Operand::kForeign) raise_invalid("Invalid argument to QuadExpr addition");
     if (kind == Operand::kQuadExpr) return quadexpr_add(e, as_quadexpr(arg), mult);
-    linexpr_add_any(linear_part(e), arg, mult);
+    const py::object linear = borrow(as_result(linear_part(e)));  // a number may be of a class that changes e
+    linexpr_add_any(as_linexpr(linear), arg, mult);
 }
 
 void quadexpr_add_terms(QuadExpr* e, py::handle coeffs, py::handle vars1, py::handle vars2) {

@@ -41,7 +41,9 @@ void QuadExpr_addMethod(QuadExpr& self, Args args) {
 void QuadExpr_addConstant(QuadExpr& self, Args args) {
     static const Signature<1> kAddConstant{"addConstant", 1, {Name("c")}};
     const auto [c] = kAddConstant.parse(args);
-    linexpr_add_number(linear_part(&self), c);
+    const py::object linear =
+        borrow(as_result(linear_part(&self)));  // `c` may be of a class that changes the expression
+    linexpr_add_number(as_linexpr(linear), c);
 }
 
 void QuadExpr_addTerms(QuadExpr& self, Args args) {

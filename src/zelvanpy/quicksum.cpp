@@ -12,10 +12,10 @@ const Name kValues("values");
 
 // Adds a term of known class; `result` becomes a QuadExpr with the first quadratic term. False for any other term.
 bool add_to_sum(py::object& result, PyObject* term) {
-    if (Py_TYPE(result.ptr()) == LinExpr_Type) {
-        if (Py_TYPE(term) != QuadExpr_Type) return add_known<double_terms<LinExpr>>(as_linexpr(result), term);
-        result = owned(quadexpr_of_linear(std::move(result)));
-    }
+    if (Py_TYPE(result.ptr()) == LinExpr_Type && Py_TYPE(term) != QuadExpr_Type)
+        return add_known<double_terms<LinExpr>>(as_linexpr(result), term);
+    const py::object keep = borrow(term);  // making an object may run code that drops it
+    if (Py_TYPE(result.ptr()) == LinExpr_Type) result = owned(quadexpr_of_linear(std::move(result)));
     return Py_TYPE(result.ptr()) == QuadExpr_Type &&
            add_known<double_terms<QuadExpr>, double_terms<LinExpr>>(as_quadexpr(result), term);
 }
