@@ -5,6 +5,7 @@
 #include <limits>
 
 #include "solve/certificate.h"
+#include "solve/outer.h"
 #include "solve/recession.h"
 
 namespace zelvan {
@@ -57,6 +58,7 @@ public:
         const bool warm = !is_mip_ && (context_.session.has_basis() || !start_.basis.rows.empty());
         SolverResult result = search(problem_, start_, context_);
         if (result.x.empty() && is_trivial(problem_)) return result;
+        if (!problem_.cones.empty() || !problem_.disjunctions.products.empty()) return approximated(std::move(result));
         if (warm && problem_.quad.empty() && result.outcome == Outcome::kOptimal)
             result = with_proof(std::move(result));
         return judged(std::move(result));
@@ -79,6 +81,23 @@ private:
         activity.resize(problem_.model_rows());
         if (!problem_.has_multiplied_rows()) result.activity = std::move(activity);
         return true;
+    }
+
+    // A point with cones holds or is none: what the search tells was proven of its linear programs.
+    SolverResult approximated(SolverResult result) {
+        if (result.x.empty()) {
+            if (result.outcome == Outcome::kOptimal) result.outcome = Outcome::kUnknown;
+            return result;
+        }
+        result.activity = row_activities(claim_.data.rows, result.x.data());
+        if (const std::optional<std::string> fault = claim_.fault(result.x, result.activity, claim_.tolerances)) {
+            log("The point found " + *fault + "\n");
+            result.x.clear();
+            result.outcome = Outcome::kUnknown;
+            return result;
+        }
+        result.objective = claim_.objective(result.x.data());
+        return result;
     }
 
     // A basis of an earlier solve can lead the simplex method astray.
@@ -313,7 +332,10 @@ private:
 }  // namespace
 
 SolverResult checked_search(const Problem& problem, const Start& start, const Claim& claim, Context& context) {
+    context.claim = &claim;
+    *context.cones = {};
     SolverResult result = Checker(problem, start, claim, context).run();
+    context.claim = nullptr;
     problem.unscale(result.pi);
     return result;
 }

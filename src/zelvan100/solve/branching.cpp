@@ -4,6 +4,8 @@
 #include <cmath>
 #include <numeric>
 
+#include "solve/products.h"
+
 namespace zelvan {
 
 namespace {
@@ -113,7 +115,7 @@ std::optional<std::pair<Narrowings, Narrowings>> parts_without(const Problem& pr
         worst = off;
         parts = parts_of(set, members);
     }
-    return parts;
+    return parts ? parts : parts_by_products(problem, disjunctions.products, x);
 }
 
 Narrowings nearest_alternatives(const Disjunctions& disjunctions, const std::vector<double>& x) {

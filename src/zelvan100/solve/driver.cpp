@@ -9,6 +9,7 @@
 #include <utility>
 
 #include "bridge/bridge.h"
+#include "bridge/quadratic.h"
 #include "core/error.h"
 #include "io/data_files.h"
 #include "io/values.h"
@@ -184,18 +185,17 @@ Solution solve_single(const ModelData& data, Problem problem, Context& context, 
     return solution;
 }
 
-void refuse_quadratic(const ModelData& data) {
-    if (data.qrows.size() > 0)
-        throw Error(ZVN_ERROR_NOT_SUPPORTED, "Quadratic constraint '" + data.name_of(Kind::kQuadRow, 0) +
-                                                 "': solving with quadratic constraints is not supported");
-    if (!data.quad_obj.empty() && data.objectives.size() > 1)
-        throw Error(ZVN_ERROR_NOT_SUPPORTED,
-                    "Solving for several objectives is not supported where the main one is quadratic");
+// Quadratic constraints, and an objective that HiGHS can't take as it is.
+void lift_quadratics(const ModelData& data, Problem& problem, Indicators& indicators, Context& context) {
+    const bool is_alone = data.qrows.size() == 0 && data.objectives.size() <= 1 && !problem.is_mip();
+    if (problem.quad.empty() ? data.qrows.size() == 0 : is_alone && recognize_objective(problem, context)) return;
+    const QuadraticCounts counts = bridge_quadratic(data, problem, indicators, context);
+    context.monitor.log(text("Quadratic forms: %d convex, %d second-order cones, %d not convex; %d products\n",
+                             counts.convex, counts.cones, counts.non_convex, counts.products));
 }
 
 Solution solve(Model& model) {
     const ModelData& data = model.data;
-    refuse_quadratic(data);
     ParamValues params = model.env.settings();
     ModelListener listener(model, params);
     Monitor monitor(std::move(params), listener, model.stop, std::exchange(model.watch_signal, false));
@@ -206,7 +206,7 @@ Solution solve(Model& model) {
     Indicators indicators(problem, std::ref(relaxation_bound));
     for (const Bridge& bridge : kBridges)
         if (bridge.is_needed(data)) bridge.build(data, problem, indicators);
-    recognize_objective(problem, context);
+    lift_quadratics(data, problem, indicators, context);
     Solution solution =
         data.objectives.size() > 1
             ? solve_multi_objective(data, std::move(problem), {user_start(data), user_basis(data, monitor)}, context)

@@ -316,10 +316,12 @@ void HighsSession::load(const Problem& problem) {
     const bool same = held.stamp != 0 && held.stamp == problem.stamp();
     const bool follows = held.stamp != 0 && problem.changes() && problem.changes()->since == held.stamp;
     if (same || follows) {
-        edit(problem, same);
+        const bool rows_stay = edit(problem, same);
         pass_values(problem);
+        pass_coefficients(problem, rows_stay);
     } else {
         pass(problem);
+        pass_coefficients(problem, false);
         cost_ = problem.cost;
         lb_ = problem.lb;
         ub_ = problem.ub;
@@ -350,8 +352,8 @@ void HighsSession::pass(const Problem& problem) {
           "take the model");
 }
 
-// Columns and rows, by the calls that keep the basis.
-void HighsSession::edit(const Problem& problem, bool same_model) {
+// Columns and rows, by the calls that keep the basis. The answer is whether the additions to the model's own stay.
+bool HighsSession::edit(const Problem& problem, bool same_model) {
     std::vector<int> cols, rows;
     if (!same_model) {
         cols = problem.changes()->cols.deleted;
@@ -366,6 +368,7 @@ void HighsSession::edit(const Problem& problem, bool same_model) {
     if (!rows.empty()) delete_rows(std::move(rows));
     if (static_cast<int>(cost_.size()) < problem.num_cols()) add_cols(problem);
     if (static_cast<int>(row_lower_.size()) < problem.num_rows()) add_rows(problem);
+    return additions_stay;
 }
 
 void HighsSession::delete_cols(std::vector<int> cols) {
@@ -449,6 +452,20 @@ void HighsSession::pass_values(const Problem& problem) {
         const std::vector<HighsInt> types = integrality(problem.integer);
         check(Highs_changeColsIntegralityByRange(highs_, 0, problem.num_cols() - 1, types.data()), "change types");
     }
+}
+
+// What differs, where HiGHS has the rows already.
+void HighsSession::pass_coefficients(const Problem& problem, bool rows_stay) {
+    const auto [first, last] = problem.variable_rows();
+    const int begin = problem.start[first], end = problem.start[last];
+    const double* values = problem.val() + begin;
+    if (rows_stay && coefficients_.size() == static_cast<std::size_t>(end - begin)) {
+        for (int i = first; i < last; ++i)
+            for (int k = problem.start[i]; k < problem.start[i + 1]; ++k)
+                if (problem.val()[k] != coefficients_[k - begin])
+                    check(Highs_changeCoeff(highs_, i, problem.col()[k], problem.val()[k]), "change a coefficient");
+    }
+    coefficients_.assign(values, values + (end - begin));
 }
 
 void HighsSession::change_costs(const std::vector<double>& cost, double offset) {

@@ -130,12 +130,13 @@ private:
     void hand_on(const char* name, const Value& value, Call call);
     void check(int status, const char* what);
     void pass(const Problem& problem);
-    void edit(const Problem& problem, bool same_model);
+    bool edit(const Problem& problem, bool same_model);
     void delete_cols(std::vector<int> cols);
     void delete_rows(std::vector<int> rows);
     void add_cols(const Problem& problem);
     void add_rows(const Problem& problem);
     void pass_values(const Problem& problem);
+    void pass_coefficients(const Problem& problem, bool rows_stay);
     SolverResult fetch();
     std::vector<double> certificate(std::size_t size, int (*get)(const void*, int*, double*));
 
@@ -159,8 +160,9 @@ private:
     double offset_ = 0.0;
     std::vector<double> cost_, lb_, ub_, row_lower_, row_upper_;
     std::vector<char> integer_;
-    bool has_basis_ = false;         // of the latest solve
-    std::vector<double> incumbent_;  // of the latest MIP solve
+    std::vector<double> coefficients_;  // of the rows whose coefficients may change
+    bool has_basis_ = false;            // of the latest solve
+    std::vector<double> incumbent_;     // of the latest MIP solve
 };
 
 // While one of these lives, the session tells the events; then it goes on with those before.
@@ -168,6 +170,7 @@ class Attached {
 public:
     Attached(HighsSession& session, SolveEvents* events) : session_(session), before_(session.attach(events)) {}
     ~Attached() { session_.attach(before_); }
+    SolveEvents& before() const { return *before_; }
     Attached(const Attached&) = delete;
     Attached& operator=(const Attached&) = delete;
 

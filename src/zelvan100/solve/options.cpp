@@ -79,7 +79,11 @@ void set_presolve_passes(HighsSession& session, int passes, const Problem& model
     session.set_option("presolve_reduction_limit", passes > 0 ? clamped(reductions) : -1);
 }
 
-void set_care(HighsSession& session, const Care& care) {
+void set_care(HighsSession& session, const ParamValues& params, const Care& care) {
+    if (care.part_of_gap != 1.0) {
+        session.set_option("mip_rel_gap", care.part_of_gap * params.get_dbl(Param::MIPGap));
+        session.set_option("mip_abs_gap", care.part_of_gap * params.get_dbl(Param::MIPGapAbs));
+    }
     if (care.tight) {
         session.set_option("primal_feasibility_tolerance", 1e-9);
         session.set_option("mip_feasibility_tolerance", 1e-10);
@@ -119,7 +123,7 @@ void set_options(HighsSession& session, const ParamValues& params, const Problem
     // HiGHS drops entries up to this; where there are none its presolve keeps its own value.
     session.set_option("small_matrix_value", model.has_small_entries() ? 1e-12 : 1e-9);
     set_presolve_passes(session, params.get_int(Param::PrePasses), model);
-    set_care(session, care);
+    set_care(session, params, care);
 }
 
 }  // namespace zelvan

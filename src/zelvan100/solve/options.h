@@ -15,6 +15,8 @@ struct Care {
     bool simplex = false;  // of an LP: simplex, whatever the parameters ask for
     int iteration_limit = std::numeric_limits<int>::max();
     int barrier_limit = std::numeric_limits<int>::max();
+    double part_of_gap = 1.0;  // that a MIP may leave
+    bool relaxed = false;      // a point needn't hold in the model, only in the cones, and there not to the last digit
 };
 
 // The parameters that HiGHS has options for, without the limits.

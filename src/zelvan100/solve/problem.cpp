@@ -275,6 +275,25 @@ int Problem::add_row(const Terms& terms, double lower, double upper) {
     return num_rows() - 1;
 }
 
+void Problem::change_row(int i, const Terms& terms, double lower, double upper) {
+    for (std::size_t k = 0; k < terms.size(); ++k) val_[start[i] + k] = terms[k].second;
+    row_lower[i] = lower;
+    row_upper[i] = upper;
+}
+
+void Problem::take_values(const Problem& other) {
+    sense = other.sense;
+    offset = other.offset;
+    lb = other.lb;
+    ub = other.ub;
+    cost = other.cost;
+    integer = other.integer;
+    std::copy(other.row_lower.begin(), other.row_lower.end(), row_lower.begin());
+    std::copy(other.row_upper.begin(), other.row_upper.end(), row_upper.begin());
+    const auto [first, last] = variable_rows_;
+    std::copy(other.val_.begin() + start[first], other.val_.begin() + start[last], val_.begin() + start[first]);
+}
+
 void Problem::limit_objective(double value) {
     Terms terms;
     for (int j = 0; j < num_cols(); ++j)

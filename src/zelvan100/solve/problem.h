@@ -26,12 +26,22 @@ struct OrderedSet {
 };
 
 struct SumOfSquares;
+// x[w] = x[x] * x[y], where x[x] and x[y] have finite bounds. Where x is y, a cone holds x[w] from below.
+struct Product {
+    int w, x, y;
+};
 
 struct Disjunctions {
     std::vector<Gap> gaps;
     std::vector<OrderedSet> sets;
+    std::vector<Product> products;
 
-    bool empty() const { return gaps.empty() && sets.empty(); }
+    bool empty() const { return gaps.empty() && sets.empty() && products.empty(); }
+};
+
+// x[t] * x[z] >= x[y]^2, where x[t] and x[z] are at least 0; z is -1 where 1 stands for x[z].
+struct Cone {
+    int t, y, z;
 };
 
 // Powers of two by which rows are multiplied: row, factor, by rising row.
@@ -64,6 +74,7 @@ public:
     std::vector<double> row_lower, row_upper;
     std::vector<int> start;     // of the rows, one more than there are rows
     Disjunctions disjunctions;  // what a point has to hold besides
+    std::vector<Cone> cones;    // and this
 
     int num_cols() const { return static_cast<int>(cost.size()); }
     int num_rows() const { return static_cast<int>(row_lower.size()); }
@@ -87,6 +98,16 @@ public:
     // Both return the index of what was added. A row may be multiplied by a power of two, as those of the model.
     int add_col(double lower, double upper, double objective, bool is_integer);
     int add_row(const Terms& terms, double lower, double upper);
+    // Rows whose coefficients and sides may change while the version stays: all that are added from the first call on,
+    // until the second one.
+    void begin_variable_rows() { variable_rows_ = {num_rows(), num_rows()}; }
+    void end_variable_rows() { variable_rows_.second = num_rows(); }
+    std::pair<int, int> variable_rows() const { return variable_rows_; }
+    // The terms have the columns of the row, in their order.
+    void change_row(int i, const Terms& terms, double lower, double upper);
+    // Takes bounds, costs, sides and changing coefficients over from a problem whose columns and rows are the first
+    // ones here.
+    void take_values(const Problem& other);
     // One more row: the objective without its offset is to be no worse than the value.
     void limit_objective(double value);
 
@@ -112,6 +133,7 @@ private:
 
     int model_cols_, model_rows_;
     std::uint64_t version_ = 0, base_ = 0;
+    std::pair<int, int> variable_rows_{0, 0};
     Ancestor ancestor_;  // what the model's part of this is to the next one
     const Changes* changes_ = nullptr;
     const int* model_col_;

@@ -226,12 +226,7 @@ private:
 
 }  // namespace
 
-void recognize_objective(Problem& problem, Context& context) {
-    if (problem.quad.empty()) return;
-    if (problem.is_mip())
-        throw Error(ZVN_ERROR_NOT_SUPPORTED,
-                    "Solving with a quadratic objective is not supported where there are integer or semi-continuous "
-                    "variables, or special ordered sets");
+bool recognize_objective(Problem& problem, Context& context) {
     const auto go_on = [&context] {
         if (context.monitor.poll() == Answer::kStop || context.monitor.time_left() <= 0.0) throw Stopped();
     };
@@ -239,18 +234,16 @@ void recognize_objective(Problem& problem, Context& context) {
     try {
         squares = sum_of_squares(problem.quad, problem.sense, context.params.get_dbl(Param::PSDTol), go_on);
     } catch (const Stopped&) {
-        return;  // so will the search
+        return true;  // so will the search
     }
     const char* shape = problem.sense > 0 ? "convex" : "concave";
-    if (!squares) {
-        throw Error(ZVN_ERROR_Q_NOT_PSD, std::string("The quadratic objective is not ") + shape + ", as " +
-                                             (problem.sense > 0 ? "minimizing" : "maximizing") + " it needs");
-    }
+    if (!squares) return false;
     char line[128];
     std::snprintf(line, sizeof line, "Quadratic objective with %zu terms: %s, %d squares\n", problem.quad.size(), shape,
                   squares->size());
     context.monitor.log(line);
     problem.squares = std::make_shared<const SumOfSquares>(std::move(*squares));
+    return true;
 }
 
 SolverResult search_quadratic(const Problem& problem, Context& context) { return Search(problem, context).run(); }

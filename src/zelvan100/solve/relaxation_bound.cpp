@@ -47,6 +47,7 @@ double proven_bound(const Problem& problem, const std::vector<double>& multiplie
 struct RelaxationBound::Relaxation {
     explicit Relaxation(const Problem& original) : problem(original) {
         problem.disjunctions = {};
+        problem.cones.clear();
         problem.sense = 1;
         problem.integer.assign(problem.integer.size(), 0);
         problem.clear_objective();

@@ -6,6 +6,7 @@
 #include "core/error.h"
 #include "solve/concurrent.h"
 #include "solve/options.h"
+#include "solve/outer.h"
 #include "solve/quadratic.h"
 #include "solve/tree.h"
 
@@ -92,7 +93,11 @@ SolverResult tell_apart(const Problem& problem, Context& context) {
 }  // namespace
 
 Context::Context(HighsSession& highs, Monitor& events)
-    : session(highs), monitor(events), params(events.params), attached_(highs, &events) {}
+    : session(highs),
+      monitor(events),
+      params(events.params),
+      cones(std::make_shared<ConePool>()),
+      attached_(highs, &events) {}
 
 SolverResult run_session(Context& context) {
     set_limits(context.session, context);
@@ -127,6 +132,7 @@ bool is_trivial(const Problem& problem) { return problem.num_cols() == 0 || prob
 
 SolverResult search(const Problem& problem, const Start& start, Context& context) {
     if (!problem.disjunctions.empty()) return search_tree(problem, start, context);
+    if (!problem.cones.empty()) return search_cones(problem, start, context);
     const ParamValues& params = context.params;
     Monitor& monitor = context.monitor;
     monitor.begin_run(problem);
@@ -161,6 +167,9 @@ SolverResult search_with(HighsSession& session, const Problem& problem, const St
     static_cast<Counts&>(aside) = static_cast<const Counts&>(context);
     aside.care = care;
     aside.care.node |= context.care.node;
+    aside.care.relaxed |= context.care.relaxed;
+    aside.claim = context.claim;
+    aside.cones = context.cones;
     SolverResult result = search(problem, start, aside);
     static_cast<Counts&>(context) = static_cast<const Counts&>(aside);
     return result;

@@ -1,6 +1,9 @@
 #pragma once
 // Solving a problem, whatever it is made from: a model, one of its objectives, a part of a larger search.
 
+#include <memory>
+#include <vector>
+
 #include "param/param.h"
 #include "solve/highs.h"
 #include "solve/monitor.h"
@@ -15,6 +18,9 @@ struct Counts {
     int concurrent_winner = -1;
 };
 
+struct Claim;
+struct ConePool;
+
 // What the searches of one call share.
 struct Context : Counts {
     Context(HighsSession& highs, Monitor& events);
@@ -23,6 +29,8 @@ struct Context : Counts {
     Monitor& monitor;
     const ParamValues& params;  // those of the monitor
     Care care;
+    const Claim* claim = nullptr;     // what an answer is held to
+    std::shared_ptr<ConePool> cones;  // what is known of the cones, in all searches
 
 private:
     Attached attached_;

@@ -4,12 +4,15 @@
 #include <cmath>
 #include <cstdio>
 #include <limits>
+#include <memory>
 #include <optional>
 #include <queue>
 #include <utility>
 
 #include "solve/branching.h"
 #include "solve/certificate.h"
+#include "solve/local_search.h"
+#include "solve/products.h"
 #include "solve/recession.h"
 #include "solve/repair.h"
 
@@ -26,6 +29,10 @@ constexpr double kFarOut = 1e10;
 constexpr int kLongestBranch = 200;
 // Once in so many times that the search takes the node with the best bound it goes on along its branch.
 constexpr int kPicksOfBranch = 100;
+// Nodes with products between two local searches.
+constexpr int kNodesBetweenSearches = 100;
+// A point is taken where it violates the model by this part of the tolerances, so that it passes the later checks.
+constexpr double kPartOfTolerance = 0.5;
 // Up to here an incumbent may violate a node and still be its start.
 constexpr double kStartTolerance = 1e-6;
 
@@ -107,6 +114,8 @@ public:
           attached_(context.session, this) {
         problem_.disjunctions = {};
         context_.care.node = true;
+        context_.care.relaxed = !disjunctions.products.empty();
+        add_hulls(disjunctions.products, problem_);
     }
     ~Visitor() override { context_.care = outer_care_; }
     Visitor(const Visitor&) = delete;
@@ -132,6 +141,21 @@ public:
         const bool improves = incumbent.offer(x);
         return context_.monitor.solution(incumbent.objective_of(x), x, improves);
     }
+    // Takes the point with its products made right, where the model holds there.
+    bool try_point(std::vector<double> x) {
+        complete(problem_, disjunctions.products, x);
+        const Claim& claim = *context_.claim;
+        const Tolerances tolerances{kPartOfTolerance * claim.tolerances.feasibility, claim.tolerances.integrality};
+        const std::vector<double> point(x.begin(), x.begin() + claim.data.cols.size());
+        if (claim.fault(point, row_activities(claim.data.rows, x.data()), tolerances)) return false;
+        offer(x.data());
+        return true;
+    }
+    // Looks for better points near x.
+    void improve(const std::vector<double>& x) {
+        if (!local_search_) local_search_ = std::make_unique<LocalSearch>(whole_, context_);
+        local_search_->run(x, [this](const std::vector<double>& point) { return try_point(point); });
+    }
     Answer report(double bound) {
         Progress progress;
         progress.is_mip = true;
@@ -144,6 +168,10 @@ private:
     void log(std::string_view text) override { context_.monitor.log(text); }
     Answer poll() override { return context_.monitor.poll(); }
     Answer solution(double, const double* x, bool) override {
+        if (!disjunctions.products.empty()) {
+            try_point({x, x + problem_.num_cols()});
+            return Answer::kGoOn;
+        }
         return holds(disjunctions, x) ? offer(x) : Answer::kGoOn;
     }
     Answer progress(const Progress& progress) override {
@@ -170,6 +198,10 @@ private:
             problem_.ub[j] = std::min(problem_.ub[j], upper);
             if (problem_.lb[j] > problem_.ub[j]) return false;
         }
+        if (disjunctions.products.empty()) return true;
+        update_hulls(disjunctions.products, problem_);
+        if (!tighten_bounds(disjunctions.products, problem_)) return false;
+        update_hulls(disjunctions.products, problem_);
         return true;
     }
 
@@ -253,6 +285,7 @@ private:
     const Attached attached_;
     double others_ = kInf, own_ = -kInf;
     bool has_objective_ = true;
+    std::unique_ptr<LocalSearch> local_search_;
     bool is_limited_ = false;  // no direction improves the objective for ever
     std::optional<double> ruled_out_;
 };
@@ -356,16 +389,39 @@ private:
             open_.push({visit.bound, node.narrowings});
             return;
         }
-        if (visit.end == End::kPoint || visit.end == End::kUnlimited) {
-            if (const auto parts = parts_without(visitor_.node(), visitor_.disjunctions, visit.x)) {
-                for (const Narrowings& part : {parts->second, parts->first}) push(visit.bound, node.narrowings, part);
+        const bool has_products = !visitor_.disjunctions.products.empty();
+        if (visit.end == End::kPoint && has_products) {
+            visitor_.try_point(visit.x);
+            if (is_time_to_improve()) visitor_.improve(visit.x);
+            if (visitor_.incumbent.is_enough(visit.bound)) {
+                settle(visit.bound);
                 return;
             }
         }
-        if (visit.end == End::kPoint) visitor_.offer(visit.x.data());
+        if ((visit.end == End::kPoint || visit.end == End::kUnlimited) && divide(node, visit)) return;
+        if (visit.end == End::kPoint && has_products) {
+            // Only tolerances are left to blame.
+            visitor_.improve(visit.x);
+            is_incomplete_ |= !visitor_.incumbent.is_enough(visit.bound);
+        } else if (visit.end == End::kPoint) {
+            visitor_.offer(visit.x.data());
+        }
         if (visit.end == End::kUnlimited) outcome_ = Outcome::kUnbounded;
         if (visit.end == End::kLost) is_incomplete_ = true;
         settle(visit.bound);
+    }
+
+    bool divide(const Node& node, const Visit& visit) {
+        const auto parts = parts_without(visitor_.node(), visitor_.disjunctions, visit.x);
+        if (!parts) return false;
+        for (const Narrowings& part : {parts->second, parts->first}) push(visit.bound, node.narrowings, part);
+        return true;
+    }
+
+    // Often at first, then now and then.
+    bool is_time_to_improve() {
+        ++num_points_;
+        return (num_points_ & (num_points_ - 1)) == 0 || num_points_ % kNodesBetweenSearches == 0;
     }
 
     void push(double bound, Narrowings narrowings, const Narrowings& further) {
@@ -395,9 +451,10 @@ private:
     void log_begin() {
         char line[160];
         std::snprintf(line, sizeof line,
-                      "Branching on %zu semi-continuous variables and %zu special ordered sets of large bounds\n"
-                      "     Nodes      Open      Objective          Bound     Time\n",
-                      visitor_.disjunctions.gaps.size(), visitor_.disjunctions.sets.size());
+                      "Branching on %zu semi-continuous variables and %zu special ordered sets of large bounds, "
+                      "%zu products\n     Nodes      Open      Objective          Bound     Time\n",
+                      visitor_.disjunctions.gaps.size(), visitor_.disjunctions.sets.size(),
+                      visitor_.disjunctions.products.size());
         context_.monitor.log(line);
     }
 
@@ -415,7 +472,7 @@ private:
     Context& context_;
     Visitor visitor_;
     OpenNodes open_;
-    int branch_length_ = 0, num_picks_ = 0;
+    int branch_length_ = 0, num_picks_ = 0, num_points_ = 0;
     double settled_ = kInf;       // bound of the nodes that were visited and not divided
     bool is_incomplete_ = false;  // nodes were lost
     std::optional<Outcome> outcome_;
