@@ -15,7 +15,8 @@ namespace zelvan {
 // update_hulls.
 void add_hulls(const std::vector<Product>& products, Problem& problem);
 void update_hulls(const std::vector<Product>& products, Problem& problem);
-// Bounds that products, factors and rows, hulls among them, imply for each other. The answer is whether each column keeps a value.
+// Bounds that products, factors and rows, hulls among them, imply for each other. The answer is whether each column
+// keeps a value.
 bool tighten_bounds(const std::vector<Product>& products, Problem& problem);
 // Products and squares of a point, and the columns of cones, as its other columns have them.
 void complete(const Problem& problem, const std::vector<Product>& products, std::vector<double>& x);
