@@ -147,9 +147,11 @@ def programs(draw):
     return Program(cost, F.T @ F, A, lower, upper, lb, ub)
 
 
-# What the active-set method calls unbounded, and what the interior-point method doesn't get to an end with.
+# What the active-set method calls unbounded, what the interior-point method doesn't get to an end with, and what broke
+# the heap in the active-set method.
 @example(Program([0, 0, -1], [[0, 0, 0], [0, 1, 1], [0, 1, 1]]), False, 0)
 @example(Program([2, -2, 1], [[4, -4, 2], [-4, 4, -2], [2, -2, 1]], lb=-INF, ub=[1, 1, INF]), False, 2)
+@example(Program([0, -2, 3], [[2, 1, 1], [1, 5, 2], [1, 2, 1]], lb=[0, 0, -3], ub=[5, 5, -3]), False, 0)
 @given(programs(), st.booleans(), st.sampled_from([-1, 0, 2]))
 def test_answers_hold_and_agree_with_enumeration(env, program, maximize, method):
     if not program.terms(1.0):

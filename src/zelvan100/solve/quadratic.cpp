@@ -123,7 +123,7 @@ private:
     SolverResult run_way(Way way) {
         const Shape shape = way == Way::kBarrierOnSquares ? Shape::kSquares
                             : way == Way::kBarrier        ? Shape::kTwoSided
-                                                          : Shape::kPlain;
+                                                          : Shape::kActiveSet;
         const Reshaped reshaped(problem_, shape);
         set_options(context_.session, context_.params, reshaped.problem(), context_.care);
         context_.session.load(reshaped.problem());

@@ -32,6 +32,18 @@ void add_rows(const Problem& original, bool two_sided, ModelData& model, std::ve
     }
 }
 
+void add_square(int column, ModelData& model) {
+    model.quad_obj.row.push_back(column);
+    model.quad_obj.col.push_back(column);
+    model.quad_obj.val.push_back(1.0);
+}
+
+// The active-set method of HiGHS 1.15 writes past the end of its factor once all columns were at bounds.
+void add_column_between_bounds(ModelData& model) {
+    model.cols.push_back(-kInf, kInf, 0.0, 'C', {});
+    add_square(model.cols.size() - 1, model);
+}
+
 void add_squares(const SumOfSquares& squares, ModelData& model) {
     for (int k = 0; k < squares.size(); ++k) {
         const int square = model.cols.size();
@@ -40,9 +52,7 @@ void add_squares(const SumOfSquares& squares, ModelData& model) {
         push_entry(model.rows, square, -1.0);
         model.rows.push_back_range(0.0, 0.0, {});
         model.cols.push_back(-kInf, kInf, 0.0, 'C', {});
-        model.quad_obj.row.push_back(square);
-        model.quad_obj.col.push_back(square);
-        model.quad_obj.val.push_back(1.0);
+        add_square(square, model);
     }
 }
 
@@ -50,13 +60,14 @@ ModelData model_of(const Problem& original, Reshaped::Shape shape, std::vector<i
     ModelData model;
     for (int j = 0; j < original.num_cols(); ++j)
         model.cols.push_back(original.lb[j], original.ub[j], original.sense * original.cost[j], 'C', {});
-    add_rows(original, shape != Reshaped::Shape::kPlain, model, kept);
+    add_rows(original, shape != Reshaped::Shape::kActiveSet, model, kept);
     if (shape == Reshaped::Shape::kSquares) {
         add_squares(*original.squares, model);
         return model;
     }
     model.quad_obj = original.quad;
     for (double& value : model.quad_obj.val) value *= original.sense;
+    if (shape == Reshaped::Shape::kActiveSet) add_column_between_bounds(model);
     return model;
 }
 

@@ -12,9 +12,9 @@ namespace zelvan {
 class Reshaped {
 public:
     enum class Shape {
-        kPlain,
-        kTwoSided,  // with a column for each row with two sides: next to free rows HiPO breaks on them
-        kSquares,   // and with a column for each square of the objective
+        kActiveSet,  // with a column more that no bound stops
+        kTwoSided,   // with a column for each row with two sides: next to free rows HiPO breaks on them
+        kSquares,    // and with a column for each square of the objective
     };
     Reshaped(const Problem& original, Shape shape);
 
