@@ -113,22 +113,33 @@ std::pair<int, int> joined(std::pair<int, int> a, std::pair<int, int> b) {
 
 std::vector<HighsInt> integrality(const std::vector<char>& integer) { return {integer.begin(), integer.end()}; }
 
-// The second derivatives of the objective, lower triangle by columns.
+// Stable.
+std::vector<int> ordered_by(const std::vector<int>& keys, int num_keys, const std::vector<int>& order) {
+    std::vector<int> next(num_keys + 1, 0), found(order.size());
+    for (int k : order) ++next[keys[k] + 1];
+    std::partial_sum(next.begin(), next.end(), next.begin());
+    for (int k : order) found[next[keys[k]]++] = k;
+    return found;
+}
+
+// The second derivatives of the objective, lower triangle by columns, each from its diagonal down: HiGHS takes the
+// first entry of a column for the diagonal, without a look.
 class Hessian {
 public:
     explicit Hessian(const Problem& problem) : start_(problem.num_cols() + 1, 0) {
         const QuadTerms& terms = problem.quad;
         if (terms.empty()) return;
-        for (int j : terms.row) ++start_[j + 1];
-        std::partial_sum(start_.begin(), start_.end(), start_.begin());
-        index_.resize(terms.size());
-        value_.resize(terms.size());
-        std::vector<HighsInt> next(start_.begin(), start_.end() - 1);
-        for (std::size_t k = 0; k < terms.size(); ++k) {
-            const HighsInt place = next[terms.row[k]]++;
-            index_[place] = terms.col[k];
-            value_[place] = terms.row[k] == terms.col[k] ? 2.0 * terms.val[k] : terms.val[k];
+        std::vector<int> order(terms.size());
+        std::iota(order.begin(), order.end(), 0);
+        order = ordered_by(terms.row, problem.num_cols(), ordered_by(terms.col, problem.num_cols(), order));
+        index_.reserve(terms.size());
+        value_.reserve(terms.size());
+        for (int k : order) {
+            ++start_[terms.row[k] + 1];
+            index_.push_back(terms.col[k]);
+            value_.push_back(terms.row[k] == terms.col[k] ? 2.0 * terms.val[k] : terms.val[k]);
         }
+        std::partial_sum(start_.begin(), start_.end(), start_.begin());
     }
 
     HighsInt size() const { return static_cast<HighsInt>(value_.size()); }
