@@ -69,6 +69,9 @@ public:
     }
 
 private:
+    // Where a column that stands for a square is held to it.
+    enum class Sides { kAbove, kBoth };
+
     bool is_binary(int j) const { return problem_.integer[j] && problem_.lb[j] >= 0.0 && problem_.ub[j] <= 1.0; }
 
     bool add_squares(Form& form) {
@@ -192,29 +195,43 @@ private:
                         form.noun + " isn't convex, and NonConvex is " + std::to_string(non_convex));
         for (std::size_t k = 0; k < form.quad.size(); ++k) {
             const int x = form.quad.row[k], y = form.quad.col[k];
-            const bool is_one_sided = x == y && form.quad.val[k] > 0.0 && !form.is_equality;
-            form.linear.emplace_back(is_one_sided ? square_of(x, -1) : factored(x, y, form.noun), form.quad.val[k]);
+            const double value = form.quad.val[k];
+            const bool is_square = x == y && !form.is_equality;
+            const int w = is_square && value > 0.0
+                              ? square_of(x, -1)
+                              : factored(x, y, is_square ? Sides::kAbove : Sides::kBoth, form.noun);
+            form.linear.emplace_back(w, value);
         }
         form.quad = {};
         ++counts.non_convex;
     }
 
+    // Gives the column the bounds that are implied, or says that there are none.
+    void bound(int j, const std::string& noun) {
+        const auto [lower, upper] = range_of(j);
+        if (std::fabs(lower) >= kLargestFactor || std::fabs(upper) >= kLargestFactor)
+            throw Error(ZVN_ERROR_Q_NOT_PSD, noun + " isn't convex, and variable '" + data_.col_name(j) +
+                                                 "' in its products has no bounds that the constraints imply");
+        problem_.lb[j] = std::max(problem_.lb[j], lower);
+        problem_.ub[j] = std::min(problem_.ub[j], upper);
+    }
+
     // The column that is the product of two, by branching.
-    int factored(int x, int y, const std::string& noun) {
+    int factored(int x, int y, Sides sides, const std::string& noun) {
         const auto [at, is_new] = factored_.try_emplace({x, y}, 0);
-        if (!is_new) return at->second;
-        ++counts.products;
-        for (int j : {x, y}) {
-            const auto [lower, upper] = range_of(j);
-            if (std::fabs(lower) >= kLargestFactor || std::fabs(upper) >= kLargestFactor)
-                throw Error(ZVN_ERROR_Q_NOT_PSD, noun + " isn't convex, and variable '" + data_.col_name(j) +
-                                                     "' in its products has no bounds that the constraints imply");
-            problem_.lb[j] = std::max(problem_.lb[j], lower);
-            problem_.ub[j] = std::min(problem_.ub[j], upper);
+        if (is_new) {
+            ++counts.products;
+            for (int j : {x, y}) bound(j, noun);
+            const auto square = x == y ? squares_.find({x, -1}) : squares_.end();
+            at->second = square == squares_.end() ? problem_.add_col(-kInf, kInf, 0.0, false) : square->second;
+            problem_.disjunctions.products.push_back({at->second, x, y});
         }
-        const int w = x == y ? square_of(x, -1) : problem_.add_col(-kInf, kInf, 0.0, false);
-        problem_.disjunctions.products.push_back({w, x, y});
-        return at->second = w;
+        if (x == y && sides == Sides::kBoth) {
+            const auto [square, has_none] = squares_.try_emplace({x, -1}, at->second);
+            if (has_none || square->second != at->second) problem_.cones.push_back({at->second, x, -1});
+            square->second = at->second;
+        }
+        return at->second;
     }
 
     bool has_small_range(int j) { return is_binary(j) || range_of(j).is_small(); }
