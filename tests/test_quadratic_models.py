@@ -228,3 +228,32 @@ def test_solving_again_after_changes(env_silent):
     x.VType = ZVN.INTEGER
     y.VType = ZVN.INTEGER
     assert solved(m).ObjVal == pytest.approx(-5)
+
+
+@pytest.mark.parametrize("seed", range(4))
+def test_few_of_many_columns(env_silent, seed):
+    """A convex objective of columns that binaries switch off, at one side of 0 or at both; some have no switch."""
+    rng = random.Random(seed)
+    num, most = 6, 3
+    factors = [[rng.uniform(-1, 1) for _ in range(num)] for _ in range(2)]
+    own = [rng.uniform(0.1, 1) for _ in range(num)]
+    gains = [rng.uniform(-1, 2) for _ in range(num)]
+
+    def model(switched):
+        m = Model(env=env_silent)
+        low = -1.0 if seed % 2 else 0.0
+        x = m.addVars(num, lb=low, ub=2.0)
+        b = m.addVars(num, ub=1.0, vtype="B" if switched is None else "C")
+        m.addConstrs(x[i] <= 2 * b[i] for i in range(1, num))
+        m.addConstrs(x[i] >= low * b[i] for i in range(1, num))
+        m.addConstr(b.sum() <= most)
+        exposures = [quicksum(f[i] * x[i] for i in range(num)) for f in factors]
+        risk = quicksum(e * e for e in exposures) + quicksum(own[i] * x[i] * x[i] for i in range(num))
+        m.setObjective(risk - quicksum(gains[i] * x[i] for i in range(num)))
+        for i, on in enumerate(switched or ()):
+            b[i].LB = b[i].UB = on
+        return solved(m)
+
+    choices = [c for c in itertools.product([0, 1], repeat=num) if sum(c) == most]
+    best = min(model(choice).ObjVal for choice in choices)
+    assert model(None).ObjVal == pytest.approx(best, rel=2e-4, abs=1e-6)

@@ -8,6 +8,7 @@
 #include <string>
 #include <utility>
 
+#include "bridge/perspective.h"
 #include "core/error.h"
 #include "solve/convexity.h"
 
@@ -75,12 +76,24 @@ private:
     bool is_binary(int j) const { return problem_.integer[j] && problem_.lb[j] >= 0.0 && problem_.ub[j] <= 1.0; }
 
     bool add_squares(Form& form) {
-        const std::optional<SumOfSquares> squares = squares_of(form.quad);
+        QuadTerms rest = form.quad;
+        std::vector<std::pair<int, double>> switched = take_diagonal(rest, switches());
+        std::optional<SumOfSquares> squares = squares_of(rest);
+        if (!squares && !switched.empty()) {
+            switched.clear();
+            squares = squares_of(form.quad);
+        }
         if (!squares) return false;
+        for (const auto& [j, value] : switched) form.linear.emplace_back(square_of(j, switches().at(j)), value);
         add(*squares, -1, form.linear);
         form.quad = {};
         ++counts.convex;
         return true;
+    }
+
+    const Switches& switches() {
+        if (!found_switches_) found_switches_ = switches_of(problem_);
+        return *found_switches_;
     }
 
     std::optional<SumOfSquares> squares_of(const QuadTerms& terms) const {
@@ -255,6 +268,7 @@ private:
     Indicators& indicators_;
     Context& context_;
     const ParamValues& params_;
+    std::optional<Switches> found_switches_;
     std::map<std::pair<int, int>, int> squares_;   // by column and divisor
     std::map<std::pair<int, int>, int> products_;  // with a binary factor, by both factors
     std::map<std::pair<int, int>, int> factored_;  // those that are branched on

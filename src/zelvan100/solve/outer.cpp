@@ -40,6 +40,8 @@ constexpr int kRoundsForDuals = 10;
 // A running search ends at a solution that violates the model by so many tolerances, in the first rounds.
 constexpr double kFarOff = 1e3;
 constexpr int kRoundsEndedEarly = 20;
+// A half-plane that holds a point by more than this, in terms of its largest product, is loose there.
+constexpr double kLooseCut = 1e-6;
 // Elements of a direction up to here are taken for 0.
 constexpr double kNoDirection = 1e-9;
 
@@ -54,6 +56,7 @@ class Outer : private SolveEvents {
 public:
     Outer(const Problem& problem, Context& context)
         : sense_(problem.sense),
+          original_(problem),
           cones_(problem.cones),
           context_(context),
           claim_(*context.claim),
@@ -131,6 +134,7 @@ private:
         if (root.outcome == Outcome::kUnbounded) return ended(Outcome::kInfeasibleOrUnbounded);
         if (root.outcome != Outcome::kOptimal) return ended(root.outcome);
         bound_ = sense_ * root.objective;
+        drop_loose_cuts(root.x);
         spread_cuts(root.x);
         for (int round = 0; round < kMostRounds; ++round) {
             if (!outer_care_.node) log_progress(round);
@@ -294,6 +298,13 @@ private:
         return cuts_.size() > num_cuts;
     }
 
+    // The integer program starts with those half-planes that hold the relaxation where it is.
+    void drop_loose_cuts(const std::vector<double>& x) {
+        std::erase_if(cuts_, [&](const ConeCut& cut) { return violation(cones_, cut, x.data()) < -kLooseCut; });
+        whole_ = {original_, &context_.session};
+        whole_.problem.cones.clear();
+    }
+
     // Half-planes around a point of the relaxation, where those of integers will be.
     void spread_cuts(const std::vector<double>& x) {
         constexpr double kSpread[] = {-1.0, -0.5, 0.5, 1.0};
@@ -391,6 +402,7 @@ private:
     }
 
     const int sense_;
+    const Problem& original_;
     const std::vector<Cone>& cones_;
     Context& context_;
     const Claim& claim_;
