@@ -243,7 +243,8 @@ def test_semi_continuous_columns_against_enumeration(columns, rhs):
     feasible = [cost for total, cost in best.items() if total <= rhs]
     assert m.Status == (ZVN.OPTIMAL if feasible else ZVN.INFEASIBLE)
     if feasible:
-        assert m.ObjVal == pytest.approx(min(feasible), abs=1e-6)
+        # The row may be off by FeasibilityTol, which costs up to 3 times as much.
+        assert m.ObjVal == pytest.approx(min(feasible), abs=4e-6)
         for x, (_, lb, ub, vtype) in zip(m.getVars(), cols):
             assert lb - 1e-6 <= x.X <= ub + 1e-6 or (vtype in "SN" and abs(x.X) <= 1e-6)
     m.dispose()
