@@ -35,6 +35,11 @@ ConeCut cut_at(const std::vector<Cone>& cones, int k, double t, double y, double
     return {k, a / size, b / size};
 }
 
+ConeCut cut_touching(int k, double y) {
+    const double size = std::max(std::fabs(y), std::sqrt(kLeastSize));
+    return {k, 1.0 / size, y / size};
+}
+
 double row_of(const std::vector<Cone>& cones, const ConeCut& cut, Problem::Terms& terms) {
     const Cone& cone = cones[cut.cone];
     terms.clear();

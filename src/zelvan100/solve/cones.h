@@ -18,6 +18,8 @@ struct ConeCut {
 double least_t(const Cone& cone, const double* x);
 // The half-plane that a direction or point violates most, as far as a is positive where z is -1.
 ConeCut cut_at(const std::vector<Cone>& cones, int k, double t, double y, double z);
+// The half-plane that touches the cone in (y^2, y, 1).
+ConeCut cut_touching(int k, double y);
 // As a row of a problem: its terms are to be at least what is returned.
 double row_of(const std::vector<Cone>& cones, const ConeCut& cut, Problem::Terms& terms);
 // By how much a point violates the half-plane, in terms of its largest product where that is above 1.

@@ -310,14 +310,25 @@ private:
         constexpr double kSpread[] = {-1.0, -0.5, 0.5, 1.0};
         for (int k = 0; k < static_cast<int>(cones_.size()); ++k) {
             const Cone& cone = cones_[k];
-            if (cone.z >= 0) continue;
             const double lower = whole_.problem.lb[cone.y], upper = whole_.problem.ub[cone.y];
             if (!std::isfinite(lower) || !std::isfinite(upper) || lower == upper) continue;
+            if (cone.z >= 0) {
+                if (whole_.problem.integer[cone.z]) spread_cuts_of_switch(k, lower, upper);
+                continue;
+            }
             for (double part : kSpread) {
                 const double y = x[cone.y] + part * (part < 0.0 ? x[cone.y] - lower : upper - x[cone.y]);
                 cuts_.push_back(cut_at(cones_, k, 0.0, y, 1.0));
             }
         }
+    }
+
+    // Those that touch the cone where a switch is on.
+    void spread_cuts_of_switch(int k, double lower, double upper) {
+        constexpr double kSpread[] = {0.05, 0.1, 0.2, 0.35, 0.55, 0.8, 1.0};
+        for (double part : kSpread)
+            for (double side : {lower, upper})
+                if (side != 0.0) cuts_.push_back(cut_touching(k, part * side));
     }
 
     bool holds(const double* x, double part) const {
