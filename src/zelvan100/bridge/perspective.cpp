@@ -68,6 +68,11 @@ std::vector<double> inverse_diagonal(Matrix& factor) {
     return found;
 }
 
+std::vector<double> rounded_down(std::vector<double> taken, double shift) {
+    for (double& value : taken) value = std::max(0.0, (1.0 - kLeft) * value - shift);
+    return taken;
+}
+
 // Lessens the diagonal step by step: by a part of what each column could lose by itself, which is 1 over the diagonal
 // of the inverse.
 std::vector<double> removable(Matrix matrix, const std::vector<char>& has_switch) {
@@ -81,21 +86,23 @@ std::vector<double> removable(Matrix matrix, const std::vector<char>& has_switch
     double part = kFirstPart;
     for (int step = 0; step < kMostSteps; ++step) {
         const std::vector<double> inverse = inverse_diagonal(factored);
-        for (; part >= kLeastPart; part /= 2.0) {
-            factored = matrix;
+        const auto lessen = [&](Matrix& lessened) {
             for (int i = 0; i < n; ++i)
-                if (has_switch[i]) factored.row(i)[i] -= part / inverse[i];
-            if (factor(factored)) break;
+                if (has_switch[i]) lessened.row(i)[i] -= part / inverse[i];
+        };
+        factored = matrix;
+        lessen(factored);
+        while (!factor(factored)) {
+            part /= 2.0;
+            if (part < kLeastPart) return rounded_down(taken, kShift * largest);
+            factored = matrix;
+            lessen(factored);
         }
-        if (part < kLeastPart) break;
-        for (int i = 0; i < n; ++i) {
-            if (!has_switch[i]) continue;
-            taken[i] += part / inverse[i];
-            matrix.row(i)[i] -= part / inverse[i];
-        }
+        lessen(matrix);
+        for (int i = 0; i < n; ++i)
+            if (has_switch[i]) taken[i] += part / inverse[i];
     }
-    for (double& value : taken) value = std::max(0.0, (1.0 - kLeft) * value - kShift * largest);
-    return taken;
+    return rounded_down(taken, kShift * largest);
 }
 
 }  // namespace
