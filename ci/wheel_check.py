@@ -44,6 +44,18 @@ def check_libraries(package):
         assert paths == {str(package / name)}, (name, paths)
 
 
+def solve_quadratic_program(env):
+    import zelvanpy
+
+    with zelvanpy.Model(env=env) as model:
+        model.Params.Method = 2
+        x, y = model.addVar(), model.addVar()
+        model.addConstr(x + y == 3)
+        model.setObjective(x * x + 2 * y * y)
+        model.optimize()
+        assert model.Status == zelvanpy.ZVN.OPTIMAL and abs(model.ObjVal - 6.0) <= 1e-6
+
+
 def main(dist, data):
     import zelvanpy
 
@@ -59,6 +71,7 @@ def main(dist, data):
                 assert model.Status == zelvanpy.ZVN.OPTIMAL
                 assert abs(model.ObjVal - objective) <= 1e-6 * objective, (name, model.ObjVal)
                 assert len(model.getVars()) == model.NumVars
+        solve_quadratic_program(env)
     check_libraries(package)
     command = [sys.executable, "-m", "zelvanpy", str(data / "shifts.lp"), "--write", "answer.json"]
     printed = subprocess.check_output(command, universal_newlines=True)
