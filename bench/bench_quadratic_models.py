@@ -106,7 +106,7 @@ def antenna(cones=50 // SHRINK, size=20, elements=30):
     return m
 
 
-def few_assets(assets=100 // SHRINK, most=10 // min(SHRINK, 2)):
+def few_assets(assets=100 // SHRINK, most=5 if timing.SHORT else 10):
     rng, m = numpy.random.default_rng(1), Instance()
     exposures, own = rng.normal(size=(assets, 10)) * 0.1, rng.uniform(0.02, 0.1, assets)
     covariance = 1e4 * (exposures @ exposures.T + numpy.diag(own**2))
