@@ -31,6 +31,7 @@ struct Form {
     Problem::Terms linear;
     double right = 0.0;
     bool is_equality = false, is_objective = false;
+    int divisor = -1;  // the column that all was divided by
     std::string noun;  // "Quadratic constraint 'c'" or "The quadratic objective"
 };
 
@@ -175,6 +176,7 @@ private:
         const int u = form.quad.row[apex], v = form.quad.col[apex];
         form.linear.emplace_back(u, form.quad.val[apex]);
         add(*squares, v, form.linear);
+        form.divisor = v;
         if (form.right < 0.0) form.linear.emplace_back(square_of(constant_col(std::sqrt(-form.right)), v), 1.0);
         form.right = 0.0;
         form.quad = {};
@@ -289,8 +291,13 @@ Problem::Terms merged(Problem::Terms terms) {
 
 Form form_of(const ModelData& data, int i, double sign) {
     const QuadRows& rows = data.qrows;
-    Form form{terms_of(rows, i, sign), {},    sign * rows.rhs[i],
-              rows.sense[i] == '=',    false, "Quadratic constraint '" + data.name_of(Kind::kQuadRow, i) + "'"};
+    Form form{terms_of(rows, i, sign),
+              {},
+              sign * rows.rhs[i],
+              rows.sense[i] == '=',
+              false,
+              -1,
+              "Quadratic constraint '" + data.name_of(Kind::kQuadRow, i) + "'"};
     for (std::int64_t k = rows.start[i]; k < rows.start[i + 1]; ++k)
         form.linear.emplace_back(rows.col[k], sign * rows.val[k]);
     return form;
@@ -304,10 +311,11 @@ QuadraticCounts bridge_quadratic(const ModelData& data, Problem& problem, Indica
         for (int i = 0; i < data.qrows.size(); ++i) {
             const double sign = data.qrows.sense[i] == '>' ? -1.0 : 1.0;
             const Form form = quadratics.linear(form_of(data, i, sign));
+            problem.lifted_rows.push_back({problem.num_rows(), sign, form.divisor});
             problem.add_row(merged(form.linear), form.is_equality ? form.right : -kInf, form.right);
         }
         if (problem.quad.empty()) return quadratics.counts;
-        Form form{std::exchange(problem.quad, {}), {}, 0.0, false, true, "The quadratic objective"};
+        Form form{std::exchange(problem.quad, {}), {}, 0.0, false, true, -1, "The quadratic objective"};
         for (double& value : form.quad.val) value *= problem.sense;
         for (const auto& [j, value] : quadratics.linear(std::move(form)).linear)
             problem.cost[j] += problem.sense * value;

@@ -6,6 +6,7 @@
 
 #include "solve/certificate.h"
 #include "solve/outer.h"
+#include "solve/quadratic_duals.h"
 #include "solve/recession.h"
 
 namespace zelvan {
@@ -97,6 +98,10 @@ private:
             return result;
         }
         result.objective = claim_.objective(result.x.data());
+        if (context_.params.get_int(Param::QCPDual) && claim_.data.objectives.size() <= 1 && !is_mip_)
+            set_quadratic_duals(claim_.data, problem_, result);
+        else
+            result.rc.clear();
         return result;
     }
 

@@ -68,6 +68,7 @@ struct SolverResult {
     std::vector<double> x;         // empty without a feasible point
     std::vector<double> activity;  // at x, of the rows of the model; empty where it wasn't looked at
     std::vector<double> rc, pi;    // empty unless dual feasible
+    std::vector<double> qcpi;      // the same of quadratic constraints
     Basis basis;                   // empty when there is none
     std::vector<double> farkas;    // of the rows, once an infeasibility is proven
     std::vector<double> ray;       // of the columns, once an unboundedness is proven

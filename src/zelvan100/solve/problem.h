@@ -31,6 +31,13 @@ struct Product {
     int w, x, y;
 };
 
+// The row that stands for a quadratic constraint: that times `sign`, divided by a column, or by none where that is -1.
+struct LiftedRow {
+    int row;
+    double sign;
+    int divisor;
+};
+
 struct Disjunctions {
     std::vector<Gap> gaps;
     std::vector<OrderedSet> sets;
@@ -72,9 +79,10 @@ public:
     std::vector<double> cost, lb, ub;
     std::vector<char> integer;  // 1 or 0
     std::vector<double> row_lower, row_upper;
-    std::vector<int> start;     // of the rows, one more than there are rows
-    Disjunctions disjunctions;  // what a point has to hold besides
-    std::vector<Cone> cones;    // and this
+    std::vector<int> start;              // of the rows, one more than there are rows
+    Disjunctions disjunctions;           // what a point has to hold besides
+    std::vector<Cone> cones;             // and this
+    std::vector<LiftedRow> lifted_rows;  // of the quadratic constraints, one for each
 
     int num_cols() const { return static_cast<int>(cost.size()); }
     int num_rows() const { return static_cast<int>(row_lower.size()); }

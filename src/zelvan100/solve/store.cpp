@@ -72,6 +72,7 @@ void store_result(const ModelData& data, SolverResult result, Solution& solution
     result.pi.resize(data.rows.size());
     solution.rc = std::move(result.rc);
     solution.pi = std::move(result.pi);
+    solution.qcpi = std::move(result.qcpi);
 }
 
 bool Pool::wants(double objective) const {
