@@ -6,7 +6,7 @@ import threading
 
 import numpy
 import pytest
-from hypothesis import assume, given
+from hypothesis import assume, example, given
 from hypothesis import strategies as st
 from scipy.optimize import Bounds, LinearConstraint, linprog, milp
 from solvable import assignment, knapsacks
@@ -67,6 +67,9 @@ def build(program):
     return m
 
 
+BOX = 1e4
+
+
 def arrays(program):
     cols, rows, _ = program
     c, lb, ub = (numpy.array([col[k] for col in cols]) for k in range(3))
@@ -81,15 +84,21 @@ def second_opinion(program):
     integrality = [col[3] != "C" for col in program[0]]
     sides = numpy.where(senses == "<", -math.inf, b), numpy.where(senses == ">", math.inf, b)
     rows = LinearConstraint(a, *sides) if len(b) else None
-    limits = {"integrality": integrality, "bounds": Bounds(lb, ub), "constraints": rows}
-    other = milp(program[2] * c, **limits)
-    if other.status == 2 and milp(0 * c, **limits).status == 0:
-        other.status = 3  # scipy calls some unbounded programs infeasible
-    if other.status == 0 and milp(program[2] * c, **{**limits, "integrality": None}).status == 3:
-        other.status = 3  # and some optimal: with whole data an unbounded relaxation and a feasible point settle it
+    # scipy calls some unbounded programs infeasible or optimal: a box, far larger than the data, tells.
+    box = Bounds(numpy.maximum(lb, -BOX), numpy.minimum(ub, BOX))
+    other = milp(program[2] * c, integrality=integrality, bounds=box, constraints=rows)
+    if other.status == 0 and other.fun < -BOX / 10:
+        other.status = 3
     return other
 
 
+@example(
+    (
+        [(0.0, -1e100, 3.0, "C"), (1.0, 0.0, 3.0, "C"), (1.0, -1e100, 3.0, "I")],
+        [([1.0, 0.0, -2.0], ">", 0.0), ([-1.0, 1.0, 2.0], ">", -1.0)],
+        1,
+    )
+)
 @given(programs(integers=True))
 def test_integer_programs_agree_with_scipy(program):
     m = build(program)
