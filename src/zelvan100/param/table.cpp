@@ -114,7 +114,8 @@ constexpr ParamSpec kParams[] = {
     integer("Crossover", -1, 5, -1, "How a barrier solution becomes a basic one: -1 automatic, 0 not at all.",
             "HiGHS option run_crossover: off for 0, on otherwise."),
     integer("CrossoverBasis", -1, 1, -1, "First basis of the crossover: -1 automatic, 0 quick, 1 more stable."),
-    integer("QCPDual", 0, 1, 0, "Whether dual values of models with quadratic constraints are computed."),
+    integer("QCPDual", 0, 1, 0, "Whether dual values of models with quadratic constraints are computed.",
+            "With 1, QCPi, Pi and RC of continuous models with convex quadratic constraints."),
 
     // MIP
     integer("BranchDir", -1, 1, 0, "Child that a MIP search explores first: -1 down, 0 automatic, 1 up."),
@@ -137,7 +138,9 @@ constexpr ParamSpec kParams[] = {
     real("NodefileStart", 0, kInf, kInf, "Gigabytes of node memory at which nodes are moved to files."),
     integer("NodeMethod", -1, 2, -1,
             "Method for the relaxations of MIP nodes: -1 automatic, 0 primal, 1 dual, 2 barrier."),
-    integer("NonConvex", -1, 2, -1, "Nonconvex quadratic models: -1 automatic, 0 and 1 refused, 2 solved."),
+    integer(
+        "NonConvex", -1, 2, -1, "Nonconvex quadratic models: -1 automatic, 0 and 1 refused, 2 solved.",
+        "0 and 1 refuse forms that aren't convex and that PreQLinearize leaves; -1 and 2 branch on their products."),
     real("NoRelHeurTime", 0, kInf, 0, "Seconds of the heuristic that runs before the root relaxation."),
     real("NoRelHeurWork", 0, kInf, 0, "Work of the heuristic that runs before the root relaxation."),
     integer("OBBT", -1, 3, -1, "Bound tightening by optimization: -1 automatic, 0 off, 1 to 3 more."),
@@ -279,7 +282,9 @@ constexpr ParamSpec kParams[] = {
     integer("PrePasses", -1, kMaxInt, -1, "Most passes of presolve; -1 automatic.",
             "0 turns presolve off; a number limits its reductions by HiGHS option presolve_reduction_limit, a "
             "twentieth of the rows and columns for each pass."),
-    integer("PreQLinearize", -1, 2, -1, "Linearization of quadratic terms in presolve: -1 automatic, 0 off, 1, 2."),
+    integer("PreQLinearize", -1, 2, -1, "Linearization of quadratic terms in presolve: -1 automatic, 0 off, 1, 2.",
+            "Products with a binary factor become linear: with 1 in each form, with -1 and 2 in those that aren't "
+            "convex, with 0 only in equations."),
     integer("Presolve", -1, 2, -1, "Presolve: -1 automatic, 0 off, 1 conservative, 2 aggressive.",
             "HiGHS option presolve: off for 0, its choice for -1, on otherwise."),
     real("PreSOS1BigM", -1, 1e10, -1, "Largest bound for turning SOS1 into binaries: -1 automatic, 0 never."),
