@@ -4,6 +4,7 @@
 
 #include "exception.h"
 #include "extern.h"
+#include "matrix.h"
 #include "pyargs.h"
 #include "pyfreelist.h"
 
@@ -61,6 +62,13 @@ char letter_of(PyObject* sense) {
     return letter == '<' || letter == '>' || letter == '=' || letter == 'I' ? static_cast<char>(letter) : '\0';
 }
 
+// A matrix object on either side: all of the constraint stands on the left.
+void gather_left(py::object& lhs, py::object& rhs) {
+    if (!is_matrix_operand(lhs) && !is_matrix_operand(rhs)) return;
+    lhs = steal(PyNumber_Subtract(lhs.ptr(), rhs.ptr()));
+    rhs = steal(PyFloat_FromDouble(0.0));
+}
+
 // A record is set once: who works on one needn't fear that its sides go.
 void TempConstr_init(TempConstr& self, PyObject* args, PyObject* kwargs) {
     static const Signature<3> kInit{"TempConstr", 3, {Name("lhs"), Name("sense"), Name("rhs")}};
@@ -71,7 +79,9 @@ void TempConstr_init(TempConstr& self, PyObject* args, PyObject* kwargs) {
         self.other_sense = borrow(sense).release().ptr();
         if (self.link.next && !is_inert(sense)) wake(as_object(self), self.link);
     }
-    set_sides(self, borrow(lhs), letter, borrow(rhs));
+    py::object left = borrow(lhs), right = borrow(rhs);
+    gather_left(left, right);
+    set_sides(self, std::move(left), letter, std::move(right));
 }
 
 void give_back(TempConstr* self) {
@@ -182,6 +192,7 @@ char sense_letter(const TempConstr& constr) {
 }
 
 PyObject* new_tempconstr(py::object lhs, char sense, py::object rhs) {
+    gather_left(lhs, rhs);
     TempConstr* self = allocate(TempConstr_Type);
     set_sides(*self, std::move(lhs), sense, std::move(rhs));
     return as_object(*self);

@@ -1,0 +1,112 @@
+#pragma once
+// The parts of a compact expression: sparse rows times a vector of variables. Both are shared between expressions and
+// not changed while they are.
+
+#include <cstdint>
+#include <memory>
+#include <vector>
+
+#include "handle.h"
+#include "pyarray.h"
+
+namespace zelvanpy {
+
+// Numbers in memory of their own or in that of a numpy array.
+template <class T>
+class Buffer {
+public:
+    Buffer() = default;
+    explicit Buffer(std::size_t size);          // not set
+    explicit Buffer(py::object array);          // of T, contiguous
+    Buffer(Buffer&& other) noexcept { swap(other); }
+    Buffer& operator=(Buffer&& other) noexcept {
+        swap(other);
+        return *this;
+    }
+    ~Buffer();
+    T* data() const { return data_; }
+    std::size_t size() const { return size_; }
+    T& operator[](std::size_t i) const { return data_[i]; }
+
+private:
+    void swap(Buffer& other) {
+        std::swap(data_, other.data_);
+        std::swap(size_, other.size_);
+        std::swap(owner_, other.owner_);
+    }
+    T* data_ = nullptr;
+    std::size_t size_ = 0;
+    py::object owner_;  // the array; empty where the memory is the buffer's own
+};
+
+// A sparse matrix in compressed rows, entries in the order in which they were stored; or a multiple of the identity.
+struct Rows {
+    Py_intptr_t num_rows = 0, num_cols = 0;
+    bool is_identity = false;
+    double multiple = 1.0;  // of the identity
+    Buffer<std::int32_t> begin, index;
+    Buffer<double> value;
+    int exports = 0;  // scipy objects over the same memory, which anyone may change
+
+    std::size_t num_entries() const { return is_identity ? num_rows : begin[num_rows]; }
+};
+using SharedRows = std::shared_ptr<Rows>;
+
+SharedRows identity_rows(Py_intptr_t size, double multiple);
+// `num_entries` entries, nothing set.
+SharedRows new_rows(Py_intptr_t num_rows, Py_intptr_t num_cols, std::size_t num_entries);
+// The nonzero entries of a dense matrix of one or two dimensions or, if `transposed`, of its transpose. A vector is a
+// row either way.
+SharedRows rows_of_dense(py::handle matrix, bool transposed);
+// A scipy matrix as rows: a private copy, or one that shares the arrays of a csr_matrix of doubles.
+SharedRows rows_of_sparse(py::handle matrix, bool copy);
+// csr_matrix(matrix.T) with sorted rows
+SharedRows rows_of_transposed(py::handle matrix);
+SharedRows copy_rows(const Rows& rows);
+// The identity as entries, other rows as they are.
+SharedRows stored_rows(const SharedRows& rows);
+// The rows with `num` copies of their only one.
+SharedRows repeated_row(const Rows& rows, Py_intptr_t num);
+// The first and the last `num` rows.
+SharedRows end_rows(const Rows& rows, Py_intptr_t num);
+// A csr_matrix over the memory of the rows, which aren't of the identity.
+py::object csr_matrix_over(const SharedRows& rows);
+bool is_sparse(py::handle object);
+
+// Variables of any number of MVars.
+class Vars {
+public:
+    explicit Vars(py::object mvar) : mvar_(std::move(mvar)) {}
+    Vars(const Vars&) = delete;
+    Vars& operator=(const Vars&) = delete;
+    explicit Vars(std::vector<py::object> handles) : handles_(std::move(handles)) {}
+    // The handles in a row, each a Var. Valid while no Python code runs.
+    struct Span {
+        PyObject* const* data;
+        std::size_t size;
+        Handle* operator[](std::size_t i) const { return as_handle(data[i]); }
+    };
+    Span span() const;
+    std::size_t size() const { return span().size; }
+    // As an MVar of one dimension.
+    py::object mvar();
+
+private:
+    py::object mvar_;
+    std::vector<py::object> handles_;  // where there is no MVar yet
+};
+using SharedVars = std::shared_ptr<Vars>;
+
+// rows * vars, or its negative.
+struct Block {
+    SharedRows rows;
+    SharedVars vars;
+    bool negated = false;
+    bool opens_part = true;  // blocks of one part stand side by side
+
+    double sign() const { return negated ? -1.0 : 1.0; }
+};
+// The blocks as one, side by side.
+Block joined_blocks(const Block* blocks, std::size_t num);
+
+}  // namespace zelvanpy
