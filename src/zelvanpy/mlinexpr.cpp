@@ -71,6 +71,13 @@ py::object wrap_cells(py::object learr, PyTypeObject* type) {
     return e;
 }
 
+py::object wrap_scaled(ScaledVars scaled) {
+    auto held = std::make_unique<ScaledVars>(std::move(scaled));
+    py::object e = steal(MLinExpr_Type->tp_alloc(MLinExpr_Type, 0));
+    as_mlinexpr(e).scaled = held.release();
+    return e;
+}
+
 namespace {
 
 // An array with a new LinExpr for each cell.
@@ -99,7 +106,25 @@ CompactForm& compact_of(MLinExpr& self) {
     return *self.compact;
 }
 
+namespace {
+
+void make_cells(MLinExpr& self) {
+    const ScaledVars scaled = *self.scaled;
+    const Shape& shape = scaled.shape;
+    py::object cells = new_objects(shape);
+    walk<3>(shape, {cells_in(cells, shape), cells_in(scaled.vars, shape), cells_in(scaled.factors, shape)},
+            [](const auto& at) {
+                Handle* var = handle_in(*reinterpret_cast<PyObject**>(at[1]), Kind::kVar);
+                set_object(at[0], owned(linexpr_of_var(var, double_at(at[2]))));
+            });
+    delete std::exchange(self.scaled, nullptr);
+    self.learr = cells.release().ptr();
+}
+
+}  // namespace
+
 py::object cells_of(MLinExpr& self) {
+    if (self.scaled) make_cells(self);
     if (!self.learr)
         raise(PyExc_AttributeError, self.compact ? "a compact expression has no cells" : "MLinExpr is not initialised");
     if (!has_cells(self.learr, CellType::kObject)) raise(PyExc_TypeError, "The cells of an MLinExpr must be LinExpr");
@@ -116,7 +141,10 @@ py::object linexpr_at(const char* cell) {
     return borrow(object);
 }
 
-Shape mlinexpr_shape(MLinExpr& self) { return self.compact ? self.compact->constants.shape : shape_of(cells_of(self)); }
+Shape mlinexpr_shape(MLinExpr& self) {
+    if (self.compact) return self.compact->constants.shape;
+    return self.scaled ? self.scaled->shape : shape_of(cells_of(self));
+}
 
 // --- from one form to the other
 
@@ -189,13 +217,6 @@ std::vector<Block> shared_blocks(const CompactForm& form) {
 Block& single_block(CompactForm& form) {
     form.blocks = {joined_blocks(form.blocks.data(), form.blocks.size())};
     return form.blocks.front();
-}
-
-Block& private_block(CompactForm& form) {
-    Block& block = single_block(form);
-    const long owners = block.rows.use_count() - block.rows->exports;
-    if (owners > 1) block.rows = copy_rows(*block.rows);
-    return block;
 }
 
 py::object copied_cells(py::handle learr) {

@@ -35,9 +35,16 @@ struct CompactForm {
     void join_parts();  // as one part; the blocks stay
 };
 
+// Variables times numbers, cell by cell with broadcasting: a full form whose cells nobody has asked for yet.
+struct ScaledVars {
+    py::object vars, factors;  // arrays of Var and of finite doubles, which nobody changes
+    Shape shape;
+};
+
 struct MLinExpr {
     PyObject_HEAD PyObject* learr;  // the cells of the full form
     CompactForm* compact;           // null in full form
+    ScaledVars* scaled;             // null once there are cells
     PyObject* dict;
     PyObject* weakrefs;
 };
@@ -55,13 +62,15 @@ bool takes_compact_road(MLinExpr& self);
 // New expressions, of exact type unless `type` says otherwise.
 py::object new_mlinexpr(CompactForm form, PyTypeObject* type = MLinExpr_Type);
 py::object wrap_cells(py::object learr, PyTypeObject* type = MLinExpr_Type);
+py::object wrap_scaled(ScaledVars scaled);
 py::object mlinexpr_zeros(const Shape& shape, PyTypeObject* type = MLinExpr_Type);
 py::object mlinexpr_zeros_full(const Shape& shape, PyTypeObject* type = MLinExpr_Type);
 
 Shape mlinexpr_shape(MLinExpr& self);
 // The form with its data; throws where there is none.
 CompactForm& compact_of(MLinExpr& self);
-// The cells of a full expression, kept alive; throws where it is compact or was not initialised.
+// The cells of a full expression, kept alive, which are made where nobody asked before; throws where it is compact or
+// was not initialised.
 py::object cells_of(MLinExpr& self);
 // The LinExpr in a cell; TypeError for any other object.
 py::object linexpr_at(const char* cell);
@@ -76,8 +85,6 @@ py::object mlinexpr_copy(MLinExpr& self);
 py::object copied_cells(py::handle learr);
 // Blocks for another expression.
 std::vector<Block> shared_blocks(const CompactForm& form);
-// All blocks as one whose rows nobody else has, for changes in place; there must be blocks.
-Block& private_block(CompactForm& form);
 // All parts as one with stored entries; there must be blocks.
 Block& single_block(CompactForm& form);
 

@@ -202,13 +202,13 @@ void iadd_compact_linexpr(CompactForm& form, py::handle linexpr) {
     linexpr_flatten(e);
     const Py_intptr_t num = form.constants.shape.size();
     std::size_t nonzeros = 0;
-    std::vector<py::object> vars;
+    const py::object vars = new_objects({static_cast<Py_ssize_t>(e->size)});
     for (std::uint32_t i = 0; i < e->size; ++i) {
-        vars.push_back(borrow(reinterpret_cast<PyObject*>(e->terms[i].var)));
+        data_of<PyObject*>(vars)[i] = borrow(reinterpret_cast<PyObject*>(e->terms[i].var)).release().ptr();
         nonzeros += e->terms[i].coeff != 0.0;
     }
     const double constant = e->constant;
-    SharedRows row = new_rows(1, static_cast<Py_intptr_t>(vars.size()), nonzeros);
+    SharedRows row = new_rows(1, static_cast<Py_intptr_t>(e->size), nonzeros);
     std::int32_t next = 0;
     row->begin[0] = 0;
     for (std::uint32_t i = 0; i < e->size; ++i) {
@@ -217,17 +217,15 @@ void iadd_compact_linexpr(CompactForm& form, py::handle linexpr) {
         row->value[next++] = e->terms[i].coeff;
     }
     row->begin[1] = next;
-    if (!vars.empty() && num > 0)
-        form.blocks.push_back({repeated_row(*row, num), std::make_shared<Vars>(std::move(vars))});
+    if (e->size > 0 && num > 0)
+        form.blocks.push_back({repeated_row(*row, num), std::make_shared<Vars>(new_mvar(vars))});
     add_number(form.constants, constant);
 }
 
 void iadd_compact_var(CompactForm& form, py::handle var) {
     const Py_intptr_t num = form.constants.shape.size();
-    std::vector<py::object> vars{borrow(var)};
     if (num > 0)
-        form.blocks.push_back(
-            {repeated_row(*identity_rows(1, 1.0), num), std::make_shared<Vars>(std::move(vars))});
+        form.blocks.push_back({repeated_row(*identity_rows(1, 1.0), num), std::make_shared<Vars>(mvar_of(var))});
 }
 
 void iadd_compact_compact(CompactForm& form, CompactForm& other) {

@@ -129,7 +129,30 @@ void mlinexpr_setitem(MLinExpr& self, py::handle index, py::handle value) {
 
 // --- the whole array
 
+namespace {
+
+py::object sum_of_scaled(const ScaledVars& scaled, py::handle axis) {
+    const Shape& shape = scaled.shape;
+    const Reduction reduction = reduction_over(axis, shape);
+    py::object result = mlinexpr_zeros_full(reduction.shape);
+    const py::object sums = cells_of(as_mlinexpr(result));
+    const Py_intptr_t size = shape.size();
+    if (size == 0) return result;
+    const auto summands = static_cast<std::size_t>(size / reduction.shape.size());
+    walk<3>(shape,
+            {reduced_cells(sums, reduction, shape.ndim), cells_in(scaled.vars, shape), cells_in(scaled.factors, shape)},
+            [&](const auto& at) {
+                LinExpr* sum = *reinterpret_cast<LinExpr**>(at[0]);
+                if (sum->size == 0) reserve_terms(sum, summands);
+                append_term(sum, {double_at(at[2]), handle_in(*reinterpret_cast<PyObject**>(at[1]), Kind::kVar)});
+            });
+    return result;
+}
+
+}  // namespace
+
 py::object mlinexpr_sum(MLinExpr& self, py::handle axis) {
+    if (self.scaled) return sum_of_scaled(ScaledVars(*self.scaled), axis);
     mlinexpr_convert_to_full(self);
     const py::object cells = cells_of(self);
     const Shape shape = shape_of(cells);

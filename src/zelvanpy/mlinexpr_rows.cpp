@@ -164,20 +164,43 @@ void check_positions(const py::object& csr) {
     for (Py_intptr_t i = 0; i < num; ++i) check_entries(static_cast<std::size_t>(std::max<std::int64_t>(positions[i], 0)));
 }
 
-bool is_consistent(const Rows& rows) {
+// Whether the begins of the rows are in order and within the arrays.
+bool has_rows_within(const Rows& rows) {
     if (rows.begin.size() != static_cast<std::size_t>(rows.num_rows) + 1 || rows.begin[0] != 0) return false;
     for (Py_intptr_t i = 0; i < rows.num_rows; ++i)
         if (rows.begin[i] > rows.begin[i + 1]) return false;
     const auto num = static_cast<std::size_t>(rows.begin[rows.num_rows]);
-    if (num > rows.index.size() || num > rows.value.size()) return false;
-    bool is_within = true;
-    for (std::size_t k = 0; k < num; ++k)
-        is_within &= static_cast<std::uint32_t>(rows.index[k]) < static_cast<std::uint64_t>(rows.num_cols);
-    return is_within;
+    return num <= rows.index.size() && num <= rows.value.size();
 }
 
-// Takes the arrays of a csr_matrix of doubles.
-SharedRows adopted(const py::object& csr) {
+// Negative where the index isn't that of one of the columns.
+std::int32_t index_fault(std::int32_t index, std::int32_t last) { return index | (last - index); }
+
+bool has_indices_within(const Rows& rows) {
+    const auto last = static_cast<std::int32_t>(rows.num_cols - 1);
+    std::int32_t fault = 0;
+    for (std::size_t k = 0, num = rows.num_entries(); k < num; ++k) fault |= index_fault(rows.index[k], last);
+    return fault >= 0;
+}
+
+// Copies the indices; false where one lies beyond the columns.
+bool copy_indices(const Rows& rows, std::int32_t* to) {
+    const auto last = static_cast<std::int32_t>(rows.num_cols - 1);
+    const std::int32_t* from = rows.index.data();
+    std::int32_t fault = 0;
+    for (std::size_t k = 0, num = rows.num_entries(); k < num; ++k) {
+        to[k] = from[k];
+        fault |= index_fault(from[k], last);
+    }
+    return fault >= 0;
+}
+
+[[noreturn]] void raise_inconsistent() {
+    raise(PyExc_ValueError, "The index arrays of a sparse matrix don't fit its shape");
+}
+
+// Takes the arrays of a csr_matrix of doubles, where `num_entries()` can be relied on but not yet the indices.
+SharedRows adopted_unchecked(const py::object& csr) {
     static const Name kShape("shape"), kIndptr("indptr"), kIndices("indices"), kData("data");
     const py::object shape = steal(PyObject_GetAttr(csr.ptr(), kShape.get()));
     auto rows = std::make_shared<Rows>();
@@ -191,8 +214,37 @@ SharedRows adopted(const py::object& csr) {
         flat_array(steal(PyObject_GetAttr(csr.ptr(), kIndices.get())), CellType::kInt32, "i4"));
     rows->value =
         Buffer<double>(flat_array(steal(PyObject_GetAttr(csr.ptr(), kData.get())), CellType::kDouble, "d"));
-    if (!is_consistent(*rows)) raise(PyExc_ValueError, "The index arrays of a sparse matrix don't fit its shape");
+    if (!has_rows_within(*rows)) raise_inconsistent();
     return rows;
+}
+
+}  // namespace
+
+namespace {
+
+SharedRows adopted(const py::object& csr) {
+    SharedRows rows = adopted_unchecked(csr);
+    if (!has_indices_within(*rows)) raise_inconsistent();
+    return rows;
+}
+
+SharedRows checked_copy(const Rows& rows) {
+    const std::size_t num = rows.num_entries();
+    SharedRows copy = new_rows(rows.num_rows, rows.num_cols, num);
+    std::memcpy(copy->begin.data(), rows.begin.data(), (rows.num_rows + 1) * sizeof(std::int32_t));
+    if (!copy_indices(rows, copy->index.data())) raise_inconsistent();
+    std::memcpy(copy->value.data(), rows.value.data(), num * sizeof(double));
+    return copy;
+}
+
+// Whether the matrix is in compressed rows of doubles already.
+bool is_plain_csr(py::handle matrix) {
+    static const Name kFormat("format"), kData("data"), kNdim("ndim");
+    const py::object format = steal(PyObject_GetAttr(matrix.ptr(), kFormat.get()));
+    if (!PyUnicode_Check(format.ptr()) || PyUnicode_CompareWithASCIIString(format.ptr(), "csr") != 0) return false;
+    if (list_index(steal(PyObject_GetAttr(matrix.ptr(), kNdim.get()))) != 2) return false;
+    const py::object data = steal(PyObject_GetAttr(matrix.ptr(), kData.get()));
+    return is_ndarray(data) && has_cells(data, CellType::kDouble);
 }
 
 }  // namespace
@@ -218,7 +270,10 @@ bool is_sparse(py::handle object) {
     return is;
 }
 
-SharedRows rows_of_sparse(py::handle matrix, bool copy) { return adopted(csr_matrix(matrix, copy)); }
+SharedRows rows_of_sparse(py::handle matrix, bool copy) {
+    if (!is_plain_csr(matrix)) return adopted(csr_matrix(matrix, copy));
+    return copy ? checked_copy(*adopted_unchecked(borrow(matrix))) : adopted(borrow(matrix));
+}
 
 SharedRows rows_of_transposed(py::handle matrix) {
     static const Name kT("T"), kSort("sort_indices");
@@ -228,13 +283,7 @@ SharedRows rows_of_transposed(py::handle matrix) {
 }
 
 SharedRows copy_rows(const Rows& rows) {
-    if (rows.is_identity) return identity_rows(rows.num_rows, rows.multiple);
-    const std::size_t num = rows.num_entries();
-    SharedRows copy = new_rows(rows.num_rows, rows.num_cols, num);
-    std::memcpy(copy->begin.data(), rows.begin.data(), (rows.num_rows + 1) * sizeof(std::int32_t));
-    std::memcpy(copy->index.data(), rows.index.data(), num * sizeof(std::int32_t));
-    std::memcpy(copy->value.data(), rows.value.data(), num * sizeof(double));
-    return copy;
+    return rows.is_identity ? identity_rows(rows.num_rows, rows.multiple) : checked_copy(rows);
 }
 
 SharedRows stored_rows(const SharedRows& rows) {
@@ -311,56 +360,81 @@ py::object csr_matrix_over(const SharedRows& rows) {
 
 // --- variables
 
-Vars::Span Vars::span() const {
-    Span span{reinterpret_cast<PyObject* const*>(handles_.data()), handles_.size()};
-    if (mvar_) {
-        const py::object array = array_of(mvar_);
-        if (!has_cells(array, CellType::kObject) || !is_contiguous(array))
-            raise(PyExc_ValueError, "The array of an MVar was changed");
-        span = {data_of<PyObject*>(array), static_cast<std::size_t>(size_of(array))};
-        for (std::size_t i = 0; i < span.size; ++i) handle_in(span.data[i], Kind::kVar);
+Vars::Span Vars::unchecked_span() const {
+    const py::object array = array_of(mvar_);
+    if (!has_cells(array, CellType::kObject) || !is_contiguous(array))
+        raise(PyExc_ValueError, "The array of an MVar was changed");
+    return {data_of<PyObject*>(array), static_cast<std::size_t>(size_of(array))};
+}
+
+void Vars::gather() {
+    if (pieces_.empty()) return;
+    std::vector<Span> spans;
+    Py_ssize_t size = 0;
+    for (const std::shared_ptr<Vars>& piece : pieces_) {
+        piece->gather();
+        spans.push_back(piece->unchecked_span());
+        size += static_cast<Py_ssize_t>(spans.back().size);
     }
+    py::object array = new_objects({size});
+    PyObject** cell = data_of<PyObject*>(array);
+    for (const Span& span : spans)
+        for (std::size_t i = 0; i < span.size; ++i, ++cell) {
+            *cell = reinterpret_cast<PyObject*>(handle_in(span.data[i], Kind::kVar));
+            Py_INCREF(*cell);
+        }
+    mvar_ = new_handle_array(MVar_Type, std::move(array));
+    pieces_.clear();
+}
+
+Vars::Span Vars::span() {
+    gather();
+    const Span span = unchecked_span();
+    for (std::size_t i = 0; i < span.size; ++i) handle_in(span.data[i], Kind::kVar);
     return span;
 }
 
 py::object Vars::mvar() {
-    const Span handles = span();
-    if (mvar_ && array_fields(array_of(mvar_)).nd == 1) return mvar_;
+    gather();
+    const Span handles = unchecked_span();
+    if (array_fields(array_of(mvar_)).nd == 1) return mvar_;
     const py::object array = new_objects({static_cast<Py_ssize_t>(handles.size)});
     PyObject** cells = data_of<PyObject*>(array);
-    for (std::size_t i = 0; i < handles.size; ++i) cells[i] = borrow(handles.data[i]).release().ptr();
+    for (std::size_t i = 0; i < handles.size; ++i) {
+        const PyObject* const var = handles.data[i];
+        cells[i] = borrow(var ? handles.data[i] : Py_None).release().ptr();
+    }
     mvar_ = new_handle_array(MVar_Type, array);
-    handles_.clear();
     return mvar_;
 }
 
 namespace {
 
 SharedVars joined_vars(const Block* blocks, std::size_t num) {
-    std::vector<py::object> handles;
-    std::size_t size = 0;
-    for (std::size_t b = 0; b < num; ++b) size += blocks[b].vars->size();
-    handles.reserve(size);
-    for (std::size_t b = 0; b < num; ++b) {
-        const Vars::Span span = blocks[b].vars->span();
-        for (std::size_t i = 0; i < span.size; ++i) handles.push_back(borrow(span.data[i]));
-    }
-    return std::make_shared<Vars>(std::move(handles));
+    std::vector<SharedVars> pieces;
+    for (std::size_t b = 0; b < num; ++b) pieces.push_back(blocks[b].vars);
+    return std::make_shared<Vars>(std::move(pieces));
 }
 
 // Copies row i of the block behind the entries that `rows` has so far.
-void append_row(Rows& rows, std::int32_t& next, const Block& block, Py_intptr_t i, std::int32_t first_col) {
+std::int32_t append_row(const Rows& rows, std::int32_t next, const Block& block, Py_intptr_t i, std::int32_t first_col) {
     const Rows& source = *block.rows;
-    const double sign = block.sign();
+    std::int32_t* index = rows.index.data() + next;
+    double* value = rows.value.data() + next;
     if (source.is_identity) {
-        rows.index[next] = first_col + static_cast<std::int32_t>(i);
-        rows.value[next++] = sign * source.multiple;
-        return;
+        *index = first_col + static_cast<std::int32_t>(i);
+        *value = block.sign() * source.multiple;
+        return next + 1;
     }
-    for (std::int32_t k = source.begin[i]; k < source.begin[i + 1]; ++k) {
-        rows.index[next] = first_col + source.index[k];
-        rows.value[next++] = sign * source.value[k];
-    }
+    const std::int32_t first = source.begin[i], num = source.begin[i + 1] - first;
+    const std::int32_t* from_index = source.index.data() + first;
+    const double* from_value = source.value.data() + first;
+    for (std::int32_t k = 0; k < num; ++k) index[k] = first_col + from_index[k];
+    if (block.negated)
+        for (std::int32_t k = 0; k < num; ++k) value[k] = -from_value[k];
+    else
+        std::memcpy(value, from_value, num * sizeof(double));
+    return next + num;
 }
 
 }  // namespace
@@ -379,7 +453,7 @@ Block joined_blocks(const Block* blocks, std::size_t num) {
         rows->begin[i] = next;
         std::int32_t first_col = 0;
         for (std::size_t b = 0; b < num; ++b) {
-            append_row(*rows, next, blocks[b], i, first_col);
+            next = append_row(*rows, next, blocks[b], i, first_col);
             first_col += static_cast<std::int32_t>(blocks[b].rows->num_cols);
         }
     }

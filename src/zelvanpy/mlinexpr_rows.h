@@ -73,27 +73,26 @@ SharedRows end_rows(const Rows& rows, Py_intptr_t num);
 py::object csr_matrix_over(const SharedRows& rows);
 bool is_sparse(py::handle object);
 
-// Variables of any number of MVars.
+// The variables of one MVar, or of several behind each other.
 class Vars {
 public:
     explicit Vars(py::object mvar) : mvar_(std::move(mvar)) {}
-    Vars(const Vars&) = delete;
-    Vars& operator=(const Vars&) = delete;
-    explicit Vars(std::vector<py::object> handles) : handles_(std::move(handles)) {}
+    explicit Vars(std::vector<std::shared_ptr<Vars>> pieces) : pieces_(std::move(pieces)) {}
     // The handles in a row, each a Var. Valid while no Python code runs.
     struct Span {
         PyObject* const* data;
         std::size_t size;
         Handle* operator[](std::size_t i) const { return as_handle(data[i]); }
     };
-    Span span() const;
-    std::size_t size() const { return span().size; }
+    Span span();
     // As an MVar of one dimension.
     py::object mvar();
 
 private:
+    Span unchecked_span() const;
+    void gather();
     py::object mvar_;
-    std::vector<py::object> handles_;  // where there is no MVar yet
+    std::vector<std::shared_ptr<Vars>> pieces_;  // until someone asks for the whole
 };
 using SharedVars = std::shared_ptr<Vars>;
 

@@ -45,6 +45,7 @@ Block block_of(py::handle part) {
 
 void set_form(MLinExpr& self, std::unique_ptr<CompactForm> form, py::object cells) {
     const std::unique_ptr<CompactForm> old(std::exchange(self.compact, form.release()));
+    const std::unique_ptr<ScaledVars> old_scaled(std::exchange(self.scaled, nullptr));
     const py::object old_cells = py::reinterpret_steal<py::object>(std::exchange(self.learr, cells.release().ptr()));
 }
 
@@ -110,7 +111,7 @@ py::object MLinExpr_matmulparts(MLinExpr& self) {
 }
 
 py::object MLinExpr_const(MLinExpr& self) { return self.compact ? self.compact->constants.stored() : none(); }
-py::object MLinExpr_learr(MLinExpr& self) { return self.learr ? borrow(self.learr) : none(); }
+py::object MLinExpr_learr(MLinExpr& self) { return self.learr || self.scaled ? cells_of(self) : none(); }
 py::object MLinExpr_is_compact(MLinExpr& self) { return boolean(self.compact); }
 PyObject* MLinExpr_leading_adim(MLinExpr& self) {
     return PyLong_FromSsize_t(compact_of(self).constants.shape.size());
@@ -323,6 +324,7 @@ void MLinExpr_dealloc(PyObject* object) {
     Py_CLEAR(self.dict);
     Py_CLEAR(self.learr);
     delete std::exchange(self.compact, nullptr);
+    delete std::exchange(self.scaled, nullptr);
     free_instance(object, MLinExpr_Type);
 }
 

@@ -1,7 +1,5 @@
 // Operators of arrays of variables: each builds matrix expressions and goes by their rules.
 
-#include <cmath>
-
 #include "exception.h"
 #include "linexpr.h"
 #include "linexpr_ops.h"
@@ -19,15 +17,10 @@ py::object expression(py::handle mvar) { return mlinexpr_from_mvar(mvar); }
 
 // mvar * array cell by cell, where the result can't be compact.
 py::object times_array_full(py::handle mvar, py::handle array, const Shape& shape) {
-    const py::object vars = array_of(mvar), factors = as_doubles(array);
-    py::object products = new_objects(shape);
-    walk<3>(shape, {cells_in(products, shape), cells_in(vars, shape), cells_in(factors, shape)}, [](const auto& at) {
-        const double factor = double_at(at[2]);
-        check_multiplier(factor);
-        Handle* var = handle_in(*reinterpret_cast<PyObject**>(at[1]), Kind::kVar);
-        set_object(at[0], owned(linexpr_of_var(var, factor)));
-    });
-    return wrap_cells(std::move(products));
+    const py::object doubles = as_doubles(array), factors = private_doubles(doubles);
+    const double* numbers = data_of<double>(factors);
+    for (Py_intptr_t i = 0, size = size_of(factors); i < size; ++i) check_multiplier(numbers[i]);
+    return wrap_scaled({array_of(mvar), factors, shape});
 }
 
 // mvar * other, or other * mvar if `reflected`.
