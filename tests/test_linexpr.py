@@ -197,9 +197,13 @@ def test_normalize_merges_equal_columns():
     e = quicksum((i - 2) * x for i, x in enumerate(xs)) + xs[1] + 2 * xs[0]
     e._normalize()
     assert terms(e) == [(float(i - 2), i) for i in range(3, 40)]
-    pending = Var(None, -1) + 2 * Var(None, -1)
+    first, second = Var(None, -1), Var(None, -1)
+    pending = first + 2 * second + 4 * first
     pending._normalize()
-    assert terms(pending) == [(3.0, -1)]
+    assert terms(pending) == [(5.0, -1), (2.0, -1)] and pending.getVar(0) is first
+    pending = first * second + second * first
+    pending._normalize()
+    assert pending.size() == 1 and pending.getCoeff(0) == 2.0
     simplified = simple_expression(e)
     assert simplified is not e and content(simplified) == content(e)
     assert content(simple_expression(xs[3])) == (0.0, [(1.0, 3)]) and content(simple_expression(2)) == (2.0, [])

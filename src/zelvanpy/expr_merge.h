@@ -10,22 +10,21 @@
 
 namespace zelvanpy {
 
-// Position of the first term of each key among the terms so far, by open addressing.
-class FirstOfKey {
+// Position of the first term of its variables among the terms so far, by open addressing.
+class FirstOccurrence {
 public:
-    explicit FirstOfKey(std::uint32_t terms) {
+    explicit FirstOccurrence(std::uint32_t terms) {
         std::size_t slots = 16;
         while (slots < 2 * std::size_t{terms}) slots *= 2;
         positions_.assign(slots, kNone);
     }
-    // The position of the first term with the same key; the given one is entered where there is none.
+    // The position of the first term of the same variables; the given one is entered where there is none.
     template <class T>
     std::uint32_t find_or_enter(const T* terms, std::uint32_t position) {
-        const std::uint64_t key = terms[position].key();
-        for (std::size_t slot = mixed(key);; ++slot) {
+        for (std::size_t slot = mixed(terms[position].hash());; ++slot) {
             std::uint32_t& entry = positions_[slot & (positions_.size() - 1)];
             if (entry == kNone) return entry = position;
-            if (terms[entry].key() == key) return entry;
+            if (terms[entry].merges_with(terms[position])) return entry;
         }
     }
 
@@ -39,11 +38,11 @@ private:
     std::vector<std::uint32_t> positions_;
 };
 
-// A term whose key was seen before adds its coefficient to the first occurrence; terms of coefficient 0 go.
+// A term whose variables were seen before adds its coefficient to the first occurrence; terms of coefficient 0 go.
 template <class E>
 void merge_terms(E* e) {
     if (e->size > 1) {
-        FirstOfKey first(e->size);
+        FirstOccurrence first(e->size);
         for (std::uint32_t i = 0; i < e->size; ++i) {
             const std::uint32_t position = first.find_or_enter(e->terms, i);
             if (position == i) continue;

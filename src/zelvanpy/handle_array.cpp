@@ -32,7 +32,8 @@ Py_intptr_t num_cells(const HandleArray& self) { return self.array ? size_of(sel
 
 py::object array_of(const HandleArray& self) {
     if (!self.array) {
-        PyErr_Format(PyExc_AttributeError, "'%s' object has no attribute '%s'", kind_of(self).name, kind_of(self).field);
+        PyErr_Format(PyExc_AttributeError, "'%s' object has no attribute '%s'", kind_of(self).name,
+                     kind_of(self).field);
         throw PythonError{};
     }
     return borrow(self.array);
@@ -76,9 +77,8 @@ std::vector<int> handle_indices(const HandleArray& self) {
     const Shape shape = shape_of(array);
     std::vector<int> indices;
     indices.reserve(static_cast<std::size_t>(shape.size()));
-    walk<1>(shape, {cells_in(array, shape)}, [&](const auto& at) {
-        indices.push_back(handle_in(*reinterpret_cast<PyObject**>(at[0]), kind)->index);
-    });
+    walk<1>(shape, {cells_in(array, shape)},
+            [&](const auto& at) { indices.push_back(handle_in(*reinterpret_cast<PyObject**>(at[0]), kind)->index); });
     if (indices.size() > INT_MAX) raise(PyExc_OverflowError, "an attribute can't be read for so many objects at once");
     return indices;
 }
@@ -179,7 +179,8 @@ bool write_doubles(HandleArray& self, const AttrInfo& attribute, const std::vect
     if (size_of(value) == 1 || !(shape_of(value) == shape)) return false;
     std::vector<double> values;
     values.reserve(indices.size());
-    walk<1>(shape, {cells_in(value, shape)}, [&](const auto& at) { values.push_back(library_double(double_at(at[0]))); });
+    walk<1>(shape, {cells_in(value, shape)},
+            [&](const auto& at) { values.push_back(library_double(double_at(at[0]))); });
     const int code = ZVNsetdblattrlist(model_pointer(self.cmodel), attribute.name, static_cast<int>(indices.size()),
                                        indices.data(), values.data());
     if (code) raise(PyExc_AttributeError, error_message(object_of(self)));
@@ -255,7 +256,8 @@ int array_setattro(PyObject* object, PyObject* name, PyObject* value) {
 }
 
 py::object array_dir(HandleArray& self) {
-    const py::object names = self.cmodel ? attribute_names(self.cmodel, static_cast<int>(kind_of(self).kind)) : py::list();
+    const py::object names =
+        self.cmodel ? attribute_names(self.cmodel, static_cast<int>(kind_of(self).kind)) : py::list();
     return directory(object_of(self), borrow(self.dict), names);
 }
 
@@ -336,7 +338,8 @@ const PyMethodDef kMethods[] = {
      "tolist($self)\n--\n\nThe elements as nested lists; without dimensions the element itself."},
     {"_idxarr", method<array_idxarr>, METH_NOARGS,
      "_idxarr($self)\n--\n\n"
-     "Indices of the elements as an int32 ndarray of the same shape: -1 for one that awaits update, below that for one\n"
+     "Indices of the elements as an int32 ndarray of the same shape: -1 for one that awaits update, below that for "
+     "one\n"
      "that is removed."},
 };
 

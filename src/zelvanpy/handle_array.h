@@ -17,11 +17,11 @@ struct HandleArray {
 
 struct HandleArrayKind {
     PyTypeObject** type;
-    Kind kind;               // of the handles
-    const char* full_name;   // "zelvanpy.MVar"
-    const char* name;        // "MVar"
-    const char* field;       // "_vararr"
-    const char* named_as;    // in the text for an attribute of another kind of object
+    Kind kind;              // of the handles
+    const char* full_name;  // "zelvanpy.MVar"
+    const char* name;       // "MVar"
+    const char* field;      // "_vararr"
+    const char* named_as;   // in the text for an attribute of another kind of object
     const char* doc;
 };
 

@@ -10,9 +10,7 @@ PyTypeObject* MLinExpr_Type = nullptr;
 
 // --- constants
 
-Constants Constants::copy() const {
-    return array ? Constants(private_doubles(array)) : Constants(shape, fill);
-}
+Constants Constants::copy() const { return array ? Constants(private_doubles(array)) : Constants(shape, fill); }
 
 const py::object& Constants::stored() {
     if (!array) array = new_doubles(shape, fill);
@@ -157,7 +155,8 @@ void add_row(LinExpr* e, const Block& block, const Vars::Span& vars, Py_intptr_t
     if (rows.is_identity) return linexpr_append(e, sign * rows.multiple, vars[i]);
     for (std::int32_t k = rows.begin[i]; k < rows.begin[i + 1]; ++k) {
         const auto j = static_cast<std::size_t>(rows.index[k]);
-        if (j >= vars.size) raise(PyExc_IndexError, "The indices of a matrix part were changed to lie beyond its variables");
+        if (j >= vars.size)
+            raise(PyExc_IndexError, "The indices of a matrix part were changed to lie beyond its variables");
         linexpr_append(e, sign * rows.value[k], vars[j]);
     }
 }

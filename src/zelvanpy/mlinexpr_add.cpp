@@ -17,6 +17,7 @@ MatrixOperand classify_matrix(py::handle operand, double& value) {
     if (is_mlinexpr(operand)) return MatrixOperand::kMLinExpr;
     if (is_mvar(operand)) return MatrixOperand::kMVar;
     if (is_ndarray(operand)) return MatrixOperand::kArray;
+    if (is_mquadexpr(operand)) return MatrixOperand::kMQuadExpr;
     switch (classify(operand, value)) {
         case Operand::kVar:
             return MatrixOperand::kVar;
@@ -347,8 +348,8 @@ void mlinexpr_iadd_full(MLinExpr& self, MLinExpr& other) {
 py::object mlinexpr_iplus(MLinExpr& self, py::handle other) {
     double value;
     const MatrixOperand kind = classify_matrix(other, value);
-    const bool done = takes_compact_road(self) ? iadd_compact(self, kind, other, value)
-                                               : iadd_full(self, kind, other, value);
+    const bool done =
+        takes_compact_road(self) ? iadd_compact(self, kind, other, value) : iadd_full(self, kind, other, value);
     return borrow(done ? object_of(self) : Py_NotImplemented);
 }
 

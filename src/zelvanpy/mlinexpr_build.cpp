@@ -184,7 +184,8 @@ private:
     Py_intptr_t row_stride_ = 0, col_stride_ = 0, num_cols_ = 0;
 };
 
-// Where the vectors lie that the rows of the matrix are multiplied with: columns of a right operand, rows of a left one.
+// Where the vectors lie that the rows of the matrix are multiplied with: columns of a right operand, rows of a left
+// one.
 struct Vectors {
     const char* data;
     Py_intptr_t num, stride, step;  // from one vector to the next, and within one

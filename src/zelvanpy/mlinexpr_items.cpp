@@ -214,7 +214,8 @@ void add_values(double* sums, const Block& block) {
         double sum = 0.0;
         for (std::int32_t k = rows.begin[i]; k < rows.begin[i + 1]; ++k) {
             const auto j = static_cast<std::size_t>(rows.index[k]);
-            if (j >= num) raise(PyExc_IndexError, "The indices of a matrix part were changed to lie beyond its variables");
+            if (j >= num)
+                raise(PyExc_IndexError, "The indices of a matrix part were changed to lie beyond its variables");
             sum += rows.value[k] * x[j];
         }
         sums[i] += sum;
@@ -267,7 +268,8 @@ py::object shown_cells(MLinExpr& self) {
         std::copy_n(constants, ends, out);
         std::copy_n(constants + size - ends, ends, out + ends);
     }
-    for (const Block& block : form.blocks) shown.blocks.push_back({end_rows(*block.rows, ends), block.vars, block.negated});
+    for (const Block& block : form.blocks)
+        shown.blocks.push_back({end_rows(*block.rows, ends), block.vars, block.negated});
     const py::object few = new_mlinexpr(std::move(shown));
     const py::object ends_array = cells_of(as_mlinexpr(mlinexpr_to_full(as_mlinexpr(few))));
     py::object cells = new_objects(shape);
@@ -302,7 +304,8 @@ py::object cells_repr(const char* name, const Shape& shape, const char* blanks, 
         throw PythonError{};
     }
     const Py_ssize_t cut = PyUnicode_FindChar(text.ptr(), ',', 0, PyUnicode_GET_LENGTH(text.ptr()), -1);
-    const py::object shown = steal(PyUnicode_Substring(text.ptr(), 0, cut < 0 ? PyUnicode_GET_LENGTH(text.ptr()) : cut));
+    const py::object shown =
+        steal(PyUnicode_Substring(text.ptr(), 0, cut < 0 ? PyUnicode_GET_LENGTH(text.ptr()) : cut));
     return steal(PyUnicode_FromFormat("<%s %S%s>\n%U)", name, shape_tuple(shape).ptr(), blanks, shown.ptr()));
 }
 

@@ -28,9 +28,7 @@ void warn_of_objects(const Shape& left, const Shape& right) {
 py::object matrix_product(py::handle left, py::handle right) {
     return steal(PyNumber_MatrixMultiply(left.ptr(), right.ptr()));
 }
-py::object as_array(const py::object& product) {
-    return is_ndarray(product) ? product : private_doubles(product);
-}
+py::object as_array(const py::object& product) { return is_ndarray(product) ? product : private_doubles(product); }
 py::object transposed(py::handle matrix) {
     static const Name kT("T");
     return steal(PyObject_GetAttr(matrix.ptr(), kT.get()));
@@ -76,10 +74,9 @@ py::object compact_times_numbers(MLinExpr& self, py::handle numbers, bool is_lef
     CompactForm& form = *self.compact;
     const py::object& constants = form.constants.stored();
     const Shape own = form.constants.shape;
-    CompactForm product{
-        Constants(private_doubles(as_array(is_left ? matrix_product(constants, numbers)
-                                                   : matrix_product(numbers, constants)))),
-        {}};
+    CompactForm product{Constants(private_doubles(as_array(is_left ? matrix_product(constants, numbers)
+                                                                   : matrix_product(numbers, constants)))),
+                        {}};
     if (!(product.constants.shape == result)) raise(PyExc_ValueError, "the product has an unexpected shape");
     form.join_parts();
     if (!result.has_zero() && !form.blocks.empty()) {
@@ -144,13 +141,14 @@ py::object times_mvar(MLinExpr& self, py::handle mvar, bool is_left) {
     }
     CompactForm& form = *self.compact;
     const py::object constants = form.constants.stored();
-    py::object linear = is_left ? mlinexpr_from_matmul_right(constants, mvar) : mlinexpr_from_matmul_left(mvar, constants);
+    py::object linear =
+        is_left ? mlinexpr_from_matmul_right(constants, mvar) : mlinexpr_from_matmul_left(mvar, constants);
     std::vector<QuadPart> parts;
     form.join_parts();
     if (!form.blocks.empty()) {
         single_block(form);
         const Block block = shared_blocks(form).front();
-        if (!result.has_zero()) parts.push_back({std::make_shared<Vars>(borrow(mvar)), block.rows, block.vars});
+        if (!result.has_zero()) parts.push_back({std::make_shared<Vars>(borrow(mvar)), block});
     }
     return mquadexpr_compact(std::move(parts), std::move(linear));
 }
@@ -175,7 +173,7 @@ py::object compact_times_compact(CompactForm& left, CompactForm& right, const Sh
             const Block first = single_block(left), second = single_block(right);
             const py::object matrix = matrix_product(transposed(csr_matrix_over(copy_rows(*first.rows))),
                                                      csr_matrix_over(copy_rows(*second.rows)));
-            parts.push_back({first.vars, rows_of_sparse(matrix, false), second.vars});
+            parts.push_back({first.vars, {rows_of_sparse(matrix, false), second.vars}});
         }
     }
     return mquadexpr_compact(std::move(parts), new_mlinexpr(std::move(linear)));

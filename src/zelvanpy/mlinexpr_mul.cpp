@@ -11,22 +11,6 @@
 
 namespace zelvanpy {
 
-namespace {
-
-// Doubles of an array of factors, all of them finite.
-py::object checked_factors(py::handle array, const char* refusal) {
-    py::object doubles = as_doubles(array);
-    const Shape shape = shape_of(doubles);
-    bool finite = true;
-    walk<1>(shape, {cells_in(doubles, shape)}, [&](const auto& at) { finite &= std::isfinite(double_at(at[0])); });
-    if (!finite) raise_zelvan(ZVN_ERROR_INVALID_ARGUMENT, refusal);
-    return doubles;
-}
-constexpr char kCompactRefusal[] = "Multiplier is infinite or NaN";
-constexpr char kFullRefusal[] = "Multiplier is Nan or Inf";
-
-// --- blocks
-
 void scale_block(Block& block, double factor) {
     if (factor == -1.0 && block.rows->exports == 0) {
         block.negated = !block.negated;
@@ -40,6 +24,20 @@ void scale_block(Block& block, double factor) {
     double* values = block.rows->value.data();
     for (std::size_t k = 0, num = block.rows->num_entries(); k < num; ++k) values[k] *= factor;
 }
+
+namespace {
+
+// Doubles of an array of factors, all of them finite.
+py::object checked_factors(py::handle array, const char* refusal) {
+    py::object doubles = as_doubles(array);
+    const Shape shape = shape_of(doubles);
+    bool finite = true;
+    walk<1>(shape, {cells_in(doubles, shape)}, [&](const auto& at) { finite &= std::isfinite(double_at(at[0])); });
+    if (!finite) raise_zelvan(ZVN_ERROR_INVALID_ARGUMENT, refusal);
+    return doubles;
+}
+constexpr char kCompactRefusal[] = "Multiplier is infinite or NaN";
+constexpr char kFullRefusal[] = "Multiplier is Nan or Inf";
 
 // Multiplies each row by its factor; the rows are nobody else's.
 void scale_rows(Rows& rows, const double* factors) {
@@ -176,6 +174,8 @@ py::object times_cells(MLinExpr& self, py::handle other_cells) {
                 const py::object cell = linexpr_at(at[1]), other = object_at(at[2]);
                 set_object(at[0], steal(PyNumber_Multiply(cell.ptr(), other.ptr())));
             });
+    // Without dimensions, a constant factor leaves the product linear.
+    if (shape.ndim == 0 && is_linexpr(object_at(array_fields(products).data))) return wrap_cells(std::move(products));
     return mquadexpr_from_cells(std::move(products));
 }
 

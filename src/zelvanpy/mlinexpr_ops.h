@@ -7,7 +7,18 @@
 namespace zelvanpy {
 
 // What an operand of the matrix layer is.
-enum class MatrixOperand { kMLinExpr, kMVar, kArray, kSparse, kVar, kLinExpr, kQuadExpr, kScalar, kForeign };
+enum class MatrixOperand {
+    kMQuadExpr,
+    kMLinExpr,
+    kMVar,
+    kArray,
+    kSparse,
+    kVar,
+    kLinExpr,
+    kQuadExpr,
+    kScalar,
+    kForeign
+};
 // `value` is set for a scalar.
 MatrixOperand classify_matrix(py::handle operand, double& value);
 // matrix.toarray()
@@ -31,6 +42,9 @@ void mlinexpr_iadd_full(MLinExpr& self, MLinExpr& other);
 // numpy's in-place operator on the constants, with its errors.
 void add_in_place(Constants& constants, py::handle array);
 void multiply_in_place(Constants& constants, py::handle array);
+
+// block = block * factor, in place where nobody else has its rows.
+void scale_block(Block& block, double factor);
 
 // The comparison of a matrix object with anything; `unequal` is the code of the error for !=.
 PyObject* compare_matrix(py::handle self, py::handle other, int op, int unequal);

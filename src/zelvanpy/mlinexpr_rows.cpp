@@ -34,8 +34,7 @@ void* allocate(std::size_t bytes) {
 }
 
 void check_entries(std::size_t num) {
-    if (num > kMaxEntries)
-        raise(PyExc_OverflowError, "A matrix expression holds at most 2147483647 entries");
+    if (num > kMaxEntries) raise(PyExc_OverflowError, "A matrix expression holds at most 2147483647 entries");
 }
 
 }  // namespace
@@ -110,8 +109,8 @@ py::object readable(py::handle doubles, bool transposed) {
 }  // namespace
 
 SharedRows rows_of_dense(py::handle matrix, bool transposed) {
-    const py::object doubles = readable(has_cells(matrix, CellType::kDouble) ? borrow(matrix) : private_doubles(matrix),
-                                        transposed);
+    const py::object doubles =
+        readable(has_cells(matrix, CellType::kDouble) ? borrow(matrix) : private_doubles(matrix), transposed);
     const Dense dense = dense_view(doubles, transposed);
     std::size_t num = 0;
     for (Py_intptr_t i = 0; i < dense.num_rows; ++i) dense.row(i, [&](Py_intptr_t, double v) { num += v != 0.0; });
@@ -143,14 +142,16 @@ py::object csr_matrix(py::handle matrix, bool copy) {
     static const Name kClass("csr_matrix"), kDtype("dtype"), kCopy("copy");
     const py::object make = steal(PyObject_GetAttr(sparse_module().ptr(), kClass.get()));
     const py::object arguments = py::make_tuple(borrow(matrix));
-    const py::object options = steal(Py_BuildValue("{OsOO}", kDtype.get(), "d", kCopy.get(), copy ? Py_True : Py_False));
+    const py::object options =
+        steal(Py_BuildValue("{OsOO}", kDtype.get(), "d", kCopy.get(), copy ? Py_True : Py_False));
     return steal(PyObject_Call(make.ptr(), arguments.ptr(), options.ptr()));
 }
 
 // An array of one dimension with the cells wanted, the one given if it has them.
 py::object flat_array(py::handle array, CellType type, const char* type_name) {
     static const Name kArray("ascontiguousarray");
-    if (!is_ndarray(array) || array_fields(array).nd != 1) raise(PyExc_ValueError, "A sparse matrix has arrays of one dimension");
+    if (!is_ndarray(array) || array_fields(array).nd != 1)
+        raise(PyExc_ValueError, "A sparse matrix has arrays of one dimension");
     if (has_cells(array, type) && is_contiguous(array)) return borrow(array);
     return numpy_function(kArray)(array, type_name);
 }
@@ -161,7 +162,8 @@ void check_positions(const py::object& csr) {
     const py::object begin = flat_array(steal(PyObject_GetAttr(csr.ptr(), kIndptr.get())), CellType::kInt64, "i8");
     const std::int64_t* positions = data_of<std::int64_t>(begin);
     const Py_intptr_t num = size_of(begin);
-    for (Py_intptr_t i = 0; i < num; ++i) check_entries(static_cast<std::size_t>(std::max<std::int64_t>(positions[i], 0)));
+    for (Py_intptr_t i = 0; i < num; ++i)
+        check_entries(static_cast<std::size_t>(std::max<std::int64_t>(positions[i], 0)));
 }
 
 // Whether the begins of the rows are in order and within the arrays.
@@ -210,10 +212,9 @@ SharedRows adopted_unchecked(const py::object& csr) {
     const py::object begin = steal(PyObject_GetAttr(csr.ptr(), kIndptr.get()));
     if (is_ndarray(begin) && !has_cells(begin, CellType::kInt32)) check_positions(csr);
     rows->begin = Buffer<std::int32_t>(flat_array(begin, CellType::kInt32, "i4"));
-    rows->index = Buffer<std::int32_t>(
-        flat_array(steal(PyObject_GetAttr(csr.ptr(), kIndices.get())), CellType::kInt32, "i4"));
-    rows->value =
-        Buffer<double>(flat_array(steal(PyObject_GetAttr(csr.ptr(), kData.get())), CellType::kDouble, "d"));
+    rows->index =
+        Buffer<std::int32_t>(flat_array(steal(PyObject_GetAttr(csr.ptr(), kIndices.get())), CellType::kInt32, "i4"));
+    rows->value = Buffer<double>(flat_array(steal(PyObject_GetAttr(csr.ptr(), kData.get())), CellType::kDouble, "d"));
     if (!has_rows_within(*rows)) raise_inconsistent();
     return rows;
 }
@@ -252,7 +253,7 @@ bool is_plain_csr(py::handle matrix) {
 bool is_sparse(py::handle object) {
     static const Name kIsSparse("issparse");
     // The type that was asked about last; a matrix exists only where scipy.sparse was imported.
-    static PyObject *last_type = nullptr;
+    static PyObject* last_type = nullptr;
     static bool last_answer = false;
     PyObject* type = reinterpret_cast<PyObject*>(Py_TYPE(object.ptr()));
     if (type == last_type) return last_answer;
@@ -313,7 +314,9 @@ SharedRows repeated_row(const Rows& rows, Py_intptr_t num) {
 }
 
 SharedRows end_rows(const Rows& rows, Py_intptr_t num) {
-    const auto first_of = [&](Py_intptr_t i) { return rows.is_identity ? static_cast<std::int32_t>(i) : rows.begin[i]; };
+    const auto first_of = [&](Py_intptr_t i) {
+        return rows.is_identity ? static_cast<std::int32_t>(i) : rows.begin[i];
+    };
     const Py_intptr_t starts[] = {0, rows.num_rows - num};
     std::size_t entries = 0;
     for (const Py_intptr_t start : starts) entries += first_of(start + num) - first_of(start);
@@ -348,10 +351,10 @@ py::object csr_matrix_over(const SharedRows& rows) {
     ++rows->exports;
     kept.release();
     const auto num = static_cast<Py_ssize_t>(rows->num_entries());
-    const py::object arrays = py::make_tuple(
-        array_over({num}, CellType::kDouble, rows->value.data(), owner),
-        array_over({num}, CellType::kInt32, rows->index.data(), owner),
-        array_over({rows->num_rows + 1}, CellType::kInt32, rows->begin.data(), owner));
+    const py::object arrays =
+        py::make_tuple(array_over({num}, CellType::kDouble, rows->value.data(), owner),
+                       array_over({num}, CellType::kInt32, rows->index.data(), owner),
+                       array_over({rows->num_rows + 1}, CellType::kInt32, rows->begin.data(), owner));
     const py::object options =
         steal(Py_BuildValue("{O(nn)OO}", kShape.get(), rows->num_rows, rows->num_cols, kCopy.get(), Py_False));
     const py::object make = steal(PyObject_GetAttr(sparse_module().ptr(), kClass.get()));
@@ -417,7 +420,8 @@ SharedVars joined_vars(const Block* blocks, std::size_t num) {
 }
 
 // Copies row i of the block behind the entries that `rows` has so far.
-std::int32_t append_row(const Rows& rows, std::int32_t next, const Block& block, Py_intptr_t i, std::int32_t first_col) {
+std::int32_t append_row(const Rows& rows, std::int32_t next, const Block& block, Py_intptr_t i,
+                        std::int32_t first_col) {
     const Rows& source = *block.rows;
     std::int32_t* index = rows.index.data() + next;
     double* value = rows.value.data() + next;
@@ -459,6 +463,28 @@ Block joined_blocks(const Block* blocks, std::size_t num) {
     }
     rows->begin[num_rows] = next;
     return {rows, num == 1 ? blocks->vars : joined_vars(blocks, num)};
+}
+
+SharedRows block_diagonal(const std::vector<Block>& blocks) {
+    std::size_t num_entries = 0;
+    Py_intptr_t num_rows = 0, num_cols = 0;
+    for (const Block& block : blocks) {
+        num_entries += block.rows->num_entries();
+        num_rows += block.rows->num_rows;
+        num_cols += block.rows->num_cols;
+    }
+    SharedRows rows = new_rows(num_rows, num_cols, num_entries);
+    std::int32_t next = 0, first_col = 0;
+    Py_intptr_t row = 0;
+    for (const Block& block : blocks) {
+        for (Py_intptr_t i = 0; i < block.rows->num_rows; ++i) {
+            rows->begin[row++] = next;
+            next = append_row(*rows, next, block, i, first_col);
+        }
+        first_col += static_cast<std::int32_t>(block.rows->num_cols);
+    }
+    rows->begin[num_rows] = next;
+    return rows;
 }
 
 }  // namespace zelvanpy

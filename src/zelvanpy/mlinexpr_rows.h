@@ -16,8 +16,8 @@ template <class T>
 class Buffer {
 public:
     Buffer() = default;
-    explicit Buffer(std::size_t size);          // not set
-    explicit Buffer(py::object array);          // of T, contiguous
+    explicit Buffer(std::size_t size);  // not set
+    explicit Buffer(py::object array);  // of T, contiguous
     Buffer(Buffer&& other) noexcept { swap(other); }
     Buffer& operator=(Buffer&& other) noexcept {
         swap(other);
@@ -107,5 +107,7 @@ struct Block {
 };
 // The blocks as one, side by side.
 Block joined_blocks(const Block* blocks, std::size_t num);
+// The rows of the blocks below each other, the columns behind each other.
+SharedRows block_diagonal(const std::vector<Block>& blocks);
 
 }  // namespace zelvanpy

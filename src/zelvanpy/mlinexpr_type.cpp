@@ -113,9 +113,7 @@ py::object MLinExpr_matmulparts(MLinExpr& self) {
 py::object MLinExpr_const(MLinExpr& self) { return self.compact ? self.compact->constants.stored() : none(); }
 py::object MLinExpr_learr(MLinExpr& self) { return self.learr || self.scaled ? cells_of(self) : none(); }
 py::object MLinExpr_is_compact(MLinExpr& self) { return boolean(self.compact); }
-PyObject* MLinExpr_leading_adim(MLinExpr& self) {
-    return PyLong_FromSsize_t(compact_of(self).constants.shape.size());
-}
+PyObject* MLinExpr_leading_adim(MLinExpr& self) { return PyLong_FromSsize_t(compact_of(self).constants.shape.size()); }
 
 py::object MLinExpr_extract_Axb(MLinExpr& self) {
     CompactForm& form = compact_of(self);
@@ -279,9 +277,7 @@ PyObject* MLinExpr_compare(py::handle self, py::handle other, int op) { return c
 // --- items and services
 
 py::object MLinExpr_getitem(MLinExpr& self, py::handle index) { return mlinexpr_getitem(self, index); }
-py::object MLinExpr_at(MLinExpr& self, Py_ssize_t i) {
-    return mlinexpr_getitem(self, steal(PyLong_FromSsize_t(i)));
-}
+py::object MLinExpr_at(MLinExpr& self, Py_ssize_t i) { return mlinexpr_getitem(self, steal(PyLong_FromSsize_t(i))); }
 void MLinExpr_setitem(MLinExpr& self, py::handle index, py::handle value) {
     if (!value) raise(PyExc_TypeError, "'MLinExpr' object doesn't support item deletion");
     mlinexpr_setitem(self, index, value);
@@ -400,7 +396,8 @@ PyMethodDef methods[] = {
      "getValue($self)\n--\n\n"
      "Values of the cells in the current solution: an ndarray of float64 of this shape. Raises what reading X raises\n"
      "where there is none."},
-    {"_flatten", method<MLinExpr_flatten>, METH_NOARGS, "_flatten($self)\n--\n\nFlatten each cell of a full expression."},
+    {"_flatten", method<MLinExpr_flatten>, METH_NOARGS,
+     "_flatten($self)\n--\n\nFlatten each cell of a full expression."},
     {"_normalize", method<MLinExpr_normalize>, METH_NOARGS,
      "_normalize($self)\n--\n\nMerge the terms of equal variables in each cell of a full expression."},
     {},

@@ -12,7 +12,4 @@ inline py::object new_mvar(py::object array) { return new_handle_array(MVar_Type
 inline py::object mvar_of(py::handle var) { return new_mvar(object_scalar(var)); }
 inline Shape mvar_shape(py::handle mvar) { return shape_of(array_of(mvar)); }
 
-// Slots of the operators, from mvar_ops.cpp.
-extern const std::vector<PyType_Slot>& mvar_operator_slots();
-
 }  // namespace zelvanpy

@@ -1,5 +1,7 @@
 // Operators of arrays of variables: each builds matrix expressions and goes by their rules.
 
+#include "mvar_ops.h"
+
 #include "exception.h"
 #include "linexpr.h"
 #include "linexpr_ops.h"
@@ -59,9 +61,7 @@ py::object MVar_divide(py::handle left, py::handle right) {
     return steal(PyNumber_TrueDivide(expression(left).ptr(), right.ptr()));
 }
 
-[[noreturn]] void raise_scalar_product() {
-    raise(PyExc_ValueError, "Input operand does not have enough dimensions");
-}
+[[noreturn]] void raise_scalar_product() { raise(PyExc_ValueError, "Input operand does not have enough dimensions"); }
 
 py::object matmul(py::handle mvar, py::handle other) {
     double value;
@@ -112,10 +112,10 @@ PyObject* MVar_compare(py::handle self, py::handle other, int op) { return compa
 
 const std::vector<PyType_Slot>& mvar_operator_slots() {
     static const std::vector<PyType_Slot> slots = {
-        {Py_nb_multiply, slot<MVar_multiply>()},  {Py_nb_add, slot<MVar_add>()},
-        {Py_nb_subtract, slot<MVar_subtract>()},  {Py_nb_true_divide, slot<MVar_divide>()},
+        {Py_nb_multiply, slot<MVar_multiply>()},      {Py_nb_add, slot<MVar_add>()},
+        {Py_nb_subtract, slot<MVar_subtract>()},      {Py_nb_true_divide, slot<MVar_divide>()},
         {Py_nb_matrix_multiply, slot<MVar_matmul>()}, {Py_nb_power, slot<MVar_power>()},
-        {Py_nb_negative, slot<MVar_negative>()},  {Py_nb_positive, slot<MVar_positive>()},
+        {Py_nb_negative, slot<MVar_negative>()},      {Py_nb_positive, slot<MVar_positive>()},
         {Py_tp_richcompare, slot<MVar_compare>()},
     };
     return slots;

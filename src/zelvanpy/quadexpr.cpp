@@ -158,8 +158,12 @@ void quadexpr_multiply_linear(QuadExpr* e, py::handle factor) {
 void quadexpr_normalize(QuadExpr* e) {
     quadexpr_flatten(e);
     if (e->lin) linexpr_normalize(e->lin);
-    for (std::uint32_t i = 0; i < e->size; ++i)
-        if (e->terms[i].var1->index > e->terms[i].var2->index) std::swap(e->terms[i].var1, e->terms[i].var2);
+    for (std::uint32_t i = 0; i < e->size; ++i) {
+        QuadTerm& term = e->terms[i];
+        const int first = term.var1->index, second = term.var2->index;
+        if (first > second || (first == second && identity_of(term.var1) > identity_of(term.var2)))
+            std::swap(term.var1, term.var2);
+    }
     merge_terms(e);
 }
 

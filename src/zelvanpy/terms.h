@@ -15,6 +15,12 @@ namespace zelvanpy {
 
 constexpr std::uint32_t kTermsAhead = 16;  // variables are fetched into the cache so long before their turn
 
+// What tells the variables of mergeable terms apart: the column, or the handle of one that has none yet.
+inline std::uint64_t identity_of(const Handle* var) {
+    if (var->index != -1) return static_cast<std::uint32_t>(var->index);
+    return reinterpret_cast<std::uintptr_t>(var) | std::uint64_t{1} << 63;
+}
+
 struct Term {
     double coeff;
     Handle* var;  // owned
@@ -25,8 +31,9 @@ struct Term {
         visit(var);
     }
     Term scaled(double mult) const { return {mult * coeff, var}; }
-    // Equal for terms that can be merged.
-    std::uint64_t key() const { return static_cast<std::uint32_t>(var->index); }
+    // For finding terms that can be merged.
+    std::uint64_t hash() const { return identity_of(var); }
+    bool merges_with(const Term& other) const { return identity_of(var) == identity_of(other.var); }
 };
 
 struct QuadTerm {
@@ -39,9 +46,9 @@ struct QuadTerm {
         visit(var2);
     }
     QuadTerm scaled(double mult) const { return {mult * coeff, var1, var2}; }
-    std::uint64_t key() const {
-        return static_cast<std::uint64_t>(static_cast<std::uint32_t>(var1->index)) << 32 |
-               static_cast<std::uint32_t>(var2->index);
+    std::uint64_t hash() const { return identity_of(var1) << 32 ^ identity_of(var2); }
+    bool merges_with(const QuadTerm& other) const {
+        return identity_of(var1) == identity_of(other.var1) && identity_of(var2) == identity_of(other.var2);
     }
 };
 

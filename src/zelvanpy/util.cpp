@@ -127,7 +127,8 @@ Cells reduced_cells(py::handle sums, const Reduction& reduction, int ndim) {
 void require_same_shape(const Shape& own, py::handle operand) {
     const Shape shape = broadcast_shapes(own, shape_of(operand));
     if (shape == own) return;
-    PyErr_Format(PyExc_ValueError, "non-broadcastable output operand with shape %S doesn't match the broadcast shape %S",
+    PyErr_Format(PyExc_ValueError,
+                 "non-broadcastable output operand with shape %S doesn't match the broadcast shape %S",
                  shape_tuple(own).ptr(), shape_tuple(shape).ptr());
     throw PythonError{};
 }

@@ -1,8 +1,10 @@
-#include "mvar.h"
+// The type MVar: construction, shape, sums, text.
 
 #include "exception.h"
 #include "linexpr.h"
 #include "mlinexpr_build.h"
+#include "mvar.h"
+#include "mvar_ops.h"
 #include "pyargs.h"
 #include "pynumber.h"
 #include "pytype.h"
@@ -83,7 +85,8 @@ template <class... A>
 py::object reshaped(HandleArray& self, const Name& name, const A&... arguments) {
     const py::object array = array_of(self);
     const py::object function = steal(PyObject_GetAttr(array.ptr(), name.get()));
-    const py::object view = steal(PyObject_CallFunctionObjArgs(function.ptr(), py::handle(arguments).ptr()..., nullptr));
+    const py::object view =
+        steal(PyObject_CallFunctionObjArgs(function.ptr(), py::handle(arguments).ptr()..., nullptr));
     return new_mvar(object_copy(view));
 }
 
@@ -127,9 +130,7 @@ py::object MVar_getitem(HandleArray& self, py::handle index) {
 }
 
 // The old protocol of iteration asks for one position after the other.
-py::object MVar_at(HandleArray& self, Py_ssize_t i) {
-    return MVar_getitem(self, steal(PyLong_FromSsize_t(i)));
-}
+py::object MVar_at(HandleArray& self, Py_ssize_t i) { return MVar_getitem(self, steal(PyLong_FromSsize_t(i))); }
 
 py::object MVar_indexed_data(HandleArray& self, Args args) {
     static const Name kArray("array"), kEmptyLike("empty_like"), kFlat("flat");
@@ -173,7 +174,8 @@ py::object MVar_repr(HandleArray& self) {
         removed |= index <= -2;
     }
     const py::object text = steal(PyObject_Repr(array.ptr()));
-    const Py_ssize_t length = PyUnicode_GET_LENGTH(text.ptr()), cut = PyUnicode_FindChar(text.ptr(), ',', 0, length, -1);
+    const Py_ssize_t length = PyUnicode_GET_LENGTH(text.ptr()),
+                     cut = PyUnicode_FindChar(text.ptr(), ',', 0, length, -1);
     const py::object shown = steal(PyUnicode_Substring(text.ptr(), 0, cut < 0 ? length : cut));
     return steal(PyUnicode_FromFormat("<MVar %S%s%s>\n%U)", shape_tuple(shape_of(array)).ptr(),
                                       pending ? " *awaiting update*" : "", removed ? " (some removed)" : "",
@@ -220,11 +222,13 @@ std::vector<PyMethodDef> methods() {
 
 }  // namespace
 
-void init_mvar(py::module_& module) {
+void init_mvar_type(py::module_& module) {
     HandleExtras extras;
     extras.slots = {
-        {Py_tp_new, reinterpret_cast<void*>(PyType_GenericNew)}, {Py_tp_init, slot<MVar_init>()},
-        {Py_tp_repr, slot<MVar_repr>()},          {Py_mp_subscript, slot<MVar_getitem>()},
+        {Py_tp_new, reinterpret_cast<void*>(PyType_GenericNew)},
+        {Py_tp_init, slot<MVar_init>()},
+        {Py_tp_repr, slot<MVar_repr>()},
+        {Py_mp_subscript, slot<MVar_getitem>()},
         {Py_sq_item, slot<MVar_at>()},
     };
     const std::vector<PyType_Slot>& operators = mvar_operator_slots();
@@ -232,8 +236,7 @@ void init_mvar(py::module_& module) {
     extras.methods = methods();
     extras.properties = {{"T", getter_of<MVar_transpose>, nullptr, "The same as transpose().", nullptr}};
     make_handle_array_type(module, kKind, std::move(extras));
-    checked(PyObject_SetAttrString(reinterpret_cast<PyObject*>(MVar_Type), "__array_priority__",
-                                   py::int_(100).ptr()));
+    checked(PyObject_SetAttrString(reinterpret_cast<PyObject*>(MVar_Type), "__array_priority__", py::int_(100).ptr()));
     for (const char* name : {"__rtruediv__", "__rpow__"})
         checked(PyObject_DelAttrString(reinterpret_cast<PyObject*>(MVar_Type), name));
 }
