@@ -29,6 +29,12 @@ def fields(table):
     return ["    %s: %s" % (name, of if settable else "Final[%s]" % of) for name, of, settable in table]
 
 
+def array_fields(table):
+    """The attributes of an array of handles: descriptors, as what is set may be a scalar or an array."""
+    arrays = {"float": "Float", "int": "Int", "str": "Str"}
+    return ["    %s: _%s%sArray" % (name, "" if settable else "ReadOnly", arrays[of]) for name, of, settable in table]
+
+
 def literal(alias, names):
     if len(names) < 2:
         return ['%s: TypeAlias = Literal["%s"]' % (alias, name) for name in names]
@@ -88,6 +94,7 @@ def lists():
         made[handle] = fields(tables[kind])
         made[handle + " by name"] = getters(handle, tables[kind], False) + getters(handle, tables[kind], True)
         made["names of attributes"] += aliases(handle, tables[kind])
+    made["MVar"] = array_fields(tables[1])
     return made
 
 

@@ -70,10 +70,11 @@ void assign_linexpr(py::handle target, py::handle value) {
     });
 }
 
-void assign_cells(py::handle target, py::object value) {
+// `own` are the cells that the target was taken from.
+void assign_cells(py::handle own, py::handle target, py::object value) {
     const Shape shape = shape_of(target);
     require_same_shape(shape, value);
-    if (overlaps(target, value) || all_refs_match(target, value)) value = copied_cells(value);
+    if (overlaps(own, value) || all_refs_match(target, value)) value = copied_cells(value);
     walk<2>(shape, {cells_in(target, shape), cells_in(value, shape)}, [](const auto& at) {
         const py::object cell = linexpr_at(at[0]), source = linexpr_at(at[1]);
         if (cell.ptr() == source.ptr()) return;
@@ -107,7 +108,7 @@ py::object numbers_of(py::handle value) {
 
 void mlinexpr_setitem(MLinExpr& self, py::handle index, py::handle value) {
     mlinexpr_convert_to_full(self);
-    const py::object target = target_cells(self, index);
+    const py::object own = cells_of(self), target = target_cells(self, index);
     double number;
     switch (classify_matrix(value, number)) {
         case MatrixOperand::kLinExpr:
@@ -115,11 +116,11 @@ void mlinexpr_setitem(MLinExpr& self, py::handle index, py::handle value) {
         case MatrixOperand::kVar:
             return assign_linexpr(target, owned(linexpr_of_var(as_handle(value), 1.0)));
         case MatrixOperand::kMVar:
-            return assign_cells(target, cells_of(as_mlinexpr(mlinexpr_from_mvar_full(value))));
+            return assign_cells(own, target, cells_of(as_mlinexpr(mlinexpr_from_mvar_full(value))));
         case MatrixOperand::kArray:
             return assign_numbers(target, value);
         case MatrixOperand::kMLinExpr:
-            return assign_cells(target, cells_of(as_mlinexpr(full_of(value))));
+            return assign_cells(own, target, cells_of(as_mlinexpr(full_of(value))));
         case MatrixOperand::kScalar:
             return assign_numbers(target, new_doubles({}, number));
         default:

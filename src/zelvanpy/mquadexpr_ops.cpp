@@ -183,7 +183,7 @@ void scale_cells(py::handle cells, py::handle factors) {
 void imul_array(MQuadExpr& self, py::handle array) {
     const py::object linear = linear_half(self);
     if (self.parts) {
-        const double factor = only_element(array);
+        const double factor = mquadexpr_shape(self).has_zero() ? 1.0 : only_element(array);
         set_linear_half(self, in_place(linear, array, PyNumber_InPlaceMultiply));
         return scale_parts(*self.parts, factor);
     }
