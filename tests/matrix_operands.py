@@ -16,6 +16,7 @@ class World:
 
     def __init__(self, env):
         self.model = Model(env=env)
+        self.model.Params.UpdateMode = 0  # new variables have no index yet
         self.variables = [self.model.addVar(name="v%d" % i) for i in range(12)]
         self.model.update()
         self.variables += [self.model.addVar() for _ in range(6)]

@@ -69,7 +69,8 @@ void assign_quadratic(MQuadExpr& self, py::handle index, const py::object& value
     py::object cells = quad_cells_of(as_mquadexpr(value));
     const Shape shape = shape_of(target);
     require_same_shape(shape, cells);
-    if (overlaps(quad_cells_of(self), cells) || all_refs_match(target, cells)) cells = copied_quad_cells(cells, shape_of(cells));
+    if (overlaps(quad_cells_of(self), cells) || all_refs_match(target, cells))
+        cells = copied_quad_cells(cells, shape_of(cells));
     mlinexpr_setitem(linear_of(self), index, linear_half(as_mquadexpr(value)));
     walk<2>(shape, {cells_in(target, shape), cells_in(cells, shape)}, [](const auto& at) {
         const py::object cell = quadexpr_at(at[0]), source = quadexpr_at(at[1]);
