@@ -31,6 +31,9 @@ py::object array_of(const HandleArray& self);
 inline py::object array_of(py::handle self) { return array_of(*reinterpret_cast<HandleArray*>(self.ptr())); }
 // The handle in a cell; TypeError for any other object.
 Handle* handle_in(PyObject* cell, Kind kind);
+inline Handle* var_in(PyObject* cell) {
+    return cell && Py_TYPE(cell) == Var_Type ? as_handle(cell) : handle_in(cell, Kind::kVar);
+}
 
 // Takes over an array that nobody else changes.
 py::object new_handle_array(PyTypeObject* type, py::object array);

@@ -112,7 +112,7 @@ void make_cells(MLinExpr& self) {
     py::object cells = new_objects(shape);
     walk<3>(shape, {cells_in(cells, shape), cells_in(scaled.vars, shape), cells_in(scaled.factors, shape)},
             [](const auto& at) {
-                Handle* var = handle_in(*reinterpret_cast<PyObject**>(at[1]), Kind::kVar);
+                Handle* var = var_in(*reinterpret_cast<PyObject**>(at[1]));
                 set_object(at[0], owned(linexpr_of_var(var, double_at(at[2]))));
             });
     delete std::exchange(self.scaled, nullptr);
@@ -148,16 +148,16 @@ Shape mlinexpr_shape(MLinExpr& self) {
 
 namespace {
 
-// Adds the entries of row i to the expression.
+// Adds the entries of row i to the expression, which has room for them.
 void add_row(LinExpr* e, const Block& block, const Vars::Span& vars, Py_intptr_t i) {
     const Rows& rows = *block.rows;
     const double sign = block.sign();
-    if (rows.is_identity) return linexpr_append(e, sign * rows.multiple, vars[i]);
+    if (rows.is_identity) return append_term(e, {sign * rows.multiple, vars[i]});
     for (std::int32_t k = rows.begin[i]; k < rows.begin[i + 1]; ++k) {
         const auto j = static_cast<std::size_t>(rows.index[k]);
         if (j >= vars.size)
             raise(PyExc_IndexError, "The indices of a matrix part were changed to lie beyond its variables");
-        linexpr_append(e, sign * rows.value[k], vars[j]);
+        append_term(e, {sign * rows.value[k], vars[j]});
     }
 }
 

@@ -32,7 +32,7 @@ py::object mlinexpr_from_mvar_full(py::handle mvar, PyTypeObject* type) {
     const Shape shape = shape_of(vars);
     py::object cells = new_objects(shape);
     walk<2>(shape, {cells_in(cells, shape), cells_in(vars, shape)}, [](const auto& at) {
-        Handle* var = handle_in(*reinterpret_cast<PyObject**>(at[1]), Kind::kVar);
+        Handle* var = var_in(*reinterpret_cast<PyObject**>(at[1]));
         set_object(at[0], owned(linexpr_of_var(var, 1.0)));
     });
     return wrap_cells(std::move(cells), type);
@@ -177,7 +177,7 @@ public:
 private:
     static void append(LinExpr* e, double coeff, const char* cell) {
         check_coefficient(coeff);
-        linexpr_append(e, coeff, handle_in(*reinterpret_cast<PyObject* const*>(cell), Kind::kVar));
+        linexpr_append(e, coeff, var_in(*reinterpret_cast<PyObject* const*>(cell)));
     }
     SharedRows rows_;
     py::object dense_;

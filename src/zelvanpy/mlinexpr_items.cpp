@@ -145,7 +145,7 @@ py::object sum_of_scaled(const ScaledVars& scaled, py::handle axis) {
             [&](const auto& at) {
                 LinExpr* sum = *reinterpret_cast<LinExpr**>(at[0]);
                 if (sum->size == 0) reserve_terms(sum, summands);
-                append_term(sum, {double_at(at[2]), handle_in(*reinterpret_cast<PyObject**>(at[1]), Kind::kVar)});
+                append_term(sum, {double_at(at[2]), var_in(*reinterpret_cast<PyObject**>(at[1]))});
             });
     return result;
 }

@@ -8,7 +8,6 @@
 #include <sys/mman.h>
 #endif
 
-#include "handle_array.h"
 #include "matrix.h"
 #include "pynumber.h"
 
@@ -363,27 +362,30 @@ py::object csr_matrix_over(const SharedRows& rows) {
 
 // --- variables
 
-Vars::Span Vars::unchecked_span() const {
-    const py::object array = array_of(mvar_);
+namespace {
+
+Vars::Span span_of(const py::object& mvar) {
+    const py::object array = array_of(mvar);
     if (!has_cells(array, CellType::kObject) || !is_contiguous(array))
         raise(PyExc_ValueError, "The array of an MVar was changed");
     return {data_of<PyObject*>(array), static_cast<std::size_t>(size_of(array))};
 }
+
+}  // namespace
 
 void Vars::gather() {
     if (pieces_.empty()) return;
     std::vector<Span> spans;
     Py_ssize_t size = 0;
     for (const std::shared_ptr<Vars>& piece : pieces_) {
-        piece->gather();
-        spans.push_back(piece->unchecked_span());
+        spans.push_back(piece->span());
         size += static_cast<Py_ssize_t>(spans.back().size);
     }
     py::object array = new_objects({size});
     PyObject** cell = data_of<PyObject*>(array);
     for (const Span& span : spans)
         for (std::size_t i = 0; i < span.size; ++i, ++cell) {
-            *cell = reinterpret_cast<PyObject*>(handle_in(span.data[i], Kind::kVar));
+            *cell = reinterpret_cast<PyObject*>(span[i]);
             Py_INCREF(*cell);
         }
     mvar_ = new_handle_array(MVar_Type, std::move(array));
@@ -392,14 +394,11 @@ void Vars::gather() {
 
 Vars::Span Vars::span() {
     gather();
-    const Span span = unchecked_span();
-    for (std::size_t i = 0; i < span.size; ++i) handle_in(span.data[i], Kind::kVar);
-    return span;
+    return span_of(mvar_);
 }
 
 py::object Vars::mvar() {
-    gather();
-    const Span handles = unchecked_span();
+    const Span handles = span();
     if (array_fields(array_of(mvar_)).nd == 1) return mvar_;
     const py::object array = new_objects({static_cast<Py_ssize_t>(handles.size)});
     PyObject** cells = data_of<PyObject*>(array);

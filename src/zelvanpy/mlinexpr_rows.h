@@ -6,7 +6,7 @@
 #include <memory>
 #include <vector>
 
-#include "handle.h"
+#include "handle_array.h"
 #include "pyarray.h"
 
 namespace zelvanpy {
@@ -78,18 +78,18 @@ class Vars {
 public:
     explicit Vars(py::object mvar) : mvar_(std::move(mvar)) {}
     explicit Vars(std::vector<std::shared_ptr<Vars>> pieces) : pieces_(std::move(pieces)) {}
-    // The handles in a row, each a Var. Valid while no Python code runs.
+    // The variables in a row. Valid while no Python code runs.
     struct Span {
         PyObject* const* data;
         std::size_t size;
-        Handle* operator[](std::size_t i) const { return as_handle(data[i]); }
+        // Throws TypeError where someone put another object into the array of the MVar.
+        Handle* operator[](std::size_t i) const { return var_in(data[i]); }
     };
     Span span();
     // As an MVar of one dimension.
     py::object mvar();
 
 private:
-    Span unchecked_span() const;
     void gather();
     py::object mvar_;
     std::vector<std::shared_ptr<Vars>> pieces_;  // until someone asks for the whole

@@ -119,7 +119,7 @@ py::object mquadexpr_from_mvars(py::handle left, py::handle right, bool force_fu
     }
     py::object cells = new_objects(shape);
     walk<3>(shape, {cells_in(cells, shape), cells_in(first, shape), cells_in(second, shape)}, [](const auto& at) {
-        const auto var = [](char* cell) { return handle_in(*reinterpret_cast<PyObject**>(cell), Kind::kVar); };
+        const auto var = [](char* cell) { return var_in(*reinterpret_cast<PyObject**>(cell)); };
         Handle *x = var(at[1]), *y = var(at[2]);
         py::object product = owned(new_quadexpr());
         append_term(as_quadexpr(product), {1.0, x, y});

@@ -157,7 +157,7 @@ py::object MVar_sum(HandleArray& self, Args args) {
     const py::object sums = cells_of(as_mlinexpr(result));
     walk<2>(shape, {reduced_cells(sums, reduction, shape.ndim), cells_in(vars, shape)}, [](const auto& at) {
         LinExpr* sum = *reinterpret_cast<LinExpr**>(at[0]);
-        linexpr_append(sum, 1.0, handle_in(*reinterpret_cast<PyObject**>(at[1]), Kind::kVar));
+        linexpr_append(sum, 1.0, var_in(*reinterpret_cast<PyObject**>(at[1])));
     });
     return result;
 }
