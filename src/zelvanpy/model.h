@@ -72,5 +72,7 @@ extern PyMethodDef model_solve_methods[];
 extern PyMethodDef model_build_var_methods[];
 extern PyMethodDef model_build_constr_methods[];
 extern PyMethodDef model_build_objective_methods[];
+extern PyMethodDef model_matrix_methods[];
+extern PyMethodDef model_matrix_quad_methods[];
 
 }  // namespace zelvanpy

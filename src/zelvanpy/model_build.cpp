@@ -79,6 +79,22 @@ void append_quadratic(const Model& model, const LibraryQuadTerms& terms, QuadExp
                            as_handle(PyList_GET_ITEM(model.vars, terms.col[k]))});
 }
 
+py::object new_handles(Model& self, Kind kind, Py_ssize_t count) {
+    const bool indexed = list_row(kind).live && model_update_mode(self) == 1;
+    const Py_ssize_t first = PyList_GET_SIZE(self.*list_row(kind).list);
+    py::object handles = steal(PyList_New(count));
+    for (Py_ssize_t i = 0; i < count; ++i)
+        PyList_SET_ITEM(handles.ptr(), i,
+                        new_handle(*handle_kind(kind).type, self.cmodel, indexed ? static_cast<int>(first + i) : -1));
+    return handles;
+}
+
+void list_handles(Model& self, Kind kind, const py::object& handles) {
+    PyObject* list = self.*list_row(kind).list;
+    const Py_ssize_t end = PyList_GET_SIZE(list);
+    checked(PyList_SetSlice(list, end, end, handles.ptr()));
+}
+
 py::object flat_copy(py::handle expr) {
     LinExpr* source = as_linexpr(expr);
     if (!source->tail) return borrow(expr);

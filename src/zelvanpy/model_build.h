@@ -72,6 +72,11 @@ void append_quadratic(const Model& model, const LibraryQuadTerms& terms, QuadExp
 // The LinExpr itself when it is flat, otherwise a flattened copy.
 py::object flat_copy(py::handle expr);
 
+// New handles, in a list, for the variables or rows that come next in the model.
+py::object new_handles(Model& self, Kind kind, Py_ssize_t count);
+// Appends such handles, which the library has objects for now.
+void list_handles(Model& self, Kind kind, const py::object& handles);
+
 // Queues an object by `call`, which gives the library's code, and lists its handle, which comes from new_member().
 template <class Call>
 py::object add_object(Model& self, Kind kind, py::object handle, Call call) {

@@ -10,6 +10,7 @@
 #include "model_build_key.h"
 #include "model_build_names.h"
 #include "model_build_rows.h"
+#include "model_matrix.h"
 #include "pyargs.h"
 #include "pyiter.h"
 #include "tempconstr.h"
@@ -196,6 +197,12 @@ py::object add_sides(Model& self, TempConstr* constr, PyObject* name) {
 }
 
 py::object add_comparison(Model& self, TempConstr* constr, PyObject* sense, PyObject* name) {
+    if (is_mlinexpr(constr->lhs) || is_mquadexpr(constr->lhs)) {
+        const py::object expr = borrow(constr->lhs), text = borrow(given(sense) ? sense : name ? name : Py_None);
+        const char letter = sense_letter(*constr);
+        return is_mlinexpr(expr) ? add_matrix_constr(self, expr, letter, text)
+                                 : add_matrix_qconstr(self, expr, letter, text);
+    }
     if (constr->sense == 'I') refuse_indicator(constr);
     if (constr->sense == ZVN_EQUAL && (PyTuple_Check(constr->rhs) || PyList_Check(constr->rhs)))
         return add_range_form(self, constr, name);

@@ -76,7 +76,7 @@ py::object index_name(py::handle name, py::handle key) {
 void NameBuffer::close() {
     if (std::memchr(text_.data() + begin_, 0, text_.size() - begin_))
         raise(PyExc_ValueError, "embedded null character");
-    for (std::size_t i = begin_; i < text_.size(); ++i) {
+    for (std::size_t i = begin_; i < text_.size() && !any_letters_; ++i) {
         if (static_cast<unsigned char>(text_[i]) < 128) continue;
         const py::object name =
             steal(PyUnicode_DecodeUTF8(text_.data() + begin_, text_.size() - begin_, "surrogatepass"));
@@ -101,6 +101,25 @@ void NameBuffer::add_indexed(py::handle base, PyObject* keys) {
     }
 }
 
+void NameBuffer::add_indexed(py::handle base, const Py_ssize_t* dims, int ndim) {
+    std::string text;
+    append_str(text, steal(PyObject_Str(base.ptr())));
+    Py_ssize_t size = 1;
+    for (int d = 0; d < ndim; ++d) size *= dims[d];
+    std::vector<Py_ssize_t> index(ndim);
+    for (Py_ssize_t i = 0; i < size; ++i) {
+        text_ += text;
+        for (int d = 0; d < ndim; ++d) {
+            char digits[24];
+            text_ += d ? ',' : '[';
+            text_.append(digits, std::to_chars(digits, digits + sizeof digits, index[d]).ptr);
+        }
+        if (ndim) text_ += ']';
+        close();
+        for (int d = ndim - 1; d >= 0 && ++index[d] == dims[d]; --d) index[d] = 0;
+    }
+}
+
 void NameBuffer::add(py::handle name) {
     if (!PyUnicode_Check(name.ptr())) {
         PyErr_Format(PyExc_TypeError, "variable names must be str, not %.200s", Py_TYPE(name.ptr())->tp_name);
@@ -110,11 +129,12 @@ void NameBuffer::add(py::handle name) {
     close();
 }
 
-char* const* NameBuffer::pointers() {
-    if (!any_) return nullptr;
+const std::vector<char*>& NameBuffer::texts() {
     pointers_.resize(start_.size());
     for (std::size_t i = 0; i < start_.size(); ++i) pointers_[i] = text_.data() + start_[i];
-    return pointers_.data();
+    return pointers_;
 }
+
+char* const* NameBuffer::pointers() { return any_ ? texts().data() : nullptr; }
 
 }  // namespace zelvanpy

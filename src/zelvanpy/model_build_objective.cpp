@@ -8,6 +8,7 @@
 #include "model.h"
 #include "model_build.h"
 #include "model_lists.h"
+#include "model_matrix.h"
 #include "model_stranger.h"
 #include "pyargs.h"
 #include "pynumber.h"
@@ -17,8 +18,13 @@ namespace zelvanpy {
 
 namespace {
 
-// Anything but an expression as one, by simple_expr.
+// Anything but an expression as one, by simple_expr; the only cell of a matrix object.
 py::object expression_of(py::handle expr) {
+    if (is_mvar(expr) || is_mlinexpr(expr) || is_mquadexpr(expr)) {
+        static const Name kItem("item");
+        const py::object cell = steal(PyObject_CallMethodObjArgs(expr.ptr(), kItem.get(), nullptr));
+        return is_mquadexpr(expr) ? simple_expr(cell) : owned(linexpr_from(cell));
+    }
     return is_linexpr(expr) || is_quadexpr(expr) ? borrow(expr) : simple_expr(expr);
 }
 
@@ -77,6 +83,8 @@ py::object flat_linear_part(const py::object& expr) {
 void Model_setObjective(Model& self, Args args) {
     const auto [expr, sense] = kSetObjective.parse(args);
     model_setup(self);
+    if ((is_mlinexpr(expr) && as_mlinexpr(expr).compact) || (is_mquadexpr(expr) && as_mquadexpr(expr).parts))
+        return set_compact_objective(self, expr, sense && sense != Py_None ? sense_of(sense) : 0);
     const py::object expression = expression_of(expr);
     const int objsense = sense && sense != Py_None ? sense_of(sense) : 0;
     const py::object linear = flat_linear_part(expression);
@@ -92,7 +100,7 @@ void Model_setObjective(Model& self, Args args) {
 void Model_setObjectiveN(Model& self, Args args) {
     const auto [expr, index, priority, weight, abstol, reltol, name] = kSetObjectiveN.parse(args);
     model_setup(self);
-    if (is_quadexpr(expr)) raise_zelvan(-1, "Objective must be linear for multi-objective model");
+    if (is_quadexpr(expr) || is_mquadexpr(expr)) raise_zelvan(-1, "Objective must be linear for multi-objective model");
     const py::object linear = flat_linear_part(expression_of(expr));
     const LinExpr* terms = as_linexpr(linear);
     const double constant = terms->constant;

@@ -294,16 +294,6 @@ const T* data_or_null(const std::vector<T>& values) {
     return values.empty() ? nullptr : values.data();
 }
 
-// New handles for the variables that come next in the model.
-py::object new_vars(Model& self, Py_ssize_t count) {
-    const bool indexed = model_update_mode(self) == 1;
-    const Py_ssize_t first = PyList_GET_SIZE(self.vars);
-    py::object vars = steal(PyList_New(count));
-    for (Py_ssize_t i = 0; i < count; ++i)
-        PyList_SET_ITEM(vars.ptr(), i, new_handle(Var_Type, self.cmodel, indexed ? static_cast<int>(first + i) : -1));
-    return vars;
-}
-
 void collect_names(PyObject* name, PyObject* keys, NameBuffer& names) {
     if (!name || name == Py_None || is_empty_string(name)) return;
     if (PyUnicode_Check(name)) return names.add_indexed(name, keys);
@@ -354,7 +344,7 @@ py::object Model_addVars(Model& self, Args args) {
     // The handles and their dict come first: an unhashable key must not leave variables without handles.
     require_lists(self);  // reading values and keys runs code of the caller
     const Py_ssize_t first = PyList_GET_SIZE(self.vars);
-    const py::object vars = new_vars(self, count);
+    const py::object vars = new_handles(self, Kind::kVar, count);
     py::object result = new_tupledict(keys, vars);
     require_member(self, PyList_GET_ITEM(vars.ptr(), 0));
     if (PyList_GET_SIZE(self.vars) != first)
@@ -366,7 +356,7 @@ py::object Model_addVars(Model& self, Args args) {
     if (first == 0)
         swap_lists(self.vars, vars.ptr());
     else
-        checked(PyList_SetSlice(self.vars, first, first, vars.ptr()));
+        list_handles(self, Kind::kVar, vars);
     if (PyDict_Size(result.ptr()) != count) raise(PyExc_KeyError, "Duplicate keys in Model.addVars()");
     tupledict_setord(as_tupledict(result), keys);
     return result;

@@ -7,7 +7,9 @@
 #include <vector>
 
 #include "exception.h"
+#include "mconstr.h"
 #include "model_stranger.h"
+#include "mvar.h"
 #include "pyargs.h"
 #include "pycontainer.h"
 
@@ -185,6 +187,11 @@ void remove_items(Model& self, py::handle items) {
         for (py::handle item : py::reinterpret_borrow<py::object>(items)) remove_one(self, item);
     } else if (PyDict_Check(object)) {
         for (py::handle item : items.attr("values")()) remove_one(self, item);
+    } else if (is_mvar(items) || is_mconstr(items) || is_mqconstr(items)) {
+        static const Name kFlatten("flatten"), kTolist("tolist");
+        const py::object flat = steal(PyObject_CallMethodObjArgs(array_of(items).ptr(), kFlatten.get(), nullptr));
+        const py::object list = steal(PyObject_CallMethodObjArgs(flat.ptr(), kTolist.get(), nullptr));
+        for (py::handle item : list) remove_one(self, item);
     } else {
         Model_removeone(self, items);
     }

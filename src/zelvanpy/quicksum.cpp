@@ -1,5 +1,6 @@
 #include "quicksum.h"
 
+#include "matrix.h"
 #include "pyargs.h"
 #include "quadexpr.h"
 #include "tupledict.h"
@@ -89,6 +90,11 @@ py::object accumulate(py::object result, py::handle term) {
 }
 
 py::object quicksum(py::handle terms) {
+    if (is_matrix_operand(terms)) {
+        static const Name kSum("sum");
+        const py::object sum = steal(PyObject_GetAttr(terms.ptr(), kSum.get()));
+        return sum(py::arg("axis") = 0);
+    }
     if (is_tupledict(terms)) return quicksum(steal(PyObject_CallMethodObjArgs(terms.ptr(), kValues.get(), nullptr)));
     py::object result = owned(new_linexpr());
     if (PyList_CheckExact(terms.ptr()))
