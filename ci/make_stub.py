@@ -94,7 +94,8 @@ def lists():
         made[handle] = fields(tables[kind])
         made[handle + " by name"] = getters(handle, tables[kind], False) + getters(handle, tables[kind], True)
         made["names of attributes"] += aliases(handle, tables[kind])
-    made["MVar"] = array_fields(tables[1])
+    for name, kind in (("MVar", 1), ("MConstr", 2), ("MQConstr", 4)):
+        made[name] = array_fields(tables[kind])
     return made
 
 

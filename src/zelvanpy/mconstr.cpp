@@ -87,8 +87,10 @@ template <int K>
 void make_type(py::module_& module, const char* count_name) {
     HandleExtras extras;
     extras.slots = {
-        {Py_tp_new, reinterpret_cast<void*>(PyType_GenericNew)}, {Py_tp_init, slot<init<K>>()},
-        {Py_tp_repr, slot<repr<K>>()},                           {Py_mp_subscript, slot<getitem<K>>()},
+        {Py_tp_new, reinterpret_cast<void*>(PyType_GenericNew)},
+        {Py_tp_init, slot<init<K>>()},
+        {Py_tp_repr, slot<repr<K>>()},
+        {Py_mp_subscript, slot<getitem<K>>()},
         {Py_sq_item, slot<at<K>>()},
     };
     extras.methods = {

@@ -239,7 +239,8 @@ PyMethodDef* const method_tables[] = {life_methods,
                                       model_solve_methods,
                                       model_build_var_methods,
                                       model_build_constr_methods,
-                                      model_build_objective_methods, model_matrix_methods,
+                                      model_build_objective_methods,
+                                      model_matrix_methods,
                                       model_matrix_quad_methods};
 
 PyMethodDef* join_method_tables() {

@@ -68,8 +68,8 @@ void collect_names(NameBuffer& names, PyObject* name, const Shape& shape) {
     if (PyUnicode_Check(name)) return names.add_indexed(name, shape.dims, shape.ndim);
     static const Name kArray("array"), kDtype("dtype"), kTolist("tolist"), kFlatten("flatten");
     const py::object options = steal(Py_BuildValue("{OO}", kDtype.get(), &PyUnicode_Type));
-    const py::object array = steal(PyObject_Call(numpy_function(kArray).ptr(), py::make_tuple(borrow(name)).ptr(),
-                                                 options.ptr()));
+    const py::object array =
+        steal(PyObject_Call(numpy_function(kArray).ptr(), py::make_tuple(borrow(name)).ptr(), options.ptr()));
     if (!(shape_of(array) == shape)) raise(PyExc_ValueError, "name argument has incompatible shape");
     const py::object flat = steal(PyObject_CallMethodObjArgs(array.ptr(), kFlatten.get(), nullptr));
     const py::object list = steal(PyObject_CallMethodObjArgs(flat.ptr(), kTolist.get(), nullptr));
@@ -88,7 +88,8 @@ py::object array_of_list(const py::object& list, const Shape& shape) {
 py::object Model_addMVar(Model& self, Args args) {
     const auto [shape_given, lb, ub, obj, vtype, name] = kAddMVar.parse(args);
     require_open(self);
-    const py::object lengths = PyTuple_CheckExact(shape_given) ? borrow(shape_given) : py::make_tuple(borrow(shape_given));
+    const py::object lengths =
+        PyTuple_CheckExact(shape_given) ? borrow(shape_given) : py::make_tuple(borrow(shape_given));
     const Shape shape = shape_argument(lengths);
     if (shape.size() == 0) return new_mvar(new_objects(shape));
     const py::object lower = numbers(lb, shape), upper = numbers(ub, shape), cost = numbers(obj, shape);
@@ -269,8 +270,7 @@ char* const* row_names(NameBuffer& names, PyObject* name, Py_ssize_t count) {
         names.add_indexed(name, &count, 1);
         return names.pointers();
     }
-    for (Py_ssize_t i = 0; i < count; ++i)
-        names.add(bytes_to_string(string_to_bytes(element_at(name, i))));
+    for (Py_ssize_t i = 0; i < count; ++i) names.add(bytes_to_string(string_to_bytes(element_at(name, i))));
     return names.pointers();
 }
 
@@ -352,7 +352,8 @@ namespace {
 
 py::object Model_getA(Model& self) {
     model_update(self);
-    const int rows = count_of(self, "NumConstrs"), columns = count_of(self, "NumVars"), entries = count_of(self, "NumNZs");
+    const int rows = count_of(self, "NumConstrs"), columns = count_of(self, "NumVars"),
+              entries = count_of(self, "NumNZs");
     const py::object begin = new_array({rows + 1}, CellType::kInt32), index = new_array({entries}, CellType::kInt32),
                      value = new_array({entries}, CellType::kDouble);
     std::fill_n(data_of<int>(begin), rows + 1, 0);

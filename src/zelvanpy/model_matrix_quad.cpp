@@ -129,17 +129,16 @@ void set_objective(Model& self, QuadraticTerms& terms, int sense, double constan
 
 double side_of(PyObject* rhs) {
     static const Name kItem("item");
-    const py::object number = is_ndarray(rhs)
-                                  ? steal(PyObject_CallMethodObjArgs(rhs, kItem.get(), nullptr))
-                                  : borrow(rhs);
+    const py::object number =
+        is_ndarray(rhs) ? steal(PyObject_CallMethodObjArgs(rhs, kItem.get(), nullptr)) : borrow(rhs);
     return library_double(float_of(number));
 }
 
 py::object Model_addMQConstr(Model& self, Args args) {
-    static const Signature<8> kSignature{"addMQConstr",
-                                         4,
-                                         {Name("Q"), Name("c"), Name("sense"), Name("rhs"), Name("xQ_L"), Name("xQ_R"),
-                                          Name("xc"), Name("name")}};
+    static const Signature<8> kSignature{
+        "addMQConstr",
+        4,
+        {Name("Q"), Name("c"), Name("sense"), Name("rhs"), Name("xQ_L"), Name("xQ_R"), Name("xc"), Name("name")}};
     const auto [Q, c, sense, rhs, xQ_L, xQ_R, xc, name] = kSignature.parse(args);
     const double side = side_of(rhs);
     model_setup(self);
