@@ -75,6 +75,13 @@ def test_elementwise_operators(data, op):
         assert is_wanted_form(op, left, right, result)
 
 
+def test_products_without_inner_length():
+    row = MVar.fromlist(WORLD.variables[:3]).reshape(1, 3)[:0]
+    assert same(np.zeros(0) @ row, np.zeros(3)) and same(row.T @ np.zeros(0), np.zeros(3))
+    assert same(np.zeros((2, 0)) @ row, np.zeros((2, 3))) and same(row.T @ sp.csr_matrix((0, 1)), np.zeros((3, 1)))
+    assert same((row.T + 1) @ np.zeros((0, 2)), np.zeros((3, 2))) and same(row.T @ row, np.zeros((3, 3)))
+
+
 @many
 @given(st.data())
 def test_matrix_products(data):

@@ -234,8 +234,8 @@ py::object from_matmul(py::handle matrix, py::handle mvar, bool is_right, PyType
     if (!is_mvar(mvar)) raise_cannot_construct(mvar);
     const Shape shape = mvar_shape(mvar), other = shape_of_operand(matrix);
     const Shape result = is_right ? matmul_shape(other, shape) : matmul_shape(shape, other);
-    const bool is_empty = is_right ? false : shape.dims[shape.ndim - 1] == 0 || other.dims[0] == 0;
-    if (is_empty || result.has_zero()) return mlinexpr_zeros(result, type);
+    const Py_intptr_t inner = is_right ? shape.dims[0] : other.dims[0];
+    if (inner == 0 || result.has_zero()) return mlinexpr_zeros(result, type);
     if (!is_ndarray(matrix) && !is_sparse(matrix)) raise_cannot_construct(matrix);
     if (may_be_compact(type, result) && allows_compact(shape)) {
         const py::handle nothing = Py_None;

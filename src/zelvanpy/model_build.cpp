@@ -2,6 +2,7 @@
 
 #include "exception.h"
 #include "model_stranger.h"
+#include "pycontainer.h"
 
 namespace zelvanpy {
 
@@ -92,6 +93,7 @@ py::object new_handles(Model& self, Kind kind, Py_ssize_t count) {
 void list_handles(Model& self, Kind kind, const py::object& handles) {
     PyObject* list = self.*list_row(kind).list;
     const Py_ssize_t end = PyList_GET_SIZE(list);
+    if (end == 0) return swap_lists(list, handles.ptr());
     checked(PyList_SetSlice(list, end, end, handles.ptr()));
 }
 

@@ -74,7 +74,7 @@ py::object flat_copy(py::handle expr);
 
 // New handles, in a list, for the variables or rows that come next in the model.
 py::object new_handles(Model& self, Kind kind, Py_ssize_t count);
-// Appends such handles, which the library has objects for now.
+// Appends such handles, which the library has objects for now; the list of them is given up.
 void list_handles(Model& self, Kind kind, const py::object& handles);
 
 // Queues an object by `call`, which gives the library's code, and lists its handle, which comes from new_member().

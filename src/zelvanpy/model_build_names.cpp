@@ -2,12 +2,15 @@
 
 #include <charconv>
 #include <cstring>
+#include <utility>
 
 #include "pyiter.h"
 
 namespace zelvanpy {
 
 namespace {
+
+constexpr std::size_t kMaxKeyText = 128;
 
 void append_str(std::string& to, py::handle text) {
     Py_ssize_t size;
@@ -102,22 +105,39 @@ void NameBuffer::add_indexed(py::handle base, PyObject* keys) {
 }
 
 void NameBuffer::add_indexed(py::handle base, const Py_ssize_t* dims, int ndim) {
-    std::string text;
-    append_str(text, steal(PyObject_Str(base.ptr())));
+    std::string prefix;
+    append_str(prefix, steal(PyObject_Str(base.ptr())));
+    if (ndim == 0) {
+        text_ += prefix;
+        return close();
+    }
+    prefix += '[';
+    // What stands behind is digits: the first name is looked at for all.
+    text_ += prefix;
+    close();
+    text_.resize(start_.back());
+    start_.pop_back();
+    begin_ = text_.size();
     Py_ssize_t size = 1;
     for (int d = 0; d < ndim; ++d) size *= dims[d];
     std::vector<Py_ssize_t> index(ndim);
+    start_.reserve(start_.size() + size);
+    text_.reserve(text_.size() + size * (prefix.size() + 7 * static_cast<std::size_t>(ndim)));
     for (Py_ssize_t i = 0; i < size; ++i) {
-        text_ += text;
+        start_.push_back(text_.size());
+        text_ += prefix;
+        char digits[kMaxKeyText];
+        char* end = digits;
         for (int d = 0; d < ndim; ++d) {
-            char digits[24];
-            text_ += d ? ',' : '[';
-            text_.append(digits, std::to_chars(digits, digits + sizeof digits, index[d]).ptr);
+            if (end > digits + kMaxKeyText / 2) text_.append(digits, std::exchange(end, digits));
+            end = std::to_chars(end, digits + kMaxKeyText, index[d]).ptr;
+            *end++ = d + 1 < ndim ? ',' : ']';
         }
-        if (ndim) text_ += ']';
-        close();
+        *end++ = '\0';
+        text_.append(digits, end);
         for (int d = ndim - 1; d >= 0 && ++index[d] == dims[d]; --d) index[d] = 0;
     }
+    begin_ = text_.size();
 }
 
 void NameBuffer::add(py::handle name) {

@@ -353,10 +353,7 @@ py::object Model_addVars(Model& self, Args args) {
     check(ZVNaddvars(model_pointer(self), static_cast<int>(count), 0, nullptr, nullptr, nullptr, data_or_null(obj),
                      data_or_null(lb), data_or_null(ub), data_or_null(vtype), names.pointers()),
           as_object(self));
-    if (first == 0)
-        swap_lists(self.vars, vars.ptr());
-    else
-        list_handles(self, Kind::kVar, vars);
+    list_handles(self, Kind::kVar, vars);
     if (PyDict_Size(result.ptr()) != count) raise(PyExc_KeyError, "Duplicate keys in Model.addVars()");
     tupledict_setord(as_tupledict(result), keys);
     return result;

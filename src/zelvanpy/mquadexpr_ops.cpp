@@ -211,7 +211,7 @@ py::object full_times_array(MQuadExpr& self, py::handle array) {
 // A compact expression with another linear half and its parts times a number.
 py::object scaled_compact(MQuadExpr& self, py::object linear, py::handle factor) {
     std::vector<QuadPart> parts;
-    if (!mlinexpr_shape(as_mlinexpr(linear)).has_zero()) {
+    if (!self.parts->empty() && !mlinexpr_shape(as_mlinexpr(linear)).has_zero()) {
         const double value = only_element(factor);
         parts = shared_quadparts(*self.parts);
         scale_parts(parts, value);
