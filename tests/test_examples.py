@@ -7,7 +7,9 @@ import sys
 import numpy as np
 import pytest
 from conftest import ROOT
-from scipy.optimize import Bounds, LinearConstraint, linprog, milp
+from scipy.optimize import Bounds, LinearConstraint, linprog, milp, minimize
+from scipy.sparse import csr_matrix
+from scipy.sparse.csgraph import maximum_flow
 
 
 @pytest.fixture
@@ -106,3 +108,64 @@ def test_production(example):
     cost, runs = names["solve"]()
     assert cheapest * (1 - 2e-4) <= cost <= 1.0102 * cheapest
     assert runs == pytest.approx(setups)
+
+
+def test_portfolio(example):
+    names = example("portfolio")
+    mean, covariance = names["market"]()
+    line = names["frontier"](6)
+    gains, risks = np.array(line).T
+    assert (np.diff(gains) > 0).all() and (np.diff(risks) > 0).all() and (np.diff(risks, 2) > -1e-9).all()
+    rows = LinearConstraint(np.vstack([np.ones_like(mean), mean]), [1, gains[3]], [1, np.inf])
+    start = np.full(len(mean), 1 / len(mean))
+    tight = {"gtol": 1e-10, "xtol": 1e-12, "maxiter": 3000}
+    expected = minimize(
+        lambda x: x @ covariance @ x, start, jac=lambda x: 2 * covariance @ x, method="trust-constr",
+        hess=lambda x: 2 * covariance, constraints=rows, bounds=Bounds(0, 0.3), options=tight,
+    )  # fmt: skip
+    assert risks[3] ** 2 == pytest.approx(expected.fun, rel=1e-4)
+
+
+def test_sudoku(example):
+    names = example("sudoku")
+    board = names["solve"]()
+    blocks = board.reshape(3, 3, 3, 3).swapaxes(1, 2).reshape(9, 9)
+    for groups in (board, board.T, blocks):
+        assert (np.sort(groups, axis=1) == np.arange(1, 10)).all()
+    clues = "".join(names["PUZZLE"].split())
+    assert all(clue in (".", str(digit)) for clue, digit in zip(clues, board.reshape(-1)))
+
+
+def test_network(example, capsys):
+    names = example("network")
+    tail, head, capacity = names["network"]()
+    graph = csr_matrix((capacity.astype(np.int32), (tail, head)), shape=(head.max() + 1,) * 2)
+    largest = maximum_flow(graph, 0, head.max()).flow_value
+    assert names["solve"]() == pytest.approx(largest)
+    assert "with capacity %g" % largest in capsys.readouterr().out
+
+
+def test_deviations(example):
+    names = example("deviations")
+    t, y = names["measurements"]()
+    A = np.column_stack([np.ones_like(t), t])
+    absolute, squares = names["fit"]()
+    assert squares == pytest.approx(np.linalg.lstsq(A, y, rcond=None)[0], abs=1e-5)
+    eye = np.eye(len(t))
+    bounds = [(None, None)] * 2 + [(0, None)] * (2 * len(t))
+    expected = linprog(np.r_[0, 0, np.ones(2 * len(t))], A_eq=np.hstack([A, eye, -eye]), b_eq=y, bounds=bounds)
+    assert np.abs(A @ absolute - y).sum() == pytest.approx(expected.fun)
+
+
+def test_classifier(example):
+    names = example("classifier")
+    points, labels = names["clouds"]()
+    direction, offset = names["train"]()
+
+    def loss(line):
+        margin = 1 - labels * (points @ line[:2] + line[2])
+        return 0.5 * line[:2] @ line[:2] + names["PENALTY"] * np.maximum(margin, 0).sum()
+
+    found = np.r_[direction, offset]
+    around = minimize(loss, found, method="Nelder-Mead", options={"xatol": 1e-9, "fatol": 1e-12})
+    assert loss(found) == pytest.approx(around.fun, rel=1e-5)

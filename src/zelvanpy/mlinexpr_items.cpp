@@ -47,7 +47,7 @@ py::object mlinexpr_getitem(MLinExpr& self, py::handle index) {
 
 py::object index_of_view(py::handle index) {
     const bool is_tuple = PyTuple_Check(index.ptr());
-    const py::object parts = is_tuple ? borrow(index) : py::make_tuple(borrow(index));
+    py::object parts = is_tuple ? borrow(index) : py::make_tuple(borrow(index));
     for (Py_ssize_t i = 0; i < PyTuple_GET_SIZE(parts.ptr()); ++i)
         if (PyTuple_GET_ITEM(parts.ptr(), i) == Py_Ellipsis) return parts;
     const py::object end = py::make_tuple(py::ellipsis());

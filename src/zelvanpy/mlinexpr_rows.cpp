@@ -26,7 +26,7 @@ void* allocate(std::size_t bytes) {
         const auto address = reinterpret_cast<std::uintptr_t>(memory);
         const std::size_t ahead = 4096 - address % 4096;
         // A hint, which may be refused.
-        madvise(reinterpret_cast<void*>(address + ahead), bytes - ahead, MADV_HUGEPAGE);
+        madvise(static_cast<char*>(memory) + ahead, bytes - ahead, MADV_HUGEPAGE);
     }
 #endif
     return memory;

@@ -29,7 +29,7 @@ public:
     T& operator[](std::size_t i) const { return data_[i]; }
 
 private:
-    void swap(Buffer& other) {
+    void swap(Buffer& other) noexcept {
         std::swap(data_, other.data_);
         std::swap(size_, other.size_);
         std::swap(owner_, other.owner_);

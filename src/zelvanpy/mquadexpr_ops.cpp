@@ -127,7 +127,7 @@ py::object mquadexpr_plus(MQuadExpr& self, py::handle other) {
 }
 
 py::object mquadexpr_iplus(MQuadExpr& self, py::handle other) {
-    const py::object keep = borrow(object_of(self));
+    py::object keep = borrow(object_of(self));
     double value;
     const MatrixOperand kind = classify_matrix(other, value);
     takes_compact_road(self);

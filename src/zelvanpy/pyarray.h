@@ -24,7 +24,7 @@ struct Shape {
     Shape(const Py_intptr_t* lengths, int count) { assign(lengths, count); }
     Shape(const Shape& other) { assign(other.dims, other.ndim); }
     Shape& operator=(const Shape& other) {
-        assign(other.dims, other.ndim);
+        if (this != &other) assign(other.dims, other.ndim);
         return *this;
     }
     Py_intptr_t size() const {
