@@ -26,8 +26,6 @@ const HandleArrayKind& kind_of(const HandleArray& self) {
 
 py::handle object_of(HandleArray& self) { return reinterpret_cast<PyObject*>(&self); }
 
-Py_intptr_t num_cells(const HandleArray& self) { return self.array ? size_of(self.array) : 0; }
-
 }  // namespace
 
 py::object array_of(const HandleArray& self) {
@@ -102,8 +100,7 @@ Attribute own_attribute(HandleArray& self, py::handle name) {
 py::object read_letters(ZVNmodel* model, const AttrInfo& attribute, const std::vector<int>& indices, const Shape& shape,
                         py::handle object) {
     static const Name kEmpty("empty");
-    const std::vector<char> blank(indices.size());
-    std::vector<char> letters = blank;
+    std::vector<char> letters(indices.size());
     check(ZVNgetcharattrlist(model, attribute.name, static_cast<int>(indices.size()), indices.data(), letters.data()),
           object);
     const py::object array = numpy_function(kEmpty)(shape_tuple(shape), "U1");
@@ -142,8 +139,6 @@ py::object read_array(HandleArray& self, const AttrInfo& attribute) {
         }
     }
 }
-
-py::object no_values(const Shape& shape) { return new_doubles(shape, 0.0); }
 
 // One value for all handles, or a list with one for each.
 struct Values {
@@ -204,7 +199,7 @@ void write_array(HandleArray& self, py::handle name, py::handle value) {
 py::object handle_array_attribute(py::handle object, py::handle name) {
     HandleArray& self = *reinterpret_cast<HandleArray*>(object.ptr());
     const py::object keep = borrow(object);
-    if (!self.cmodel) return no_values(shape_of(array_of(self)));
+    if (!self.cmodel) return new_doubles(shape_of(array_of(self)), 0.0);
     const Attribute attribute = own_attribute(self, name);
     return read_array(self, *attribute.operator->());
 }
